@@ -1,0 +1,21 @@
+# Options that every target of our own code shares: warnings are errors here, and only here.
+add_library(bmr_options INTERFACE)
+target_compile_options(bmr_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+
+if(BMR_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+find_program(BMR_CCACHE ccache)
+if(BMR_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
+    "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime" ${BMR_CCACHE})
+endif()
+
+find_program(BMR_MOLD mold)
+if(BMR_MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+namespace bmr::store {
+
+struct Session;
+
+/// How a routine of the key chain ended the program: the caller shows nothing more and quits.
+inline constexpr int kQuitProgram = -1000;
+
+/// Shows the prompt as often as allowed, with the forced pause after each failure, and sets `PassHash` and
+/// `PassHashStrong`; the typed text is wiped. 0, -98 for a cancelled prompt, -40 for a text below 8
+/// characters, or `kQuitProgram` when the attempts are used up and no database is open.
+[[nodiscard]] int RequestPassphrase(Session& session, bool newOne);
+
+/// Makes `MasterKey` and `Keystring`, writes rows (1,1) and (1,2), the first user record and the default PIN
+/// into the open, empty file, in one transaction. REQUIRES: `PassHash`, `PassHashStrong`. `MasterKey` is
+/// wiped.
+[[nodiscard]] int CreateKeys(Session& session);
+
+/// Finds the user, unwraps `MasterKey`, loads `Keystring`, repairs a lost row (1,1). `MasterKey` is wiped on
+/// every path. 0, -85, an engine number, or `kQuitProgram` after its message.
+[[nodiscard]] int LoadKeys(Session& session);
+
+/// Verifies the current passphrase, asks for a new one and rewrites the user's row and PIN. True when it
+/// changed; otherwise Msg(124) was shown (after a failed verification only Msg(85)).
+bool ChangePassphrase(Session& session);
+
+}  // namespace bmr::store

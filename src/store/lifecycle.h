@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace bmr::store {
+
+struct Session;
+
+/// 0, the engine's number, or -1 for an empty path. A damaged file offers the repair (Msg 46). On an error
+/// `DatabasePath` is cleared.
+[[nodiscard]] int TestOpen(Session& session, const std::filesystem::path& path);
+/// Repairs the file at `DatabasePath` and tests it again.
+[[nodiscard]] int RepairAndTest(Session& session);
+
+/// Asks for a file and tests it; sets `DatabasePath`. -98 when cancelled; any other error was shown.
+[[nodiscard]] int OpenFileDialog(Session& session);
+
+/// Asks for a name (unless `DefaultPathChosen`) and a new passphrase, makes the file; the user is in as
+/// `Admin`. An existing file is deleted only once the new passphrase stands. -98 when cancelled.
+[[nodiscard]] int NewDatabase(Session& session);
+
+/// Passphrase, keys, version, settings, duplicates, registry: the database at `DatabasePath` is open
+/// afterwards. 0, an error number, or `kQuitProgram` when the program is to end.
+[[nodiscard]] int OpenDatabaseFile(Session& session);
+
+/// Writes the system record and the settings, closes the file and wipes the keys. The caller has closed the
+/// section. Never leaves the database open; an error number tells that the last write failed.
+int CloseDatabase(Session& session);
+
+/// Closes, compacts into a file beside the database, puts that in its place, Msg(166), opens again. The
+/// caller has closed the section.
+[[nodiscard]] int RepairAndCompact(Session& session);
+
+/// Adds or updates the system record (1,3); what its reserved fields hold is kept.
+[[nodiscard]] int WriteSystemRecord(Session& session);
+
+/// The version in the system record, 0 when the row is missing or does not decode.
+int ReadDatabaseVersion(Session& session);
+
+/// Deletes later copies of section rows with an fT1 that stood before (Null never counts). The number
+/// deleted, or a negative number on an error.
+int RemoveDuplicates(Session& session);
+
+/// One plain sentence (UTF-8) for an engine number: why a file could not be opened.
+std::string ExplainOpenFailure(int number);
+
+}  // namespace bmr::store

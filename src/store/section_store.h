@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "store/session.h"
+
+namespace bmr::store {
+
+/// The pattern that all sections share, without a screen: one record is stored, fetched or deleted by its
+/// key.
+
+/// The closing words of most statements; they mean nothing to the engine.
+inline constexpr const char* kOwnerAccess = " WITH OWNERACCESS OPTION;";
+
+/// Key of a record that is not stored yet.
+inline constexpr std::int32_t kNewRecord = -1;
+
+struct StoreOutcome {
+    int error = 0;  ///< 0, -16 (the row belongs to another section; nothing written) or the engine's number
+    std::int32_t fPK = kNewRecord;
+    bool added = false;
+};
+
+/// `writeRecord`: finds the row of `key`, adds one when there is none, lets `fill` set the columns (fEtx,
+/// fT1, ...) and keeps fSec and the change marks itself (AE Or 1 on an add, Or 2 on an edit). `fill` gets the
+/// row in AddNew or Edit and tells 0 or an error number, which stops the store. `after`, if given, runs in
+/// the same transaction once the row stands, with its key. One transaction; on an error nothing is changed.
+StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
+                      const std::function<int(Recordset& row, bool added)>& fill,
+                      const std::function<int(std::int32_t fPK, bool added)>& after = nullptr);
+
+/// "SELECT * FROM tt WHERE fPK=key": the row, or nothing when it is gone or belongs to another section.
+std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key);
+
+/// DELETE of one row. 0 or the engine's number.
+[[nodiscard]] int DeleteRow(Session& session, std::int32_t key);
+
+/// DELETE of all rows of a section that meet `clauses` (" And fF3=True", or ""). 0 or the engine's number.
+[[nodiscard]] int DeleteRows(Session& session, std::uint8_t section, const std::string& clauses = "");
+
+/// " And fG1 = n", or nothing for all categories (-1 and 9999).
+std::string CategoryClause(std::int32_t category);
+
+}  // namespace bmr::store

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "base/clock.h"
+#include "base/ports.h"
+#include "base/random.h"
+#include "crypto/cry.h"
+#include "crypto/secret.h"
+#include "store/db.h"
+#include "store/startvariables.h"
+
+namespace bmr::store {
+
+/// Section codes: the same number is a record's fSec. 0 is no section.
+struct Section {
+    static constexpr std::uint8_t None = 0;
+    static constexpr std::uint8_t Address = 11;
+    static constexpr std::uint8_t Calendar = 12;
+    static constexpr std::uint8_t Diary = 13;
+    static constexpr std::uint8_t Memo = 14;
+    static constexpr std::uint8_t Todo = 15;
+    static constexpr std::uint8_t Confidential = 16;
+    static constexpr std::uint8_t Budget1 = 17;
+    static constexpr std::uint8_t Budget2 = 18;
+    static constexpr std::uint8_t Budget3 = 19;
+};
+
+/// The format version that this program writes and the highest that it opens.
+inline constexpr int kDatabaseVersion = 201;
+
+/// The user who is logged in. `wrappedKey` and `verifier` are as stored.
+struct CurrentUser {
+    std::int32_t fPK = 0;
+    std::uint8_t UserNumber = 0;
+    Bytes PwVerifier;
+    Bytes WrappedKey;
+    bool UserFlag1 = false;
+    bool UserFlag2 = false;
+    std::int32_t UserValue = 0;
+    Bytes UserName;
+};
+
+/// The second, weaker secret that guards sections.
+struct PinRecord {
+    std::uint8_t PinKind = 0;
+    Secret Pin;
+    std::int32_t PinApp = 0;  ///< bit k: section 11 + k asks for the PIN
+    bool PINeveryaccess = false;
+};
+
+/// The outside world, handed in once.
+struct Ports {
+    Prompter& prompter;
+    Clock& clock;
+    RandomSource& random;
+    Registry& registry;
+};
+
+/// All state of one sitting. Passed by reference; there is no other shared state.
+struct Session {
+    explicit Session(Ports outside) : ports(outside), cipher(outside.random) {}
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    Ports ports;
+    cry::CipherState cipher;
+
+    std::filesystem::path DatabasePath;   ///< empty when none is open
+    std::unique_ptr<Database> ProgramDb;  ///< the one connection, from the start of the opening to the close
+    bool DatabaseOpen = false;            ///< open and logged in
+
+    Settings settings;
+    UserLabels userLabels = BuiltInUserLabels();
+    CurrentUser user;
+    PinRecord pin;
+
+    bool ShowPrivate = false;
+    std::uint8_t SectionCode = Section::None;
+    std::int32_t PinPassed = 0;      ///< bit k: the PIN of section 11 + k was given in this sitting
+    bool CalendarDirty = false;      ///< a task changed: the calendar's task pane is to be redrawn
+    bool DefaultPathChosen = false;  ///< the default file is being made: ask for no name
+    bool ending = false;             ///< the program is going down: no question, no store any more
+
+    // Only while a prompt is answered and the keys are loaded; wiped on every path.
+    Secret PassHash;
+    Secret PassHashStrong;
+    Secret MasterKey;
+    int PwAttempts = 0;
+};
+
+}  // namespace bmr::store

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/bytes.h"
+#include "crypto/secret.h"
+
+namespace bmr::store {
+
+struct Session;
+
+/// Looks for the user row that `PassHash` opens; fills the current user and `MasterKey`. 0, -85, an engine
+/// number, or `kQuitProgram` (see keyrecords.h) when there is no user row at all, after Msg(96).
+[[nodiscard]] int FindUser(Session& session);
+
+/// Writes the current user's record under `PassHash`; a new row gives its fPK to the session. The PIN record
+/// in fT2 is left alone on an edit.
+[[nodiscard]] int WriteUser(Session& session);
+
+/// Asks for the passphrase of the current user and tests it; on a wrong one shows Msg(85) and pauses. Keeps
+/// no hash.
+bool VerifyUser(Session& session, const std::string& prompt);
+
+/// Reads the PIN record of the current user; a lost one is made anew with the default PIN.
+[[nodiscard]] int LoadPin(Session& session);
+/// Asks for the passphrase when no `PassHashStrong` is at hand, then stores the default PIN.
+[[nodiscard]] int SetDefaultPin(Session& session);
+[[nodiscard]] int WritePin(Session& session, std::uint8_t kind, std::string_view pin, std::int32_t app,
+                           bool everyAccess);
+
+enum class PinAnswer { Right = 1, Wrong = 2, Cancelled = 3 };
+/// Asks for the PIN; a wrong one shows Msg(125).
+PinAnswer PinPrompt(Session& session);
+
+}  // namespace bmr::store

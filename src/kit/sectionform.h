@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QAction>
+#include <QList>
+#include <QMenu>
+#include <QString>
+#include <QWidget>
+#include <cstdint>
+
+namespace bmr {
+
+/// What the main window asks of a section's screen. A section form is made when its section is opened and deleted
+/// when it is closed; its destructor stores what the section keeps (the last category) in the session.
+class SectionForm : public QWidget {
+    Q_OBJECT
+
+  public:
+    using QWidget::QWidget;
+
+    /// The section's own menu ("&Task"), owned by the form; shown between View and Tools.
+    virtual QMenu* SectionMenu() = 0;
+
+    /// Toolbar entries in order, null for a separator. The same actions stand in the menu; each has an icon, a short
+    /// text and its shortcut.
+    virtual QList<QAction*> ToolActions() = 0;
+
+    /// `ShowPrivate` or another setting changed: rebuild what is shown, keep the selection.
+    virtual void Refresh() = 0;
+
+    /// Narrows the list to rows that hold `text` in what the list shows; empty shows all again.
+    virtual void SetSearch(const QString& text) = 0;
+
+    /// Selects a record of the section by its key, changing the category filter where that is needed.
+    virtual void SelectRecord(std::int32_t fPK) = 0;
+
+    /// True while a record of the section is open in an editor.
+    virtual bool Editing() const { return false; }
+
+  signals:
+    /// The words at the left of the status bar: count and selection.
+    void StatusChanged(const QString& text);
+};
+
+}  // namespace bmr

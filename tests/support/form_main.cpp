@@ -1,0 +1,13 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QLocale>
+
+/// Form tests share one application and one locale, so that dates and order do not depend on the machine.
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    QApplication app(argc, argv);
+    QApplication::setStyle("Fusion");
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    return RUN_ALL_TESTS();
+}

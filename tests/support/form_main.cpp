@@ -5,6 +5,7 @@
 
 /// Form tests share one application and one locale, so that dates and order do not depend on the machine.
 int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleMock(&argc, argv);
     QApplication app(argc, argv);
     QApplication::setStyle("Fusion");

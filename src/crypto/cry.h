@@ -33,6 +33,9 @@ struct CipherState {
 /// text.
 Bytes FieldCipher(CipherState& state, int mode, const Value& value);
 Bytes FieldCipher(CipherState& state, int mode, std::string_view text);
+inline Bytes FieldCipher(CipherState& state, int mode, const Bytes& text) {
+    return FieldCipher(state, mode, std::string_view(text));
+}
 
 /// Sets `FieldKey` to the 16 bytes that `selector` picks from `Keystring`. REQUIRES: a `Keystring`.
 void SelectFieldKey(CipherState& state, std::int32_t selector);

@@ -62,7 +62,9 @@ std::int32_t SlotOf(std::int32_t value, std::int32_t slots, std::int32_t min, st
 
 SpreadRange PackDateAt(Day day, DateKind kind, double r) {
     const DateTable table = TableOf(kind);
-    return SpreadIndexAt(day.serial - table.base, table.slots, 0, kMaxLong, r);
+    const std::int64_t last = table.slots - 1;
+    const std::int64_t slot = std::clamp<std::int64_t>(std::int64_t{day.serial} - table.base, -last, last);
+    return SpreadIndexAt(static_cast<std::int32_t>(slot), table.slots, 0, kMaxLong, r);
 }
 
 SpreadRange PackDate(Day day, DateKind kind, RandomSource& random) {

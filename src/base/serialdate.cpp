@@ -1,5 +1,6 @@
 #include "base/serialdate.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -16,10 +17,17 @@ using std::chrono::year_month_day;
 
 constexpr sys_days kDayZero = sys_days(year_month_day(year(1899), month(12), day(30)));
 
+/// 1 January of year 1 and 31 December of year 9999. A damaged record may hold any number; one beyond these
+/// stays in the calendar.
+constexpr std::int32_t kFirstSerial = -693593;
+constexpr std::int32_t kLastSerial = 2958465;
+
 }  // namespace
 
 Day DayOf(DateValue date) {
-    return {static_cast<std::int32_t>(std::floor(date.serial))};
+    if (std::isnan(date.serial)) return {};
+    return {
+        static_cast<std::int32_t>(std::clamp<double>(std::floor(date.serial), kFirstSerial, kLastSerial))};
 }
 
 Day DayFrom(year_month_day date) {
@@ -27,7 +35,7 @@ Day DayFrom(year_month_day date) {
 }
 
 year_month_day YearMonthDay(Day day) {
-    return {kDayZero + days(day.serial)};
+    return {kDayZero + days(std::clamp(day.serial, kFirstSerial, kLastSerial))};
 }
 
 std::string IsoDate(Day day) {
@@ -55,7 +63,7 @@ std::optional<Day> ParseIsoDate(std::string_view text) {
     }
     const year_month_day date(year(parts[0]), month(static_cast<unsigned>(parts[1])),
                               day(static_cast<unsigned>(parts[2])));
-    if (!date.ok()) return std::nullopt;
+    if (!date.ok() || parts[0] == 0) return std::nullopt;
     return DayFrom(date);
 }
 

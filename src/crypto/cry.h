@@ -24,6 +24,8 @@ struct CipherState {
     RandomSource* random;
     /// How many fields were deciphered so far; benchmarks and tests hold lists to it.
     std::uint64_t deciphered = 0;
+    /// Shows a message by number: modes 3 and 4 without a whole `FieldKey` say Msg(34) and go on.
+    std::function<void(int)> showMessage;
 };
 
 /// The gate to all record content. Mode 1 enciphers with a fresh selector, 2 deciphers that and trims blanks

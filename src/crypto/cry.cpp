@@ -1,0 +1,214 @@
+#include "crypto/cry.h"
+
+#include <botan/block_cipher.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+#include "crypto/fieldtext.h"
+
+namespace bmr::cry {
+namespace {
+
+constexpr std::size_t kFieldKeySize = 16;
+constexpr std::size_t kBlowfishBlock = 8;
+
+/// A value as the text that is enciphered.
+Bytes TextForm(const Value& value) {
+    if (const auto* text = std::get_if<Bytes>(&value)) return *text;
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "True" : "False";
+    if (const auto* number = std::get_if<std::int32_t>(&value)) return std::to_string(*number);
+    double real = 0;
+    if (const auto* money = std::get_if<Money>(&value))
+        real = static_cast<double>(money->tenThousandths) / 10000;
+    if (const auto* date = std::get_if<DateValue>(&value)) real = date->serial;
+    if (const auto* number = std::get_if<double>(&value)) real = *number;
+    std::array<char, 40> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%.15g", real);
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
+/// Blowfish in CBC mode over whole blocks, in place.
+void BlowfishCbc(std::span<const std::uint8_t> key, std::span<const std::uint8_t> vector,
+                 std::span<std::uint8_t> text, bool encrypt) {
+    const auto cipher = Botan::BlockCipher::create_or_throw("Blowfish");
+    cipher->set_key(key.data(), key.size());
+    std::array<std::uint8_t, kBlowfishBlock> chain{};
+    std::array<std::uint8_t, kBlowfishBlock> kept{};
+    std::copy_n(vector.begin(), kBlowfishBlock, chain.begin());
+    for (std::size_t at = 0; at + kBlowfishBlock <= text.size(); at += kBlowfishBlock) {
+        std::uint8_t* block = text.data() + at;
+        std::copy_n(block, kBlowfishBlock, kept.begin());
+        if (encrypt) {
+            for (std::size_t i = 0; i < kBlowfishBlock; ++i)
+                block[i] = static_cast<std::uint8_t>(block[i] ^ chain[i]);
+            cipher->encrypt(block);
+            std::copy_n(block, kBlowfishBlock, chain.begin());
+        } else {
+            cipher->decrypt(block);
+            for (std::size_t i = 0; i < kBlowfishBlock; ++i)
+                block[i] = static_cast<std::uint8_t>(block[i] ^ chain[i]);
+            chain = kept;
+        }
+    }
+    WipeMemory(kept.data(), kept.size());
+    WipeMemory(chain.data(), chain.size());
+}
+
+/// The field key, filled up with zeros where none was picked yet: the operation goes on all the same.
+Secret WholeFieldKey(const CipherState& state) {
+    Secret key = state.FieldKey.Copy();
+    key.Resize(kFieldKeySize);
+    return key;
+}
+
+Bytes EncryptText(CipherState& state, std::string_view text) {
+    Secret padded(text);
+    if (text.empty())
+        padded = Secret(std::string(static_cast<std::size_t>(DrawBelow(*state.random, 13)), ' '));
+    const std::size_t fill = kBlowfishBlock - (padded.size() + 1) % kBlowfishBlock;
+    padded.Append("\x03");
+    padded.Append(std::string(fill, static_cast<char>(fill)));
+    Bytes out = RandomBytes(*state.random, kBlowfishBlock);
+    const Secret key = WholeFieldKey(state);
+    BlowfishCbc(key.span(), {reinterpret_cast<const std::uint8_t*>(out.data()), out.size()}, padded.span(),
+                true);
+    out.append(padded.view());
+    return out;
+}
+
+Bytes Encipher(CipherState& state, std::string_view text) {
+    if (state.Keystring.empty()) return {};
+    const std::int32_t selector = DrawBelow(*state.random, 65536);
+    SelectFieldKey(state, selector);
+    Bytes out{ByteChar(static_cast<unsigned>(selector) >> 8), ByteChar(static_cast<unsigned>(selector))};
+    return out += EncryptText(state, text);
+}
+
+Bytes Decipher(CipherState& state, std::string_view text) {
+    if (state.Keystring.empty()) return {};
+    switch (FieldTextForm(text)) {
+        case FieldForm::Malformed:
+            state.FieldPlain = Secret(std::string_view("\0", 1));
+            break;
+        case FieldForm::NoBlock:
+            state.FieldPlain.Wipe();
+            break;
+        case FieldForm::Whole:
+            SelectFieldKey(state, SelectorOf(text));
+            BlockDecrypt(state, text.substr(2));
+            break;
+    }
+    return Bytes(TrimBlanks(state.FieldPlain.view()));
+}
+
+void TellMissingKey(CipherState& state) {
+    if (state.FieldKey.size() < kFieldKeySize && state.showMessage) state.showMessage(34);
+}
+
+}  // namespace
+
+Bytes FieldCipher(CipherState& state, int mode, std::string_view text) {
+    switch (mode) {
+        case 1:
+            return Encipher(state, text);
+        case 2:
+            return Decipher(state, text);
+        case 3:
+            TellMissingKey(state);
+            return EncryptText(state, text);
+        case 4:
+            TellMissingKey(state);
+            BlockDecrypt(state, text);
+            return Bytes(state.FieldPlain.view());
+        default:
+            return {};
+    }
+}
+
+Bytes FieldCipher(CipherState& state, int mode, const Value& value) {
+    if (mode == 1 && std::holds_alternative<Empty>(value)) return {};
+    if (IsBlank(value)) return FieldCipher(state, mode, std::string_view());
+    Bytes text = TextForm(value);
+    Bytes out = FieldCipher(state, mode, std::string_view(text));
+    WipeString(text);
+    return out;
+}
+
+void SelectFieldKey(CipherState& state, std::int32_t selector) {
+    if (state.FieldKey.size() != kFieldKeySize) state.FieldKey = Secret(kFieldKeySize);
+    PickFieldKey(state.Keystring.span(), static_cast<std::uint32_t>(selector),
+                 state.FieldKey.span().first<kFieldKeySize>());
+}
+
+Bytes BlockEncrypt(CipherState& state, const Value& value) {
+    Bytes text = IsBlank(value) ? Bytes() : TextForm(value);
+    Bytes out = EncryptText(state, text);
+    WipeString(text);
+    return out;
+}
+
+std::string BlockDecrypt(CipherState& state, std::string_view text) {
+    if (text.size() < kBlowfishBlock || text.size() % kBlowfishBlock != 0) return "Error";
+    state.FieldPlain = Secret(text.substr(kBlowfishBlock));
+    if (state.FieldPlain.empty()) return "-bad password-";
+    ++state.deciphered;
+    const Secret key = WholeFieldKey(state);
+    const Secret vector(text.substr(0, kBlowfishBlock));
+    BlowfishCbc(key.span(), vector.span(), state.FieldPlain.span(), false);
+    const std::size_t size = PlainSize(state.FieldPlain.view());
+    if (size == std::string_view::npos) return "-bad password-";
+    state.FieldPlain.Resize(size);
+    return "";
+}
+
+std::uint8_t ByteSum(std::string_view bytes) {
+    unsigned sum = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        sum += ByteAt(bytes, i);
+    return static_cast<std::uint8_t>(sum);
+}
+
+Bytes RandomBytes(RandomSource& random, std::int32_t n) {
+    Bytes out(static_cast<std::size_t>(std::max(n, 0)), '\0');
+    random.Fill({reinterpret_cast<std::uint8_t*>(out.data()), out.size()});
+    return out;
+}
+
+Bytes RandomBlocks(RandomSource& random, std::int32_t n) {
+    return RandomBytes(random, n * 8);
+}
+
+Bytes RandomShortBytes(RandomSource& random) {
+    return RandomBytes(random, DrawBelow(random, 8) + 9);
+}
+
+void WipeBytes(Secret& bytes) {
+    bytes.Wipe();
+}
+
+void WipeString(Bytes& text) {
+    WipeMemory(text.data(), text.size());
+    text.clear();
+}
+
+Bytes DefaultPin(std::string_view passHashStrong) {
+    const Secret once = HashStrong(passHashStrong);
+    const Secret digest = HashStrong(once.view());
+    std::int64_t sum = 0;
+    std::size_t place = 3;  // places count from 1
+    for (int power = 1; power <= 4; ++power) {
+        const unsigned code = ByteAt(digest.view(), place - 1) / 2;
+        std::int64_t term = 1;
+        for (int i = 0; i < power; ++i)
+            term *= code;
+        sum += term;
+        place = (code % 5 + place) % 20 + 1;
+    }
+    return std::to_string(sum);
+}
+
+}  // namespace bmr::cry

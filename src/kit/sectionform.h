@@ -9,8 +9,9 @@
 
 namespace bmr {
 
-/// What the main window asks of a section's screen. A section form is made when its section is opened and deleted
-/// when it is closed; its destructor stores what the section keeps (the last category) in the session.
+/// What the main window asks of a section's screen. A section form is made when its section is opened and
+/// deleted when it is closed; its destructor stores what the section keeps (the last category) in the
+/// session.
 class SectionForm : public QWidget {
     Q_OBJECT
 
@@ -20,8 +21,8 @@ class SectionForm : public QWidget {
     /// The section's own menu ("&Task"), owned by the form; shown between View and Tools.
     virtual QMenu* SectionMenu() = 0;
 
-    /// Toolbar entries in order, null for a separator. The same actions stand in the menu; each has an icon, a short
-    /// text and its shortcut.
+    /// Toolbar entries in order, null for a separator. The same actions stand in the menu; each has an icon,
+    /// a short text and its shortcut.
     virtual QList<QAction*> ToolActions() = 0;
 
     /// `ShowPrivate` or another setting changed: rebuild what is shown, keep the selection.

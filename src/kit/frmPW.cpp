@@ -1,0 +1,269 @@
+#include "kit/frmPW.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+
+#include "base/languageus.h"
+#include "kit/icons.h"
+#include "kit/secretedit.h"
+#include "kit/theme.h"
+#include "kit/words.h"
+
+namespace bmr::kit {
+
+namespace {
+
+constexpr int kLeastLength = 8;
+/// From this length on a request that wants noise only for short texts gets none.
+constexpr std::size_t kShort = 6;
+
+QLabel* MakeLabel(const char* name, bool wrap = true) {
+    auto* label = new QLabel;
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(wrap);
+    return label;
+}
+
+void SetInk(QWidget& widget, const QColor& colour) {
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::WindowText, colour);
+    widget.setPalette(palette);
+}
+
+/// How many characters the kinds that occur in the text offer for each place.
+int AlphabetOf(std::string_view text) {
+    bool small = false, capital = false, digit = false, other = false;
+    for (const char c : text) {
+        if (c >= 'a' && c <= 'z')
+            small = true;
+        else if (c >= 'A' && c <= 'Z')
+            capital = true;
+        else if (c >= '0' && c <= '9')
+            digit = true;
+        else if (c != ' ')
+            other = true;
+    }
+    return 26 * small + 26 * capital + 10 * digit + 33 * other + 1;
+}
+
+/// Neither a digit nor a punctuation character; blanks and capitals alone do not help.
+bool IsWeak(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == ' '; });
+}
+
+}  // namespace
+
+frmPW::frmPW(const PassphraseRequest& request, Prompter& boxes, QWidget* parent)
+    : QDialog(parent), request_(request), boxes_(boxes) {
+    setObjectName("frmPW");
+    setWindowTitle(QString::fromStdString(Msg(159)));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    BuildTexts();
+    BuildEntry();
+    Lay();
+    Restart();
+}
+
+frmPW::~frmPW() = default;
+
+void frmPW::BuildTexts() {
+    lblTitle = MakeLabel("lblTitle");
+    QFont heading = font();
+    heading.setPointSizeF(heading.pointSizeF() * kHeadingText);
+    heading.setBold(true);
+    lblTitle->setFont(heading);
+    lblTitle->setText(QString::fromStdString(request_.title));
+    lblPrompt = MakeLabel("lblPrompt");
+    lblHint = MakeLabel("lblHint");
+    lblHint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+}
+
+void frmPW::BuildEntry() {
+    txtInput = new SecretEdit;
+    txtInput->setObjectName("txtInput");
+    txtInput->setAccessibleName(tr("Passphrase"));
+    lblPrompt->setBuddy(txtInput);
+    // One pixel that can take the focus: a hidden box could not receive the decoys.
+    txtBurst = new QLineEdit(this);
+    txtBurst->setObjectName("txtBurst");
+    txtBurst->setEchoMode(QLineEdit::NoEcho);
+    txtBurst->setFrame(false);
+    txtBurst->setFocusPolicy(Qt::ClickFocus);
+    txtBurst->setGeometry(0, 0, 1, 1);
+    txtBurst->setEnabled(false);
+
+    QString caption = QString::fromStdString(request_.clearCaption);
+    chkShowClear = new QCheckBox(caption.contains('&') ? caption : "&" + caption);
+    chkShowClear->setObjectName("chkShowClear");
+
+    connect(txtInput, &SecretEdit::ContentChanged, this, &frmPW::InputChanged);
+    connect(txtInput, &SecretEdit::Refused, this, [this](const QString& why) { ShowHint(why, true); });
+    connect(txtInput, &SecretEdit::CapsLockSeen, this, [this](bool on) {
+        if (on) ShowHint(tr("Caps Lock is on."), false);
+    });
+    connect(chkShowClear, &QCheckBox::toggled, txtInput, &SecretEdit::SetClear);
+}
+
+void frmPW::Lay() {
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    cmdOK = buttons->button(QDialogButtonBox::Ok);
+    cmdOK->setObjectName("cmdOK");
+    cmdOK->setDefault(true);
+    cmdCancel = buttons->button(QDialogButtonBox::Cancel);
+    cmdCancel->setObjectName("cmdCancel");
+    connect(buttons, &QDialogButtonBox::accepted, this, &frmPW::cmdOK_Click);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    auto* heading = new QHBoxLayout;
+    auto* key = new QLabel;
+    key->setPixmap(Icon("dialog-password", Ink::Accent).pixmap(QSize(32, 32), devicePixelRatioF()));
+    heading->addWidget(key);
+    heading->addSpacing(Space::Tight);
+    heading->addWidget(lblTitle, 1);
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(Space::Group, Space::Group, Space::Group, Space::Margin);
+    column->setSpacing(Space::Row);
+    column->addLayout(heading);
+    column->addSpacing(Space::Row);
+    column->addWidget(lblPrompt);
+    column->addWidget(txtInput);
+    if (request_.checkQuality) {
+        barQuality = new QProgressBar;
+        barQuality->setObjectName("barQuality");
+        barQuality->setRange(0, 100);
+        barQuality->setTextVisible(false);
+        barQuality->setFixedHeight(6);
+        lblQuality = MakeLabel("lblQuality", false);
+        column->addWidget(barQuality);
+        column->addWidget(lblQuality);
+    }
+    // Two lines are kept free for the hint, so that its coming and going moves nothing.
+    lblHint->setMinimumHeight(fontMetrics().lineSpacing() * 2);
+    column->addWidget(lblHint);
+    column->addWidget(chkShowClear);
+    column->addSpacing(Space::Row);
+    column->addWidget(buttons);
+    const int width = std::max(440, fontMetrics().averageCharWidth() * 62);
+    setFixedSize(width, std::max(column->totalHeightForWidth(width), column->totalSizeHint().height()));
+}
+
+void frmPW::Restart() {
+    FirstEntry.Wipe();
+    SecondEntry.Wipe();
+    lblPrompt->setText(QString::fromStdString(request_.prompt));
+    txtInput->Empty();
+    ShowHint({}, false);
+    txtInput->setFocus();
+}
+
+void frmPW::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    txtInput->setFocus();
+}
+
+void frmPW::InputChanged() {
+    ShowHint({}, false);
+    ShowQuality();
+    if (isVisible() && (!request_.noiseOnlyWhileShort || txtInput->Content().size() < kShort))
+        emit NoiseWanted();
+}
+
+void frmPW::ShowHint(const QString& text, bool alarm) {
+    SetInk(*lblHint, InkOf(alarm ? Ink::Alarm : Ink::Warning, palette()));
+    lblHint->setText(text);
+}
+
+void frmPW::ShowQuality() {
+    if (!barQuality) return;
+    const std::string_view text = txtInput->Content();
+    const double bits = static_cast<double>(text.size()) * std::log2(AlphabetOf(text));
+    struct Grade {
+        QString words;
+        Ink ink;
+    } grade;
+    if (text.empty())
+        grade = {tr("At least %1 characters; a sentence is good.").arg(kLeastLength), Ink::Pale};
+    else if (text.size() < kLeastLength)
+        grade = {tr("Too short: %n more to go", nullptr, kLeastLength - static_cast<int>(text.size())),
+                 Ink::Alarm};
+    else if (IsWeak(text) || bits < 50)
+        grade = {tr("Weak"), Ink::Warning};
+    else if (bits < 80)
+        grade = {tr("Fair"), Ink::Accent};
+    else
+        grade = {bits < 110 ? tr("Good") : tr("Strong"), Ink::Good};
+    lblQuality->setText(grade.words);
+    if (grade.ink == Ink::Pale)
+        SetInk(*lblQuality, palette().color(QPalette::PlaceholderText));
+    else
+        SetInk(*lblQuality, InkOf(grade.ink, palette()));
+    QPalette bar = palette();
+    bar.setColor(QPalette::Highlight, InkOf(grade.ink, bar));
+    barQuality->setPalette(bar);
+    barQuality->setValue(std::min(100, static_cast<int>(bits / 1.2)));
+}
+
+bool frmPW::AcceptedAsWeak() {
+    if (!request_.checkQuality || !FirstEntry.empty() || !IsWeak(txtInput->Content())) return true;
+    Box box = MessageBox(158, BoxIcon::Question);
+    box.buttons = Buttons::YesNo;
+    box.standard = Answer::No;
+    if (boxes_.Ask(box) == Answer::Yes) return true;
+    txtInput->Empty();
+    txtInput->setFocus();
+    return false;
+}
+
+bool frmPW::Confirmed() {
+    if (!request_.confirm) return true;
+    if (FirstEntry.empty()) {
+        FirstEntry = txtInput->TakeContent();
+        lblPrompt->setText(QString::fromStdString(Msg(42)));
+        ShowHint(tr("Type it once more."), false);
+        txtInput->setFocus();
+        return false;
+    }
+    SecondEntry = txtInput->TakeContent();
+    if (FirstEntry.view() == SecondEntry.view()) return true;
+    Box box = MessageBox(84, BoxIcon::Warning);
+    box.text += "\r\n\r\n" + tr("The two entries are not the same.").toStdString();
+    box.buttons = Buttons::RetryCancel;
+    box.standard = Answer::Retry;
+    if (boxes_.Ask(box) == Answer::Retry)
+        Restart();
+    else
+        reject();
+    return false;
+}
+
+void frmPW::cmdOK_Click() {
+    if (txtInput->Content().empty()) return reject();
+    if (!AcceptedAsWeak() || !Confirmed()) return;
+    TypedSecret = FirstEntry.empty() ? txtInput->TakeContent() : std::move(FirstEntry);
+    accept();
+}
+
+void frmPW::done(int result) {
+    if (isVisible()) emit Closing();
+    if (result != Accepted) TypedSecret.Wipe();
+    FirstEntry.Wipe();
+    SecondEntry.Wipe();
+    txtInput->Empty();
+    QDialog::done(result);
+}
+
+Secret frmPW::TakeTypedSecret() {
+    return std::move(TypedSecret);
+}
+
+}  // namespace bmr::kit

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QDialog>
+
+#include "base/ports.h"
+#include "crypto/secret.h"
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+
+namespace bmr::kit {
+
+class SecretEdit;
+
+/// The one prompt through which a passphrase or a PIN is typed. It tests the quality of a new one and asks
+/// for it twice, as the request says. Its size never changes, so that nothing moves while decoys are typed.
+///
+/// A sender of decoys attaches itself by `NoiseWanted` and `Closing`, the box `txtBurst` and the edit
+/// `txtInput`; the form works the same without one.
+class frmPW final : public QDialog {
+    Q_OBJECT
+
+  public:
+    /// `boxes` shows the form's own questions.
+    frmPW(const PassphraseRequest& request, Prompter& boxes, QWidget* parent = nullptr);
+    ~frmPW() override;
+
+    /// `TypedSecret`: what was typed, empty after a cancel. Bytes of code page 1252; handed over once.
+    Secret TakeTypedSecret();
+
+    QLineEdit* BurstBox() const { return txtBurst; }
+    SecretEdit* InputBox() const { return txtInput; }
+
+    void done(int result) override;
+
+  signals:
+    /// The text changed and the request wants decoys for it.
+    void NoiseWanted();
+    /// The form is about to be hidden; still in front.
+    void Closing();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void BuildTexts();
+    void BuildEntry();
+    void Lay();
+    void Restart();
+    void InputChanged();
+    void ShowHint(const QString& text, bool alarm);
+    void ShowQuality();
+    void cmdOK_Click();
+    bool AcceptedAsWeak();
+    /// True when the form may close with the first entry as its result.
+    bool Confirmed();
+
+    PassphraseRequest request_;
+    Prompter& boxes_;
+    Secret FirstEntry;
+    Secret SecondEntry;
+    Secret TypedSecret;
+
+    QLabel* lblTitle;
+    QLabel* lblPrompt;
+    QLabel* lblHint;
+    QLabel* lblQuality = nullptr;
+    QProgressBar* barQuality = nullptr;
+    SecretEdit* txtInput;
+    QLineEdit* txtBurst;
+    QCheckBox* chkShowClear;
+    QPushButton* cmdOK;
+    QPushButton* cmdCancel;
+};
+
+}  // namespace bmr::kit

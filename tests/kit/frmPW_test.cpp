@@ -1,0 +1,153 @@
+#include "kit/frmPW.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
+#include <QRegularExpression>
+#include <QSignalSpy>
+
+#include "kit/secretedit.h"
+#include "support/forms.h"
+#include "support/ports.h"
+
+namespace bmr::kit {
+namespace {
+
+using test::Click;
+using test::Named;
+using test::ScriptedPrompter;
+
+struct FormPW : testing::Test {
+    void Show(bool choosing, bool shortOnly = false) {
+        form = std::make_unique<frmPW>(
+            PassphraseRequest{"Database: A.BMR", "New Passphrase", choosing, choosing, shortOnly}, boxes);
+        form->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        edit = &Named<SecretEdit>(*form, "txtInput");
+    }
+    void Enter(const QString& text) {
+        test::TypeText(*edit, text);
+        QTest::keyClick(edit, Qt::Key_Return);
+    }
+    QString Prompt() { return Named<QLabel>(*form, "lblPrompt").text(); }
+
+    ScriptedPrompter boxes;
+    std::unique_ptr<frmPW> form;
+    SecretEdit* edit = nullptr;
+};
+
+TEST_F(FormPW, TheBaseClassNeverHoldsTheMaskedText) {
+    Show(false);
+    QTest::keyClicks(edit, "hidden");
+    EXPECT_EQ(edit->Content(), "hidden");
+    EXPECT_FALSE(edit->text().contains(QRegularExpression("[a-z]")));
+    EXPECT_EQ(edit->echoMode(), QLineEdit::Password);
+
+    Named<QCheckBox>(*form, "chkShowClear").click();
+    EXPECT_EQ(edit->displayText(), "hidden") << "the text stays";
+    QTest::keyClicks(edit, "!");
+    Named<QCheckBox>(*form, "chkShowClear").click();
+    EXPECT_FALSE(edit->text().contains("hidden"));
+    EXPECT_EQ(edit->Content(), "hidden!");
+    QTest::keyClick(edit, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(edit->text().contains("hidden"));
+    EXPECT_EQ(edit->Content(), "hidden!");
+
+    QApplication::clipboard()->setText("before");
+    edit->selectAll();
+    QTest::keyClick(edit, Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "before");
+    EXPECT_EQ(edit->Content(), "hidden!");
+}
+
+TEST_F(FormPW, EditsLikeAnyLine) {
+    Show(false);
+    QTest::keyClicks(edit, "abcdef");
+    QTest::keyClick(edit, Qt::Key_Home);
+    QTest::keyClick(edit, Qt::Key_Delete);
+    QTest::keyClick(edit, Qt::Key_Right);
+    QTest::keyClick(edit, Qt::Key_Right, Qt::ShiftModifier);
+    test::TypeText(*edit, "ÄX");
+    EXPECT_EQ(edit->Content(), "b\xC4Xdef");
+    QTest::keyClick(edit, Qt::Key_Backspace);
+    EXPECT_EQ(edit->Content(),
+              "b\xC4"
+              "def");
+    QTest::keyClick(edit, Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(edit->Content(), "def");
+    QApplication::clipboard()->setText("12\n3");
+    QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(edit->Content(), "123def");
+    EXPECT_EQ(edit->cursorPosition(), 3);
+    edit->setSelection(1, 2);
+    QTest::keyClick(edit, Qt::Key_Delete);
+    EXPECT_EQ(edit->Content(), "1def");
+}
+
+TEST_F(FormPW, RefusesACharacterOutsideTheCodePageInWords) {
+    Show(true);
+    const QSize size = form->size();
+    QTest::keyClicks(edit, "ab");
+    test::TypeText(*edit, "ł");
+    EXPECT_EQ(edit->Content(), "ab");
+    EXPECT_TRUE(Named<QLabel>(*form, "lblHint").text().contains("ł"));
+    QTest::keyClicks(edit, "c");
+    EXPECT_TRUE(Named<QLabel>(*form, "lblHint").text().isEmpty());
+    test::TypeText(*edit, "A");  // without Shift
+    EXPECT_EQ(Named<QLabel>(*form, "lblHint").text(), "Caps Lock is on.");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(form->size(), size) << "nothing may move";
+}
+
+TEST_F(FormPW, WeakFirstEntryIsQuestionedAndOnlyThat) {
+    boxes.Expect(158, Answer::No).Expect(158, Answer::Yes);
+    Show(true);
+    Enter("only small letters");
+    EXPECT_TRUE(edit->Content().empty());
+    EXPECT_EQ(Prompt(), "New Passphrase");
+    Enter("ONLYCAPITALS");
+    EXPECT_EQ(Prompt(), "Confirm passphrase:");
+    Enter("ONLYCAPITALS");
+    EXPECT_EQ(form->result(), QDialog::Accepted);
+    EXPECT_EQ(form->TakeTypedSecret().view(), "ONLYCAPITALS");
+    EXPECT_TRUE(edit->Content().empty());
+}
+
+TEST_F(FormPW, TwoDifferentEntriesStartAnewOrCancel) {
+    boxes.Expect(84, Answer::Retry).Expect(84, Answer::Cancel);
+    Show(true);
+    Enter("first one 1");
+    Enter("first one 2");
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(Prompt(), "New Passphrase");
+    EXPECT_TRUE(edit->Content().empty());
+    Enter("first one 1");
+    Enter("First one 1");
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->result(), QDialog::Rejected);
+    EXPECT_TRUE(form->TakeTypedSecret().empty());
+}
+
+TEST_F(FormPW, AsksForNoiseWhileTheTextIsShort) {
+    Show(false, true);
+    QSignalSpy wanted(form.get(), &frmPW::NoiseWanted);
+    QSignalSpy closing(form.get(), &frmPW::Closing);
+    QTest::keyClicks(edit, "1234567");
+    EXPECT_EQ(wanted.size(), 5);
+    auto& burst = Named<QLineEdit>(*form, "txtBurst");
+    EXPECT_EQ(&burst, form->BurstBox());
+    EXPECT_FALSE(burst.isEnabled());
+    EXPECT_TRUE(burst.isVisible()) << "what is hidden cannot take the focus";
+    EXPECT_EQ(burst.size(), QSize(1, 1));
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(closing.size(), 1);
+
+    Show(false, false);
+    QSignalSpy all(form.get(), &frmPW::NoiseWanted);
+    QTest::keyClicks(edit, "1234567");
+    EXPECT_EQ(all.size(), 7);
+}
+
+}  // namespace
+}  // namespace bmr::kit

@@ -40,8 +40,8 @@ std::size_t InsertCategory(CategoryList& list, CategoryEntry entry);
 /// The category of a row (fG1); 0 for Null or a row that is not there.
 std::int32_t RecordCategory(Session& session, std::int32_t fPK);
 
-/// The category that a new record gets under a combo's entry: "All", "Edit categories" and what no 16-bit number can
-/// hold count as unfiled.
+/// The category that a new record gets under a combo's entry: "All", "Edit categories" and what no 16-bit
+/// number can hold count as unfiled.
 inline std::int32_t RealCategory(std::int32_t number) {
     return number > 0 && number <= Category::Highest ? number : Category::Unfiled;
 }

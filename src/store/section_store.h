@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "crypto/secret.h"
 #include "store/session.h"
 
 namespace bmr::store {
@@ -40,6 +41,19 @@ std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std:
 
 /// DELETE of all rows of a section that meet `clauses` (" And fF3=True", or ""). 0 or the engine's number.
 [[nodiscard]] int DeleteRows(Session& session, std::uint8_t section, const std::string& clauses = "");
+
+/// Enciphers `payload` into fEtx of a row in AddNew or Edit. An error number without keys, so that nothing
+/// empty takes a record's place.
+[[nodiscard]] int SetPayload(Session& session, Recordset& row, std::string_view payload);
+
+/// The plain payload of the one row of a class and subclass (settings, labels, category lists); nothing when
+/// there is no such row, empty when it does not decipher. An engine number fails.
+Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub);
+
+/// Adds or edits that row: payload, change marks, noise in every column that it leaves unused. One
+/// transaction; 0 or an error number with nothing changed.
+[[nodiscard]] int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub,
+                                     std::string_view payload);
 
 /// " And fG1 = n", or nothing for all categories (-1 and 9999).
 std::string CategoryClause(std::int32_t category);

@@ -74,10 +74,13 @@ struct Session {
     bool DatabaseOpen = false;            ///< open and logged in
 
     Settings settings;
+    bool SettingsUnread = false;  ///< the settings row did not decode: left as it is until the user stores
     UserLabels userLabels = BuiltInUserLabels();
     CurrentUser user;
     PinRecord pin;
 
+    /// While false, private records are left out of all lists. False until the settings are read, then the
+    /// stored value; stored with the settings.
     bool ShowPrivate = false;
     std::uint8_t SectionCode = Section::None;
     std::int32_t PinPassed = 0;      ///< bit k: the PIN of section 11 + k was given in this sitting

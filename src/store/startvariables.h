@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/bytes.h"
 #include "base/serialdate.h"
 
 namespace bmr::store {
@@ -29,14 +30,17 @@ struct Settings {
     /// Address book, (reserved), memo pad, task list, (reserved); -1 all.
     std::array<std::int16_t, 5> LastCategory{-1, -1, -1, -1, -1};
     std::array<std::int16_t, 3> BudgetCategory{-1, -1, -1};
-    bool ShowPrivate = true;  ///< stored as -1 and 0
+    // The last field of the row, ShowPrivate, is a state of the session (default true, stored as -1 and 0).
 };
 
-/// Loads the settings of the open database into the session; a row that is not there is made with the
-/// defaults. A row that does not decode leaves the defaults in force and the row as it is, until the user
-/// stores. 0, or an error number.
+/// Loads the settings and `ShowPrivate` of the open database into the session; a row that is not there is
+/// made with the defaults. A field that the row lacks keeps its present value. A row that does not decode
+/// leaves the defaults in force, private records hidden and the row as it is, until the user stores
+/// (`SettingsUnread`). 0, or an error number.
 [[nodiscard]] int ReadSettings(Session& session);
 [[nodiscard]] int WriteSettings(Session& session);
+/// The store that nobody asked for, at the close: leaves alone a row that did not decode.
+[[nodiscard]] int WriteSettingsAtClose(Session& session);
 [[nodiscard]] int DefaultSettings(Session& session);
 
 /// The labels of the four user-defined address fields of a user (row fSec 9, fSub = user number).

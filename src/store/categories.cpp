@@ -1,0 +1,110 @@
+#include "store/categories.h"
+
+#include <algorithm>
+
+#include "base/languageus.h"
+#include "store/record_get.h"
+#include "store/section_store.h"
+
+namespace bmr::store {
+namespace {
+
+constexpr std::uint8_t kListClass = 10;
+constexpr int kNoFreeNumber = -52;
+
+bool IsFixed(std::int32_t number) {
+    return number == Category::All || number == Category::Unfiled || number == Category::Edit;
+}
+
+/// Blanks before the real names, so that they sort behind the fixed entries.
+Bytes IndentFor(bool withAll, bool withUnfiled, bool withEdit) {
+    if (withAll && (withUnfiled || withEdit)) return "  ";
+    return withAll || withUnfiled || withEdit ? " " : "";
+}
+
+/// The stored pairs; a name without its number, or the other way round, is left out.
+CategoryList ReadList(Session& session, std::uint8_t section) {
+    CategoryList list;
+    const auto payload = FetchSinglePayload(session, kListClass, section);
+    if (!payload || !*payload) return list;
+    std::vector<Value> fields;
+    DecodeRecord(fields, (*payload)->view(), false, session.cipher);
+    for (std::size_t i = 0; i + 1 < fields.size(); i += 2) {
+        const auto* name = std::get_if<Bytes>(&fields[i]);
+        const auto* number = std::get_if<std::int32_t>(&fields[i + 1]);
+        if (name != nullptr && number != nullptr) list.push_back({*name, *number});
+    }
+    return list;
+}
+
+template <class Taken>
+std::int32_t LowestNumber(Taken&& taken) {
+    for (std::int32_t number = 1; number <= Category::Highest; ++number)
+        if (!taken(number)) return number;
+    return 0;
+}
+
+}  // namespace
+
+CategoryList FillCategories(Session& session, std::uint8_t section, bool withAll, bool withUnfiled,
+                            bool withEdit) {
+    const Bytes indent = IndentFor(withAll, withUnfiled, withEdit);
+    CategoryList list;
+    for (const CategoryEntry& entry : ReadList(session, section))
+        InsertCategory(list, {indent + entry.text, entry.number});
+    if (withAll) list.insert(list.begin(), {"All", Category::All});
+    if (withUnfiled) list.push_back({Msg(66), Category::Unfiled});
+    if (withEdit) list.push_back({"Edit categories", Category::Edit});
+    return list;
+}
+
+std::size_t InsertCategory(CategoryList& list, CategoryEntry entry) {
+    const auto place = std::find_if(list.begin(), list.end(), [&entry](const CategoryEntry& present) {
+        if (present.number == Category::All) return false;
+        return IsFixed(present.number) || CompareNoCase(present.text, entry.text) >= 0;
+    });
+    return static_cast<std::size_t>(list.insert(place, std::move(entry)) - list.begin());
+}
+
+int StoreCategories(Session& session, const CategoryList& list, std::uint8_t section) {
+    if (list.size() > kMostCategories) return kNoFreeNumber;
+    Bytes payload;
+    std::uint8_t number = 0;
+    for (const CategoryEntry& entry : list) {
+        const bool whole = AppendField(payload, number, entry.text, FieldTag::Text, session.ports.random) &&
+                           AppendField(payload, static_cast<std::uint8_t>(number + 1), entry.number,
+                                       FieldTag::Int16, session.ports.random);
+        if (!whole) return EngineNumber::Failed;
+        number = static_cast<std::uint8_t>(number + 2);
+    }
+    return StoreSinglePayload(session, kListClass, section, payload);
+}
+
+std::int32_t RecordCategory(Session& session, std::int32_t fPK) {
+    auto rows =
+        session.ProgramDb->Select("SELECT fG1 FROM tt WHERE fPK=" + std::to_string(fPK) + kOwnerAccess);
+    return rows && rows->Next() ? rows->Int(0) : 0;
+}
+
+std::int32_t LowestFreeNumber(const CategoryList& list) {
+    return LowestNumber([&list](std::int32_t number) {
+        return std::any_of(list.begin(), list.end(),
+                           [number](const CategoryEntry& entry) { return entry.number == number; });
+    });
+}
+
+std::int32_t FreeCategoryNumber(const std::vector<std::int32_t>& numbers) {
+    if (numbers.empty()) return LowestNumber([](std::int32_t) { return false; });
+    return LowestNumber([&numbers](std::int32_t number) {
+        return std::any_of(numbers.begin(), numbers.end() - 1,
+                           [number](std::int32_t present) { return present == number || IsFixed(present); });
+    });
+}
+
+Bytes CategoryName(const CategoryList& list, std::int32_t number) {
+    for (const CategoryEntry& entry : list)
+        if (entry.number == number && !IsFixed(number)) return Bytes(TrimBlanks(entry.text));
+    return Msg(66);
+}
+
+}  // namespace bmr::store

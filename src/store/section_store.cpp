@@ -1,0 +1,122 @@
+#include "store/section_store.h"
+
+#include "store/categories.h"
+#include "store/record_put.h"
+
+namespace bmr::store {
+namespace {
+
+/// Change marks of a row: 1 when it was added, 2 when it was edited. Null counts as none.
+void MarkChange(Recordset& row, bool added) {
+    row.SetField("AE", added ? 1 : NumberOf(row.Field("AE")) | 2);
+}
+
+constexpr NoiseColumns kAllColumns = {
+    .t1 = true, .t2 = true, .t3 = true, .r1 = true, .r2 = true, .r3 = true, .r4 = true};
+
+std::string SingleRow(std::uint8_t fSec, std::uint8_t fSub) {
+    return "fSec=" + std::to_string(fSec) + " And fSub=" + std::to_string(fSub);
+}
+
+}  // namespace
+
+StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
+                      const std::function<int(Recordset& row, bool added)>& fill,
+                      const std::function<int(std::int32_t fPK, bool added)>& after) {
+    StoreOutcome outcome;
+    const auto fail = [&outcome](int error) {
+        outcome = {.error = error};
+        return outcome;
+    };
+    Transaction transaction(*session.ProgramDb);
+    if (transaction.error() != 0) return fail(transaction.error());
+    auto opened = session.ProgramDb->OpenRecordset("tt");
+    if (!opened) return fail(opened.error().number);
+    Recordset& row = **opened;
+
+    outcome.added = true;
+    if (key != kNewRecord) {
+        row.FindFirst("fPK=" + std::to_string(key));
+        outcome.added = row.NoMatch();
+    }
+    if (outcome.added)
+        row.AddNew();
+    else if (NumberOf(row.Field("fSec")) != section)
+        return fail(-16);
+    else
+        row.Edit();
+    if (const int error = fill(row, outcome.added)) return fail(error);
+    row.SetField("fSec", std::int32_t{section});
+    MarkChange(row, outcome.added);
+    if (const int error = row.Update(1, 0)) return fail(error);
+    outcome.fPK = NumberOf(row.Field("fPK"));
+    if (after)
+        if (const int error = after(outcome.fPK, outcome.added)) return fail(error);
+    if (const int error = transaction.Commit()) return fail(error);
+    return outcome;
+}
+
+std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key) {
+    auto row = session.ProgramDb->OpenRecordset(
+        "SELECT * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess, RecordsetType::Snapshot);
+    if (!row || (*row)->Eof() || NumberOf((*row)->Field("fSec")) != section) return nullptr;
+    return std::move(*row);
+}
+
+int DeleteRow(Session& session, std::int32_t key) {
+    return session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess);
+}
+
+int DeleteRows(Session& session, std::uint8_t section, const std::string& clauses) {
+    return session.ProgramDb->Execute("DELETE * FROM tt WHERE fSec=" + std::to_string(section) + clauses +
+                                      kOwnerAccess);
+}
+
+int SetPayload(Session& session, Recordset& row, std::string_view payload) {
+    const Bytes cipher = cry::FieldCipher(session.cipher, 1, payload);
+    if (cipher.empty()) return EngineNumber::Failed;
+    row.SetField("fEtx", cipher);
+    return 0;
+}
+
+Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub) {
+    auto rows =
+        session.ProgramDb->Select("SELECT fEtx FROM tt WHERE " + SingleRow(fSec, fSub) + kOwnerAccess);
+    if (!rows) return rows.error();
+    if (!rows->Next()) {
+        if (rows->error() != 0) return Error{rows->error(), session.ProgramDb->LastError()};
+        return std::optional<Secret>();
+    }
+    if (rows->Bytes(0).empty() || session.cipher.Keystring.empty()) return std::optional<Secret>(Secret());
+    cry::FieldCipher(session.cipher, 2, rows->Bytes(0));
+    return std::optional<Secret>(std::move(session.cipher.FieldPlain));
+}
+
+int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, std::string_view payload) {
+    Transaction transaction(*session.ProgramDb);
+    if (transaction.error() != 0) return transaction.error();
+    auto opened = session.ProgramDb->OpenRecordset("tt");
+    if (!opened) return opened.error().number;
+    Recordset& row = **opened;
+    row.FindFirst(SingleRow(fSec, fSub));
+    const bool added = row.NoMatch();
+    if (added) {
+        row.AddNew();
+        row.SetField("fSec", std::int32_t{fSec});
+        row.SetField("fSub", std::int32_t{fSub});
+    } else {
+        row.Edit();
+    }
+    if (const int error = SetPayload(session, row, payload)) return error;
+    MarkChange(row, added);
+    FillColumns(row, kAllColumns, session.ports.random);
+    if (const int error = row.Update(1, 0)) return error;
+    return transaction.Commit();
+}
+
+std::string CategoryClause(std::int32_t category) {
+    if (category == Category::All || category == Category::Edit) return "";
+    return " And fG1 = " + std::to_string(category);
+}
+
+}  // namespace bmr::store

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "store/session.h"
+#include "support/ports.h"
+#include "support/random.h"
+
+namespace bmr::test {
+
+/// A folder of its own that goes with the test.
+class TempFolder {
+  public:
+    TempFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "bmr-test-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        path_ = name;
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    const std::filesystem::path& Path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+/// A session over the ports of a test, with no database.
+struct TestSession {
+    FixedClock clock;
+    ScriptedPrompter prompter;
+    SeededRandom random;
+    MapRegistry registry;
+    store::Session session{{prompter, clock, random, registry}};
+};
+
+/// A fresh, empty database that is open under a keystring of its own: no passphrase, no user, no settings.
+struct TempStore : TestSession {
+    TempStore() {
+        session.DatabasePath = folder.Path() / "test.bmr";
+        if (store::CreateStore(session.DatabasePath) != 0) throw std::runtime_error("no test database");
+        session.cipher.Keystring = Secret(cry::RandomBytes(random, 256));
+        Open();
+    }
+    /// Opens the file again under the same keys, as after a restart.
+    void Reopen() {
+        session.ProgramDb.reset();
+        Open();
+    }
+    /// The rows that a statement such as "SELECT fPK FROM tt WHERE fSec=15" gives.
+    int Count(const std::string& statement) {
+        auto rows = session.ProgramDb->Select(statement);
+        EXPECT_TRUE(rows) << statement;
+        int count = 0;
+        while (rows && rows->Next())
+            ++count;
+        return count;
+    }
+    /// The first row of a statement; the test fails without one.
+    std::unique_ptr<store::Recordset> Row(const std::string& statement) {
+        auto rows = session.ProgramDb->OpenRecordset(statement, store::RecordsetType::Snapshot);
+        if (!rows || (*rows)->Eof()) throw std::runtime_error("no row: " + statement);
+        return std::move(*rows);
+    }
+
+    TempFolder folder;
+
+  private:
+    void Open() {
+        auto db = store::Database::Open(session.DatabasePath);
+        if (!db) throw std::runtime_error("test database does not open: " + db.error().detail);
+        session.ProgramDb = std::move(*db);
+        session.DatabaseOpen = true;
+    }
+};
+
+}  // namespace bmr::test

@@ -1,13 +1,14 @@
 #include <gmock/gmock.h>
 
-#include <QApplication>
 #include <QLocale>
+
+#include "kit/guardedapplication.h"
 
 /// Form tests share one application and one locale, so that dates and order do not depend on the machine.
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleMock(&argc, argv);
-    QApplication app(argc, argv);
+    const bmr::kit::GuardedApplication app(argc, argv);
     QApplication::setStyle("Fusion");
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
     return RUN_ALL_TESTS();

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QApplication>
+#include <functional>
+
+class QAccessibleEvent;
+class QWindow;
+
+namespace bmr::kit {
+
+/// The application object of the program. It sees each event before anybody else in the process: it counts
+/// the user's activity, and keeps the typing of guarded dialogs from the desktop's accessibility bus, on
+/// which any program of the user can listen.
+class GuardedApplication final : public QApplication {
+    Q_OBJECT
+
+  public:
+    GuardedApplication(int& argc, char** argv);
+    ~GuardedApplication() override;
+
+    /// Called for each mouse, keyboard, touch or pen event of this program's windows; must be cheap.
+    void SetOnActivity(std::function<void()> onActivity) { onActivity_ = std::move(onActivity); }
+
+    bool notify(QObject* receiver, QEvent* event) override;
+
+    /// Keys typed into `window` are handed to the field that has the focus by ourselves.
+    static void SetGuarded(QWindow& window);
+    static bool IsGuarded(const QWindow& window);
+
+  private:
+    std::function<void()> onActivity_;
+};
+
+/// True for events that a hand has caused.
+bool IsActivity(QEvent::Type type);
+
+/// True for an announcement to screen readers that would tell what stands in a masked field.
+bool TellsMaskedText(const QAccessibleEvent& event);
+
+}  // namespace bmr::kit

@@ -1,0 +1,115 @@
+#include "app/frmSplash.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "app/choicebutton.h"
+#include "app/sectioncolumn.h"
+#include "kit/icons.h"
+#include "kit/theme.h"
+
+namespace bmr::app {
+
+QString SectionPurpose(std::uint8_t code) {
+    switch (code) {
+        case 11:
+            return frmSplash::tr("People and firms, their numbers and addresses.");
+        case 12:
+            return frmSplash::tr("Appointments by day, week and month.");
+        case 13:
+            return frmSplash::tr("A page for each day.");
+        case 14:
+            return frmSplash::tr("Notes of any length.");
+        case 15:
+            return frmSplash::tr("What is to be done, by when.");
+        case 16:
+            return frmSplash::tr("Logins, accounts, cards and keys.");
+        case 17:
+        case 18:
+        case 19:
+            return frmSplash::tr("Income, expenses and what is left.");
+        default:
+            return {};
+    }
+}
+
+frmSplash::frmSplash(QWidget* parent) : QWidget(parent) {
+    setObjectName("frmSplash");
+    auto* picture = new QLabel(this);
+    picture->setPixmap(kit::ProgramIcon().pixmap(QSize(72, 72), devicePixelRatioF()));
+    lblHeading = new QLabel(this);
+    lblHeading->setObjectName("lblHeading");
+    lblHeading->setTextFormat(Qt::PlainText);
+    MakeHeading(lblHeading);
+    lblFile = new QLabel(this);
+    lblFile->setObjectName("lblFile");
+    lblFile->setTextFormat(Qt::PlainText);
+    lblFile->setWordWrap(true);
+    lblFile->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    lblFile->setForegroundRole(QPalette::PlaceholderText);
+    choices_ = new QVBoxLayout;
+    choices_->setSpacing(kit::Space::Row);
+
+    auto* panel = new QWidget(this);
+    panel->setMinimumWidth(440);
+    auto* column = new QVBoxLayout(panel);
+    column->setSpacing(kit::Space::Row);
+    column->addWidget(picture, 0, Qt::AlignHCenter);
+    column->addWidget(lblHeading, 0, Qt::AlignHCenter);
+    column->addWidget(lblFile);
+    column->addSpacing(kit::Space::Row);
+    column->addLayout(choices_);
+
+    auto* outer = new QGridLayout(this);
+    outer->setRowStretch(0, 2);  // a little above the middle is where the eye looks first
+    outer->addWidget(panel, 1, 0, Qt::AlignHCenter);
+    outer->setRowStretch(2, 3);
+    ShowNoDatabase();
+}
+
+void frmSplash::Clear() {
+    while (QLayoutItem* item = choices_->takeAt(0)) {
+        // It may be the very button whose press brought us here.
+        QWidget* old = item->widget();
+        old->setObjectName(QString());
+        old->hide();
+        old->deleteLater();
+        delete item;
+    }
+}
+
+ChoiceButton* frmSplash::Add(const QString& name, const QIcon& icon, const QString& title,
+                             const QString& sentence) {
+    auto* button = new ChoiceButton(icon, title, sentence, this);
+    button->setObjectName(name);
+    choices_->addWidget(button);
+    return button;
+}
+
+void frmSplash::ShowNoDatabase() {
+    Clear();
+    lblHeading->setText(tr("No database open"));
+    lblFile->setText(tr("Everything is kept in one encrypted file. Open yours, or make a new one."));
+    connect(Add("cmdSplashNew", kit::Icon("document-new"), tr("&New database…"),
+                tr("An empty file behind a passphrase of your choice.")),
+            &QPushButton::clicked, this, &frmSplash::NewChosen);
+    connect(Add("cmdSplashOpen", kit::Icon("document-open"), tr("&Open database…"),
+                tr("A file that you have already.")),
+            &QPushButton::clicked, this, &frmSplash::OpenChosen);
+}
+
+void frmSplash::ShowDatabase(const QString& path, const std::vector<std::uint8_t>& sections) {
+    Clear();
+    const QFileInfo file(path);
+    lblHeading->setText(file.completeBaseName());
+    lblFile->setText(QDir::toNativeSeparators(file.absolutePath()));
+    for (const std::uint8_t code : sections) {
+        auto* button = Add(QString("cmdSplash%1").arg(code), kit::SectionIcon(code), SectionName(code),
+                           SectionPurpose(code));
+        connect(button, &QPushButton::clicked, this, [this, code] { emit SectionChosen(code); });
+    }
+}
+
+}  // namespace bmr::app

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QWidget>
+
+class QTextBrowser;
+
+namespace bmr::app {
+
+/// The user guide, from the pages that are built into the program, in a window beside the main one.
+class HelpWindow final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit HelpWindow(QWidget* parent);
+
+    /// False when the program was built without the guide.
+    static bool Available();
+
+  private:
+    QTextBrowser* browser_;
+};
+
+/// Name, version, what the program is and under which terms it comes.
+void ShowAbout(QWidget* parent);
+
+}  // namespace bmr::app

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QWidget>
+#include <optional>
+
+#include "base/serialdate.h"
+
+class QCalendarWidget;
+class QCheckBox;
+class QLineEdit;
+class QMenu;
+class QToolButton;
+
+namespace bmr::kit {
+
+/// A date that may be none: a check box, a line to type in and a calendar to pick from. Off, it shrinks to
+/// its box. Up and Down step by days, PgUp and PgDn by months; what can be typed tells `ReadDate`.
+class DateEdit final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit DateEdit(Day today, QWidget* parent = nullptr);
+    ~DateEdit() override;
+
+    /// Nothing when the box is off.
+    std::optional<Day> Date() const { return date_; }
+    /// Sets without telling.
+    void SetDate(std::optional<Day> date);
+
+    /// Dates beyond become the nearer bound.
+    void SetRange(Day first, Day last);
+    /// What stands beside the box, and names the parts to a screen reader.
+    void SetCaption(const QString& caption);
+
+    /// Takes what is typed in the line but not yet confirmed.
+    void Commit();
+
+  signals:
+    /// The person changed the date, or switched it on or off.
+    void DateChanged(std::optional<bmr::Day> date);
+    /// What was typed is no date; the line shows the old one again.
+    void NotUnderstood(const QString& typed);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void Take(std::optional<Day> date);
+    void Show();
+    void Step(int days, int months);
+    void OpenCalendar();
+
+    Day today_;
+    Day first_{1};
+    Day last_{73050};
+    std::optional<Day> date_;
+    QCheckBox* box_;
+    QLineEdit* line_;
+    QToolButton* drop_;
+};
+
+}  // namespace bmr::kit

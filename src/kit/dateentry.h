@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QLocale>
+#include <QString>
+#include <optional>
+
+#include "base/ports.h"
+#include "base/serialdate.h"
+
+namespace bmr::kit {
+
+/// The facts of a locale that the rules ask for.
+LocaleFacts FactsOf(const QLocale& locale);
+
+QDate ToQDate(Day day);
+Day FromQDate(const QDate& date);
+
+/// What a person types for a date: the locale's short form, "2026-11-21", "21.11." (the next such day), "t"
+/// or "today",
+/// "+3" and "-1" (days from today), "+2w", a weekday's name or its beginning (the next such day, today
+/// excluded). Nothing when it is none of these.
+std::optional<Day> ReadDate(const QString& typed, Day today, const QLocale& locale);
+
+}  // namespace bmr::kit

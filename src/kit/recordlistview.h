@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QTreeView>
+#include <functional>
+
+namespace bmr::kit {
+
+class RecordListModel;
+
+/// A section's list: one selected row, rows of even height, columns that can be hidden and moved. Selection
+/// and scroll position hang on keys, not on row numbers, so that they survive sorting and rebuilding.
+class RecordListView final : public QTreeView {
+    Q_OBJECT
+
+  public:
+    explicit RecordListView(QWidget* parent = nullptr);
+
+    /// The view does not own it.
+    void SetModel(RecordListModel* model);
+
+    /// Key of the selected row, or `none`.
+    static constexpr std::int32_t kNoKey = -1;
+    std::int32_t SelectedKey() const;
+    int SelectedRow() const;
+
+    /// Selects the row of that key and scrolls to it; without such a row nothing is selected.
+    void SelectKey(std::int32_t key);
+    void SelectFirst();
+    /// Brings a row into view without selecting it.
+    void ShowKey(std::int32_t key);
+
+    /// Runs something that resets the model, keeping the scroll position. The selection is gone afterwards.
+    void Rebuild(const std::function<void()>& rebuild);
+
+    /// Widths, order and visibility of the columns for as long as the program runs, under this name. Call
+    /// once the model is set and the first widths are given.
+    void KeepColumns(const QString& name);
+
+    void keyboardSearch(const QString& letters) override;
+
+  signals:
+    void KeySelected(std::int32_t key);
+    void EditWanted();
+    void DeleteWanted();
+    void TickWanted();
+    /// A menu at that place of the screen, for the selected row or for none.
+    void MenuWanted(const QPoint& at);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+  private:
+    void HeaderMenu(const QPoint& at);
+    void SaveColumns() const;
+
+    RecordListModel* model_ = nullptr;
+    QString columnsName_;
+    QString typed_;  ///< by type-ahead, until a pause
+    QElapsedTimer sinceLetter_;
+};
+
+}  // namespace bmr::kit

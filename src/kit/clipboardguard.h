@@ -62,7 +62,7 @@ class ClipboardGuard final : public QObject {
     int SecondsLeft() const;
 
     /// While `dialog` has the foreground, text selected in it is not offered to other programs.
-    void GuardSelectionIn(QWidget& dialog);
+    static void GuardSelectionIn(QWidget& dialog);
 
   signals:
     /// For the status bar: seconds left, each second while the guard runs, then -1.

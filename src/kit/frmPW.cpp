@@ -107,9 +107,7 @@ void frmPW::BuildEntry() {
 
     connect(txtInput, &SecretEdit::ContentChanged, this, &frmPW::InputChanged);
     connect(txtInput, &SecretEdit::Refused, this, [this](const QString& why) { ShowHint(why, true); });
-    connect(txtInput, &SecretEdit::CapsLockSeen, this, [this](bool on) {
-        if (on) ShowHint(tr("Caps Lock is on."), false);
-    });
+    connect(txtInput, &SecretEdit::CapsLockSeen, this, &frmPW::SetCapsLock);
     connect(chkShowClear, &QCheckBox::toggled, txtInput, &SecretEdit::SetClear);
 }
 
@@ -171,6 +169,12 @@ void frmPW::showEvent(QShowEvent* event) {
     txtInput->setFocus();
 }
 
+void frmPW::SetCapsLock(bool on) {
+    if (on == capsLock_) return;
+    capsLock_ = on;
+    ShowHint({}, false);
+}
+
 void frmPW::InputChanged() {
     ShowHint({}, false);
     ShowQuality();
@@ -180,7 +184,7 @@ void frmPW::InputChanged() {
 
 void frmPW::ShowHint(const QString& text, bool alarm) {
     SetInk(*lblHint, InkOf(alarm ? Ink::Alarm : Ink::Warning, palette()));
-    lblHint->setText(text);
+    lblHint->setText(text.isEmpty() && capsLock_ ? tr("Caps Lock is on.") : text);
 }
 
 void frmPW::ShowQuality() {
@@ -247,6 +251,7 @@ bool frmPW::Confirmed() {
 }
 
 void frmPW::cmdOK_Click() {
+    if (leaving_) return;
     if (txtInput->Content().empty()) return reject();
     if (!AcceptedAsWeak() || !Confirmed()) return;
     TypedSecret = FirstEntry.empty() ? txtInput->TakeContent() : std::move(FirstEntry);
@@ -254,12 +259,20 @@ void frmPW::cmdOK_Click() {
 }
 
 void frmPW::done(int result) {
-    if (isVisible()) emit Closing();
+    if (leaving_) return;
+    leaving_ = true;
     if (result != Accepted) TypedSecret.Wipe();
     FirstEntry.Wipe();
     SecondEntry.Wipe();
     txtInput->Empty();
-    QDialog::done(result);
+    const auto hide = [this, result] {
+        QDialog::done(result);
+        leaving_ = false;
+    };
+    if (isVisible() && beforeHide_)
+        beforeHide_(hide);
+    else
+        hide();
 }
 
 Secret frmPW::TakeTypedSecret() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 
 #include "base/ports.h"
 #include "crypto/secret.h"
@@ -18,7 +19,7 @@ class SecretEdit;
 /// The one prompt through which a passphrase or a PIN is typed. It tests the quality of a new one and asks
 /// for it twice, as the request says. Its size never changes, so that nothing moves while decoys are typed.
 ///
-/// A sender of decoys attaches itself by `NoiseWanted` and `Closing`, the box `txtBurst` and the edit
+/// A sender of decoys attaches itself by `NoiseWanted` and `SetBeforeHide`, the box `txtBurst` and the edit
 /// `txtInput`; the form works the same without one.
 class frmPW final : public QDialog {
     Q_OBJECT
@@ -34,13 +35,19 @@ class frmPW final : public QDialog {
     QLineEdit* BurstBox() const { return txtBurst; }
     SecretEdit* InputBox() const { return txtInput; }
 
+    /// Called once when the form is left, with nothing in it any more; it hides when `hide` is called.
+    void SetBeforeHide(std::function<void(std::function<void()> hide)> beforeHide) {
+        beforeHide_ = std::move(beforeHide);
+    }
+
+    /// What the platform or the last letter tells about Caps Lock.
+    void SetCapsLock(bool on);
+
     void done(int result) override;
 
   signals:
     /// The text changed and the request wants decoys for it.
     void NoiseWanted();
-    /// The form is about to be hidden; still in front.
-    void Closing();
 
   protected:
     void showEvent(QShowEvent* event) override;
@@ -60,6 +67,9 @@ class frmPW final : public QDialog {
 
     PassphraseRequest request_;
     Prompter& boxes_;
+    std::function<void(std::function<void()>)> beforeHide_;
+    bool leaving_ = false;
+    bool capsLock_ = false;
     Secret FirstEntry;
     Secret SecondEntry;
     Secret TypedSecret;

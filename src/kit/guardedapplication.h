@@ -8,6 +8,8 @@ class QWindow;
 
 namespace bmr::kit {
 
+class Guards;
+
 /// The application object of the program. It sees each event before anybody else in the process: it counts
 /// the user's activity, and keeps the typing of guarded dialogs from the desktop's accessibility bus, on
 /// which any program of the user can listen.
@@ -21,6 +23,10 @@ class GuardedApplication final : public QApplication {
     /// Called for each mouse, keyboard, touch or pen event of this program's windows; must be cheap.
     void SetOnActivity(std::function<void()> onActivity) { onActivity_ = std::move(onActivity); }
 
+    /// What dialogs attach themselves to; null while the program has none.
+    void SetGuards(Guards* guards) { guards_ = guards; }
+    Guards* guards() const { return guards_; }
+
     bool notify(QObject* receiver, QEvent* event) override;
 
     /// Keys typed into `window` are handed to the field that has the focus by ourselves.
@@ -29,6 +35,7 @@ class GuardedApplication final : public QApplication {
 
   private:
     std::function<void()> onActivity_;
+    Guards* guards_ = nullptr;
 };
 
 /// True for events that a hand has caused.

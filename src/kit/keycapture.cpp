@@ -53,15 +53,30 @@ bool KeyCapture::eventFilter(QObject* watched, QEvent* event) {
                 break;
         }
     } else if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
-        SeeChord(static_cast<QKeyEvent*>(event)->key(), event->type() == QEvent::KeyPress);
+        SeeKey(*static_cast<QKeyEvent*>(event));
     }
     return QObject::eventFilter(watched, event);
 }
 
-void KeyCapture::SeeChord(int key, bool down) {
-    if (key != Qt::Key_Alt && key != Qt::Key_Meta && key != Qt::Key_Super_L && key != Qt::Key_Super_R) return;
-    chord_ = down;
-    Check();
+void KeyCapture::SeeKey(const QKeyEvent& key) {
+    const bool down = key.type() == QEvent::KeyPress;
+    switch (key.key()) {
+        case Qt::Key_Alt:
+        case Qt::Key_Meta:
+        case Qt::Key_Super_L:
+        case Qt::Key_Super_R:
+            chord_ = down;
+            return Check();
+        default:
+            break;
+    }
+    // Letters have the same number here and in the rules.
+    const shell::Modifiers held{.ctrl = key.modifiers().testFlag(Qt::ControlModifier),
+                                .alt = key.modifiers().testFlag(Qt::AltModifier),
+                                .meta = key.modifiers().testFlag(Qt::MetaModifier)};
+    const auto message = down ? shell::KeyMessage::Down : shell::KeyMessage::Up;
+    const auto decision = shell::KeyRules().LowLevelKeys(0, message, static_cast<unsigned>(key.key()), held);
+    if (decision.action == shell::KeyAction::PassAndRearm) emit ClipboardUsed();
 }
 
 void KeyCapture::Check() {
@@ -81,6 +96,7 @@ void KeyCapture::Check() {
         });
     }
     held_ = port_.Grab(window_, true);
+    if (const auto caps = port_.CapsLock()) emit CapsLockTold(*caps);
 }
 
 void KeyCapture::Release() {

@@ -6,6 +6,9 @@
 #include <QWidget>
 
 #include "kit/platform.h"
+#include "shell/keyrules.h"
+
+class QKeyEvent;
 
 namespace bmr::kit {
 
@@ -32,8 +35,10 @@ class KeyCapture final : public QObject {
     void EndBurst();
 
   signals:
-    /// The platform took a clipboard command on its way to the dialog.
+    /// Ctrl+X, Ctrl+C or Ctrl+V went down in the dialog.
     void ClipboardUsed();
+    /// Where the platform tells: at each look, the first as soon as the dialog is in front.
+    void CapsLockTold(bool on);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -42,7 +47,7 @@ class KeyCapture final : public QObject {
     void Check();
     void Release();
     void Watch();
-    void SeeChord(int key, bool down);
+    void SeeKey(const QKeyEvent& key);
     void InsertTyped(const QString& text);
 
     KeyPort& port_;

@@ -96,6 +96,10 @@ TEST_F(FormPW, RefusesACharacterOutsideTheCodePageInWords) {
     EXPECT_TRUE(Named<QLabel>(*form, "lblHint").text().isEmpty());
     test::TypeText(*edit, "A");  // without Shift
     EXPECT_EQ(Named<QLabel>(*form, "lblHint").text(), "Caps Lock is on.");
+    QTest::keyClicks(edit, "1");
+    EXPECT_EQ(Named<QLabel>(*form, "lblHint").text(), "Caps Lock is on.") << "it stays on";
+    form->SetCapsLock(false);
+    EXPECT_EQ(Named<QLabel>(*form, "lblHint").text(), "");
     QCoreApplication::processEvents();
     EXPECT_EQ(form->size(), size) << "nothing may move";
 }
@@ -132,7 +136,8 @@ TEST_F(FormPW, TwoDifferentEntriesStartAnewOrCancel) {
 TEST_F(FormPW, AsksForNoiseWhileTheTextIsShort) {
     Show(false, true);
     QSignalSpy wanted(form.get(), &frmPW::NoiseWanted);
-    QSignalSpy closing(form.get(), &frmPW::Closing);
+    std::function<void()> hide;
+    form->SetBeforeHide([&hide](std::function<void()> go) { hide = std::move(go); });
     QTest::keyClicks(edit, "1234567");
     EXPECT_EQ(wanted.size(), 5);
     auto& burst = Named<QLineEdit>(*form, "txtBurst");
@@ -141,7 +146,13 @@ TEST_F(FormPW, AsksForNoiseWhileTheTextIsShort) {
     EXPECT_TRUE(burst.isVisible()) << "what is hidden cannot take the focus";
     EXPECT_EQ(burst.size(), QSize(1, 1));
     QTest::keyClick(edit, Qt::Key_Return);
-    EXPECT_EQ(closing.size(), 1);
+    EXPECT_TRUE(form->isVisible() && hide) << "it goes when the last decoys have gone";
+    EXPECT_TRUE(edit->Content().empty());
+    QTest::keyClick(edit, Qt::Key_Escape);
+    hide();
+    EXPECT_EQ(form->result(), QDialog::Accepted);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->TakeTypedSecret().view(), "1234567");
 
     Show(false, false);
     QSignalSpy all(form.get(), &frmPW::NoiseWanted);

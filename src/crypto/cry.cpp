@@ -1,20 +1,16 @@
 #include "crypto/cry.h"
 
-#include <botan/block_cipher.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 
+#include "crypto/blowfish.h"
 #include "crypto/fieldtext.h"
 
 namespace bmr::cry {
 namespace {
-
-constexpr std::size_t kFieldKeySize = 16;
-constexpr std::size_t kBlowfishBlock = 8;
 
 /// A value as the text that is enciphered.
 Bytes TextForm(const Value& value) {
@@ -31,38 +27,13 @@ Bytes TextForm(const Value& value) {
     return {text.data(), static_cast<std::size_t>(length)};
 }
 
-/// Blowfish in CBC mode over whole blocks, in place.
-void BlowfishCbc(std::span<const std::uint8_t> key, std::span<const std::uint8_t> vector,
-                 std::span<std::uint8_t> text, bool encrypt) {
-    const auto cipher = Botan::BlockCipher::create_or_throw("Blowfish");
-    cipher->set_key(key.data(), key.size());
-    std::array<std::uint8_t, kBlowfishBlock> chain{};
-    std::array<std::uint8_t, kBlowfishBlock> kept{};
-    std::copy_n(vector.begin(), kBlowfishBlock, chain.begin());
-    for (std::size_t at = 0; at + kBlowfishBlock <= text.size(); at += kBlowfishBlock) {
-        std::uint8_t* block = text.data() + at;
-        std::copy_n(block, kBlowfishBlock, kept.begin());
-        if (encrypt) {
-            for (std::size_t i = 0; i < kBlowfishBlock; ++i)
-                block[i] = static_cast<std::uint8_t>(block[i] ^ chain[i]);
-            cipher->encrypt(block);
-            std::copy_n(block, kBlowfishBlock, chain.begin());
-        } else {
-            cipher->decrypt(block);
-            for (std::size_t i = 0; i < kBlowfishBlock; ++i)
-                block[i] = static_cast<std::uint8_t>(block[i] ^ chain[i]);
-            chain = kept;
-        }
-    }
-    WipeMemory(kept.data(), kept.size());
-    WipeMemory(chain.data(), chain.size());
-}
-
-/// The field key, filled up with zeros where none was picked yet: the operation goes on all the same.
-Secret WholeFieldKey(const CipherState& state) {
-    Secret key = state.FieldKey.Copy();
-    key.Resize(kFieldKeySize);
-    return key;
+/// The schedule of the field key, filled up with zeros where none was picked yet: the operation goes on all
+/// the same.
+void ScheduleFieldKey(const CipherState& state, BlowfishKey& schedule) {
+    std::array<std::uint8_t, kBlowfishKeyBytes> key{};
+    std::copy_n(state.FieldKey.span().begin(), std::min(state.FieldKey.size(), key.size()), key.begin());
+    Schedule({&key, 1}, {&schedule, 1});
+    WipeMemory(key.data(), key.size());
 }
 
 Bytes EncryptText(CipherState& state, std::string_view text) {
@@ -73,9 +44,9 @@ Bytes EncryptText(CipherState& state, std::string_view text) {
     padded.Append("\x03");
     padded.Append(std::string(fill, static_cast<char>(fill)));
     Bytes out = RandomBytes(*state.random, kBlowfishBlock);
-    const Secret key = WholeFieldKey(state);
-    BlowfishCbc(key.span(), {reinterpret_cast<const std::uint8_t*>(out.data()), out.size()}, padded.span(),
-                true);
+    BlowfishKey key;
+    ScheduleFieldKey(state, key);
+    EncryptCbc(key, reinterpret_cast<const std::uint8_t*>(out.data()), padded.span());
     out.append(padded.view());
     return out;
 }
@@ -106,7 +77,7 @@ Bytes Decipher(CipherState& state, std::string_view text) {
 }
 
 void TellMissingKey(CipherState& state) {
-    if (state.FieldKey.size() < kFieldKeySize && state.showMessage) state.showMessage(34);
+    if (state.FieldKey.size() < kBlowfishKeyBytes && state.showMessage) state.showMessage(34);
 }
 
 }  // namespace
@@ -139,9 +110,9 @@ Bytes FieldCipher(CipherState& state, int mode, const Value& value) {
 }
 
 void SelectFieldKey(CipherState& state, std::int32_t selector) {
-    if (state.FieldKey.size() != kFieldKeySize) state.FieldKey = Secret(kFieldKeySize);
+    if (state.FieldKey.size() != kBlowfishKeyBytes) state.FieldKey = Secret(kBlowfishKeyBytes);
     PickFieldKey(state.Keystring.span(), static_cast<std::uint32_t>(selector),
-                 state.FieldKey.span().first<kFieldKeySize>());
+                 state.FieldKey.span().first<kBlowfishKeyBytes>());
 }
 
 Bytes BlockEncrypt(CipherState& state, const Value& value) {
@@ -156,9 +127,9 @@ std::string BlockDecrypt(CipherState& state, std::string_view text) {
     state.FieldPlain = Secret(text.substr(kBlowfishBlock));
     if (state.FieldPlain.empty()) return "-bad password-";
     ++state.deciphered;
-    const Secret key = WholeFieldKey(state);
-    const Secret vector(text.substr(0, kBlowfishBlock));
-    BlowfishCbc(key.span(), vector.span(), state.FieldPlain.span(), false);
+    BlowfishKey key;
+    ScheduleFieldKey(state, key);
+    DecryptCbc(key, reinterpret_cast<const std::uint8_t*>(text.data()), state.FieldPlain.span());
     const std::size_t size = PlainSize(state.FieldPlain.view());
     if (size == std::string_view::npos) return "-bad password-";
     state.FieldPlain.Resize(size);

@@ -57,6 +57,11 @@ void DecipherBatch(CipherState& state, std::span<const std::string_view> texts,
                    const std::function<void(std::size_t index, std::string_view plain)>& each,
                    unsigned threads = 0);
 
+/// Enciphers many texts as mode 1 does, each with its own selector and vector, on up to `threads` threads.
+/// For imports.
+std::vector<Bytes> EncipherBatch(CipherState& state, std::span<const std::string_view> texts,
+                                 unsigned threads = 0);
+
 /// AES-256-CBC under a key of PBKDF2 (HMAC-SHA-1, 2048 iterations) with a random 16-byte salt that is also
 /// the vector.
 Bytes PassEncrypt(RandomSource& random, std::string_view text, std::string_view pass);

@@ -1,36 +1,15 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <string>
 
 #include "store/session.h"
+#include "support/folder.h"
 #include "support/ports.h"
 #include "support/random.h"
 
 namespace bmr::test {
-
-/// A folder of its own that goes with the test.
-class TempFolder {
-  public:
-    TempFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "bmr-test-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    const std::filesystem::path& Path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 /// A session over the ports of a test, with no database.
 struct TestSession {

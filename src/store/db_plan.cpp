@@ -1,0 +1,88 @@
+#include <algorithm>
+
+#include "store/columns.h"
+#include "store/db_engine.h"
+
+namespace bmr::store {
+namespace {
+
+constexpr std::size_t kPlans = 64;
+/// After so many changed rows a choice is made again.
+constexpr std::int64_t kStale = 4096;
+/// Fewer rows are sorted sooner than any other way in is looked for.
+constexpr std::int64_t kQuickSort = 2048;
+
+std::string IndexOn(const std::string& column) {
+    const auto* found = std::find_if(kIndexes.begin(), kIndexes.end(),
+                                     [&](const IndexDescription& each) { return each.column == column; });
+    return found == kIndexes.end() ? "" : std::string(found->name);
+}
+
+}  // namespace
+
+Result<std::shared_ptr<const Plan>> Engine::PlanOf(std::string_view statement) {
+    const std::string text(statement);
+    const std::int64_t changes = sqlite3_total_changes64(handle());
+    if (const auto found = plans_.find(text);
+        found != plans_.end() && changes - found->second->changesAt < kStale)
+        return found->second;
+    auto translated = Translate(statement);
+    if (!translated) return Error{Fail(translated.error().number, translated.error().detail), lastError_};
+    auto plan = std::make_shared<Plan>();
+    plan->statement = std::move(*translated);
+    plan->index = ChooseIndex(plan->statement.ranges, plan->statement.orderedBy);
+    plan->changesAt = changes;
+    if (plans_.size() >= kPlans) plans_.clear();
+    plans_[text] = plan;
+    return std::shared_ptr<const Plan>(plan);
+}
+
+std::int64_t Engine::Count(const IndexRange& range, std::int64_t limit) {
+    auto query = Prepare("SELECT count(*) FROM (SELECT 1 FROM main.tt INDEXED BY \"" + IndexOn(range.column) +
+                         "\" WHERE " + range.column + " BETWEEN ?1 AND ?2 LIMIT ?3)");
+    if (!query) return limit;
+    query->Bind(1, range.low);
+    query->Bind(2, range.high);
+    query->Bind(3, limit);
+    return query->Step() ? query->Number(0) : limit;
+}
+
+std::int64_t Engine::CountAll() {
+    auto query = Prepare("SELECT count(*) FROM main.tt");
+    return query && query->Step() ? query->Number(0) : 0;
+}
+
+// The library would guess, and its guesses are wrong for this table: fSub is nearly the same in all rows, a
+// range of days is far narrower than its section, and a section may be three rows or nearly all.
+std::string Engine::ChooseIndex(const std::vector<IndexRange>& ranges, const std::string& orderedBy) {
+    std::vector<IndexRange> candidates;
+    for (const auto& range : ranges) {
+        if (range.column == "fPK" && range.low == range.high) return IndexOn("fPK");
+        if (range.column != "fSub") candidates.push_back(range);
+    }
+    if (candidates.empty()) return "";
+    const bool oneWay = candidates.size() == 1 && candidates.front().low == candidates.front().high;
+    if (oneWay && (orderedBy.empty() || IndexOn(orderedBy).empty()))
+        return IndexOn(candidates.front().column);
+
+    // Counting in growing steps costs little more than the narrowest has rows.
+    const IndexRange* narrowest = nullptr;
+    std::int64_t rows = 0;
+    for (std::int64_t limit = 256; narrowest == nullptr; limit *= 8) {
+        for (const auto& candidate : candidates) {
+            const std::int64_t counted = Count(candidate, limit);
+            if (counted < limit && (narrowest == nullptr || counted < rows)) {
+                narrowest = &candidate;
+                rows = counted;
+            }
+        }
+        if (limit > (std::int64_t{1} << 33)) return "";  // the index cannot be read
+    }
+    // Where most rows qualify anyway, walking them in order saves the sort.
+    if (rows > kQuickSort && !IndexOn(orderedBy).empty() && orderedBy != narrowest->column &&
+        rows * 4 >= CountAll())
+        return IndexOn(orderedBy);
+    return IndexOn(narrowest->column);
+}
+
+}  // namespace bmr::store

@@ -37,12 +37,22 @@ CategoryList ReadList(Session& session, std::uint8_t section) {
     return list;
 }
 
-template <class Taken>
-std::int32_t LowestNumber(Taken&& taken) {
-    for (std::int32_t number = 1; number <= Category::Highest; ++number)
-        if (!taken(number)) return number;
-    return 0;
-}
+/// Which of the numbers 1 to 9998 are taken.
+class NumberSet {
+  public:
+    void Take(std::int32_t number) {
+        if (number >= 1 && number <= Category::Highest) taken_[static_cast<std::size_t>(number)] = true;
+    }
+    /// 0 when all are taken.
+    std::int32_t LowestFree() const {
+        for (std::int32_t number = 1; number <= Category::Highest; ++number)
+            if (!taken_[static_cast<std::size_t>(number)]) return number;
+        return 0;
+    }
+
+  private:
+    std::vector<bool> taken_ = std::vector<bool>(Category::Highest + 1);
+};
 
 }  // namespace
 
@@ -87,18 +97,19 @@ std::int32_t RecordCategory(Session& session, std::int32_t fPK) {
 }
 
 std::int32_t LowestFreeNumber(const CategoryList& list) {
-    return LowestNumber([&list](std::int32_t number) {
-        return std::any_of(list.begin(), list.end(),
-                           [number](const CategoryEntry& entry) { return entry.number == number; });
-    });
+    NumberSet numbers;
+    for (const CategoryEntry& entry : list)
+        numbers.Take(entry.number);
+    return numbers.LowestFree();
 }
 
 std::int32_t FreeCategoryNumber(const std::vector<std::int32_t>& numbers) {
-    if (numbers.empty()) return LowestNumber([](std::int32_t) { return false; });
-    return LowestNumber([&numbers](std::int32_t number) {
-        return std::any_of(numbers.begin(), numbers.end() - 1,
-                           [number](std::int32_t present) { return present == number || IsFixed(present); });
-    });
+    NumberSet taken;
+    for (std::size_t i = 0; i + 1 < numbers.size(); ++i) {
+        if (IsFixed(numbers[i])) return 0;
+        taken.Take(numbers[i]);
+    }
+    return taken.LowestFree();
 }
 
 Bytes CategoryName(const CategoryList& list, std::int32_t number) {

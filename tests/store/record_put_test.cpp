@@ -41,9 +41,13 @@ Value ScalarOf(const nlohmann::json& value, FieldTag tag) {
 
 /// The characters of a known answer's text: start, start + step, ...
 Bytes PatternText(const nlohmann::json& pattern) {
-    Bytes text;
-    for (unsigned i = 0; i < pattern["length"].get<unsigned>(); ++i)
-        text += ByteChar(pattern["start"].get<unsigned>() + i * pattern["step"].get<unsigned>());
+    Bytes text(pattern["length"].get<std::size_t>(), '\0');
+    unsigned next = pattern["start"];
+    const unsigned step = pattern["step"];
+    for (char& c : text) {
+        c = ByteChar(next);
+        next += step;
+    }
     return text;
 }
 

@@ -1,0 +1,203 @@
+#include "tasks/task.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "store/record_get.h"
+#include "store/record_put.h"
+
+namespace bmr::tasks {
+namespace {
+
+using store::FieldTag;
+using store::Recordset;
+using store::Session;
+
+constexpr std::int32_t kPriorities = 3;
+
+Day DateColumn(const Recordset& row, const char* column, DateKind kind, bool set) {
+    return set ? UnpackDate(NumberOf(row.Field(column)), kind) : Day{};
+}
+
+bool Append(Bytes& payload, TaskField field, const Value& value, FieldTag tag, RandomSource& random) {
+    return store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
+}
+
+/// fEtx and fT1 of a record.
+int FillTexts(Session& session, const Task& task, Recordset& row) {
+    RandomSource& random = session.ports.random;
+    Bytes payload;
+    const bool whole =
+        Append(payload, TaskField::Description, task.task, FieldTag::Text, random) &&
+        Append(payload, TaskField::Memo, task.note, FieldTag::Memo, random) &&
+        Append(payload, TaskField::Private, task.isPrivate, FieldTag::Boolean, random) &&
+        Append(payload, TaskField::UserNumber, std::int32_t{session.user.UserNumber}, FieldTag::Byte, random);
+    if (!whole) return store::EngineNumber::Failed;
+    const int error = store::SetPayload(session, row, payload);
+    cry::WipeString(payload);
+    if (error != 0) return error;
+    row.SetField("fT1", cry::FieldCipher(session.cipher, 1, task.task));
+    return 0;
+}
+
+int FillRow(Session& session, const Task& task, Recordset& row, bool added) {
+    RandomSource& random = session.ports.random;
+    if (task.readable || added)
+        if (const int error = FillTexts(session, task, row)) return error;
+    row.SetField("fG1", task.category);
+    row.SetField("fR1", PackPriority(task.priority, random));
+    row.SetField("fR2", PackDate(task.completed ? task.completedDate : Day{}, kCompletedKind, random).value);
+    row.SetField("fR3", PackDate(task.hasDueDate ? task.dueDate : Day{}, kDueKind, random).value);
+    row.SetField("fF1", task.hasDueDate);
+    row.SetField("fF2", task.hasNote);
+    row.SetField("fF3", task.completed);
+    store::FillColumns(row, {.t2 = true, .t3 = true, .r4 = true}, random);
+    return 0;
+}
+
+}  // namespace
+
+Task ClearRecord(std::int32_t comboCategory) {
+    Task task;
+    task.category = store::RealCategory(comboCategory);
+    return task;
+}
+
+void ReadPayload(Task& task, std::string_view payload) {
+    store::PayloadReader reader(payload);
+    bool hasText = false;
+    bool hasFlag = false;
+    task.isPrivate = true;  // what cannot be read stays hidden
+    for (store::RawField field; reader.Next(field);) {
+        const Value value = store::DecodeRaw(field);
+        switch (static_cast<TaskField>(field.number)) {
+            case TaskField::Description:
+                hasText = std::holds_alternative<Bytes>(value);
+                task.task = TextOf(value);
+                break;
+            case TaskField::Memo:
+                task.note = TextOf(value);
+                break;
+            case TaskField::Private:
+                hasFlag = std::holds_alternative<bool>(value);
+                task.isPrivate = !hasFlag || std::get<bool>(value);
+                break;
+            case TaskField::UserNumber:
+                break;
+        }
+    }
+    task.readable = hasText && hasFlag && reader.Clean();
+}
+
+Task ReadRecord(Session& session, const Recordset& row) {
+    Task task;
+    task.key = NumberOf(row.Field("fPK"));
+    task.category = NumberOf(row.Field("fG1"));
+    task.priority = UnpackPriority(NumberOf(row.Field("fR1")));
+    task.hasDueDate = NumberOf(row.Field("fF1")) != 0;
+    task.hasNote = NumberOf(row.Field("fF2")) != 0;
+    task.completed = NumberOf(row.Field("fF3")) != 0;
+    task.dueDate = DateColumn(row, "fR3", kDueKind, task.hasDueDate);
+    task.completedDate = DateColumn(row, "fR2", kCompletedKind, task.completed);
+    const Bytes cipher = TextOf(row.Field("fEtx"));
+    if (cipher.empty() || session.cipher.Keystring.empty()) {
+        ReadPayload(task, {});
+    } else {
+        cry::FieldCipher(session.cipher, 2, cipher);
+        ReadPayload(task, session.cipher.FieldPlain.view());
+    }
+    return task;
+}
+
+std::optional<Task> LoadSelected(Session& session, std::int32_t key) {
+    const auto row = store::FetchRow(session, store::Section::Todo, key);
+    if (!row) return std::nullopt;
+    return ReadRecord(session, *row);
+}
+
+Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory) {
+    if (key)
+        if (auto task = LoadSelected(session, *key)) return *std::move(task);
+    return ClearRecord(comboCategory);
+}
+
+store::StoreOutcome WriteRecord(Session& session, Task& task) {
+    if (task.readable) task.hasNote = !task.note.empty();
+    const auto outcome =
+        store::StoreRow(session, store::Section::Todo, task.key,
+                        [&](Recordset& row, bool added) { return FillRow(session, task, row, added); });
+    if (outcome.error != 0) return outcome;
+    task.key = outcome.fPK;
+    session.CalendarDirty = true;
+    return outcome;
+}
+
+std::string SortKey(const Task& task, Day today) {
+    std::string key = task.completed ? "1" : "0";
+    key += IsPastDue(task.hasDueDate, task.dueDate, today) ? "0" : "1";
+    if (task.hasDueDate) {
+        char day[16];
+        std::snprintf(day, sizeof day, "0%06d", task.dueDate.serial);
+        key += day;
+    } else {
+        key += "1999999";
+    }
+    return key + std::to_string(task.priority);
+}
+
+std::int32_t PackPriority(std::int32_t priority, RandomSource& random) {
+    return SpreadIndex(priority, kPriorities, 0, kMaxLong, random).value;
+}
+
+std::int32_t UnpackPriority(std::int32_t fR1) {
+    return SlotOf(fR1, kPriorities, 0, kMaxLong);
+}
+
+EditorValues RecordToEditor(const Task& task, const store::CategoryList& categories) {
+    EditorValues values;
+    values.task = task.task;
+    values.note = task.note;
+    if (task.priority >= Priority::High && task.priority <= Priority::Low) values.priority = task.priority;
+    values.isPrivate = task.isPrivate;
+    if (task.hasDueDate) values.due = task.dueDate;
+    if (task.completed) values.completed = task.completedDate;
+    const bool known = std::any_of(categories.begin(), categories.end(),
+                                   [&task](const auto& entry) { return entry.number == task.category; });
+    values.category = known ? task.category : store::Category::Unfiled;
+    return values;
+}
+
+void EditorToRecord(const EditorValues& values, Task& task) {
+    task.task = values.task;
+    task.note = values.note;
+    task.priority = values.priority.value_or(Priority::Normal);
+    task.isPrivate = values.isPrivate;
+    task.hasDueDate = values.due.has_value();
+    task.dueDate = values.due.value_or(Day{});
+    task.hasNote = !values.note.empty();
+    task.completed = values.completed.has_value();
+    task.completedDate = values.completed.value_or(Day{});
+    task.category = store::RealCategory(values.category);
+    task.readable = true;
+}
+
+TickOutcome SetCompleted(Session& session, std::int32_t key, bool checked) {
+    TickOutcome outcome;
+    outcome.record = LoadSelected(session, key);
+    outcome.rebuild = !outcome.record;
+    if (!outcome.record || outcome.record->completed == checked) return outcome;
+    outcome.record->completed = checked;
+    outcome.record->completedDate = checked ? session.ports.clock.Today() : Day{};
+    outcome.error = WriteRecord(session, *outcome.record).error;
+    outcome.rebuild = !checked || outcome.error != 0;
+    return outcome;
+}
+
+int SetPriority(Session& session, std::int32_t key, std::int32_t priority) {
+    auto task = LoadSelected(session, key);
+    if (!task) return 0;
+    task->priority = priority;
+    return WriteRecord(session, *task).error;
+}
+
+}  // namespace bmr::tasks

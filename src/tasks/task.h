@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "base/buckets.h"
+#include "base/bytes.h"
+#include "base/serialdate.h"
+#include "store/categories.h"
+#include "store/section_store.h"
+
+/// The to-do section without a screen: its record, its list and its rules.
+namespace bmr::tasks {
+
+/// Numbers of the payload's fields. Never renumber: files in the field carry these.
+enum class TaskField : std::uint8_t { Description = 0, Memo = 1, Private = 2, UserNumber = 3 };
+
+/// Tasks keep their due date (fR3) in the second and the date of completion (fR2) in the third date table.
+inline constexpr DateKind kDueKind = DateKind::First;
+inline constexpr DateKind kCompletedKind = DateKind::Last;
+
+struct Priority {
+    static constexpr std::int32_t High = 0;
+    static constexpr std::int32_t Normal = 1;
+    static constexpr std::int32_t Low = 2;
+};
+
+/// One task, as screen and editor hold it. The defaults are those of an empty new record.
+struct Task {
+    std::int32_t key = store::kNewRecord;
+    Bytes task;
+    Bytes note;
+    bool isPrivate = false;
+    bool hasNote = false;
+    std::int32_t priority = Priority::Normal;
+    bool hasDueDate = false;
+    Day dueDate;
+    bool completed = false;
+    Day completedDate;
+    std::int32_t category = store::Category::Unfiled;
+    /// False when the payload did not decode: a store then leaves it and the task text as they are in the
+    /// file.
+    bool readable = true;
+};
+
+/// An empty new record under the category that the combo stands on.
+Task ClearRecord(std::int32_t comboCategory);
+
+/// The record of a row of `SELECT *`. Deciphers the payload, and nothing else.
+Task ReadRecord(store::Session& session, const store::Recordset& row);
+/// The same from the pieces, for readers of many rows.
+void ReadPayload(Task& task, std::string_view payload);
+
+/// The record of a list row's key; nothing when the row is gone or was never a task.
+std::optional<Task> LoadSelected(store::Session& session, std::int32_t key);
+/// The record to edit: the selected one, or an empty new one when it is gone or nothing is selected.
+Task RecordToEdit(store::Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory);
+
+/// `writeRecord`: adds or edits the row, keeps `hasNote` by the note and sets the record's key. -16 when the
+/// key is now another section's. The calendar's task pane is to be redrawn afterwards.
+store::StoreOutcome WriteRecord(store::Session& session, Task& task);
+
+/// Due, and that before today. Today is not overdue.
+inline bool IsPastDue(bool hasDueDate, Day dueDate, Day today) {
+    return hasDueDate && dueDate < today;
+}
+
+/// One ascending text sort by it gives the standard order: open before completed, overdue first, by due date
+/// with the undated last, then by priority.
+std::string SortKey(const Task& task, Day today);
+
+/// `fR1` of a priority, and back. A value at the very top of its slot can read back as the next number, 3
+/// included: nothing guards against that.
+std::int32_t PackPriority(std::int32_t priority, RandomSource& random);
+std::int32_t UnpackPriority(std::int32_t fR1);
+
+/// What the editor's controls hold.
+struct EditorValues {
+    Bytes task;
+    Bytes note;
+    std::optional<std::int32_t> priority;  ///< the option that is on, if any
+    bool isPrivate = false;
+    std::optional<Day> due;
+    std::optional<Day> completed;
+    std::int32_t category = store::Category::Unfiled;  ///< the number of the combo's entry
+    bool operator==(const EditorValues&) const = default;
+};
+
+/// A category that the list no longer has shows as unfiled.
+EditorValues RecordToEditor(const Task& task, const store::CategoryList& categories);
+void EditorToRecord(const EditorValues& values, Task& task);
+
+/// A click on a row's check box, and `mnuCompleted` with `checked` true.
+struct TickOutcome {
+    int error = 0;
+    std::optional<Task> record;  ///< as it stands now; nothing when the row is gone
+    bool rebuild = false;        ///< the list is to be built anew; otherwise the row stays where it is
+};
+TickOutcome SetCompleted(store::Session& session, std::int32_t key, bool checked);
+
+/// `mnuTodoPriority`: loads, sets, stores. 0 or an error number; a row that is gone is no error.
+[[nodiscard]] int SetPriority(store::Session& session, std::int32_t key, std::int32_t priority);
+
+}  // namespace bmr::tasks

@@ -1,0 +1,122 @@
+#include "store/section_store.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "store/record_put.h"
+#include "support/store.h"
+
+namespace bmr::store {
+namespace {
+
+using test::TempStore;
+
+/// Stores a row of the memo pad with `text` in fT1.
+StoreOutcome StoreMemo(TempStore& store, std::int32_t key, const Bytes& text, int fillError = 0,
+                       int afterError = 0) {
+    return StoreRow(
+        store.session, Section::Memo, key,
+        [&](Recordset& row, bool) {
+            row.SetField("fT1", text);
+            return fillError;
+        },
+        [&](std::int32_t, bool) { return afterError; });
+}
+
+std::unique_ptr<Recordset> RowOf(TempStore& store, std::int32_t key) {
+    return store.Row("SELECT * FROM tt WHERE fPK=" + std::to_string(key));
+}
+
+TEST(StoreRow, AddsAndEditsWithChangeMarks) {
+    TempStore store;
+    const StoreOutcome added = StoreMemo(store, kNewRecord, "one");
+    EXPECT_EQ(added.error, 0);
+    EXPECT_TRUE(added.added);
+    EXPECT_TRUE(added.fPK != 0 && added.fPK != kNewRecord);
+    EXPECT_EQ(NumberOf(RowOf(store, added.fPK)->Field("AE")), 1);
+    EXPECT_EQ(NumberOf(RowOf(store, added.fPK)->Field("fSec")), 14);
+
+    const StoreOutcome edited = StoreMemo(store, added.fPK, "two");
+    EXPECT_FALSE(edited.added);
+    EXPECT_EQ(edited.fPK, added.fPK);
+    EXPECT_EQ(NumberOf(RowOf(store, added.fPK)->Field("AE")), 3);
+    EXPECT_EQ(TextOf(RowOf(store, added.fPK)->Field("fT1")), "two");
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt"), 1);
+
+    auto bare = store.session.ProgramDb->OpenRecordset("tt");  // a row whose change marks are Null
+    (*bare)->AddNew();
+    (*bare)->SetField("fSec", 14);
+    ASSERT_EQ((*bare)->Update(), 0);
+    const std::int32_t key = NumberOf((*bare)->Field("fPK"));
+    StoreMemo(store, key, "three");
+    EXPECT_EQ(NumberOf(RowOf(store, key)->Field("AE")), 2);
+}
+
+TEST(StoreRow, ARefusalChangesNothing) {
+    TempStore store;
+    const std::int32_t key = StoreMemo(store, kNewRecord, "kept").fPK;
+    EXPECT_EQ(StoreMemo(store, key, "lost", -7).error, -7);
+    EXPECT_EQ(StoreMemo(store, key, "lost", 0, 3000).error, 3000);
+    EXPECT_EQ(StoreMemo(store, kNewRecord, "lost", 0, 3000).error, 3000);
+    const auto foreign = StoreRow(store.session, Section::Todo, key, [](Recordset&, bool) { return 0; });
+    EXPECT_EQ(foreign.error, -16);
+    EXPECT_EQ(foreign.fPK, kNewRecord);
+    store.Reopen();
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt"), 1);
+    EXPECT_EQ(TextOf(RowOf(store, key)->Field("fT1")), "kept");
+    EXPECT_EQ(NumberOf(RowOf(store, key)->Field("AE")), 1);
+
+    EXPECT_EQ(StoreMemo(store, key, "the next store is whole").error, 0);
+    store.Reopen();
+    EXPECT_EQ(TextOf(RowOf(store, key)->Field("fT1")), "the next store is whole");
+}
+
+TEST(FetchRow, GivesOnlyRowsOfTheSection) {
+    TempStore store;
+    const std::int32_t key = StoreMemo(store, kNewRecord, "memo").fPK;
+    ASSERT_TRUE(FetchRow(store.session, Section::Memo, key));
+    EXPECT_FALSE(FetchRow(store.session, Section::Todo, key));
+    EXPECT_FALSE(FetchRow(store.session, Section::Memo, key ^ 1));
+    StoreMemo(store, kNewRecord, "other");
+    EXPECT_EQ(DeleteRow(store.session, key), 0);
+    EXPECT_FALSE(FetchRow(store.session, Section::Memo, key));
+    EXPECT_EQ(DeleteRows(store.session, Section::Memo, " And fT1 Is Null"), 0);
+    EXPECT_EQ(DeleteRows(store.session, Section::Todo), 0);
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt"), 1);
+    EXPECT_EQ(DeleteRows(store.session, Section::Memo), 0);
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt"), 0);
+}
+
+TEST(SinglePayload, OneRowWithNoiseInEveryOtherColumn) {
+    TempStore store;
+    auto payload = FetchSinglePayload(store.session, 10, 15);
+    ASSERT_TRUE(payload);
+    EXPECT_FALSE(*payload);
+    ASSERT_EQ(StoreSinglePayload(store.session, 10, 14, " other "), 0);
+    std::set<std::size_t> lengths;
+    for (int i = 0; i < 40; ++i) {
+        ASSERT_EQ(StoreSinglePayload(store.session, 10, 15, " blanks stay "), 0);
+        const auto row = store.Row("SELECT * FROM tt WHERE fSec=10 And fSub=15");
+        for (const char* column : {"fT1", "fT2", "fT3"})
+            lengths.insert(TextOf(row->Field(column)).size());
+        for (const char* column : {"fR1", "fR2", "fR3", "fR4"})
+            EXPECT_GE(NumberOf(row->Field(column), -1), 0) << column;
+        EXPECT_EQ(row->Field("fR5"), Value(0));
+        EXPECT_EQ(NumberOf(row->Field("AE")), i == 0 ? 1 : 3);
+    }
+    EXPECT_EQ(lengths, (std::set<std::size_t>{8, 16, 24}));
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=10"), 2);
+    payload = FetchSinglePayload(store.session, 10, 15);
+    ASSERT_TRUE(payload && *payload);
+    EXPECT_EQ((*payload)->view(), " blanks stay ");
+}
+
+TEST(CategoryClause, NoneForAll) {
+    EXPECT_EQ(CategoryClause(-1), "");
+    EXPECT_EQ(CategoryClause(9999), "");
+    EXPECT_EQ(CategoryClause(0), " And fG1 = 0");
+}
+
+}  // namespace
+}  // namespace bmr::store

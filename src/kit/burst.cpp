@@ -144,7 +144,7 @@ void BurstSender::End() {
     if (!running_) return;
     running_ = false;
     watchdog_.stop();
-    txtBurst_.clear();
+    txtBurst_.setText({});  // not clear(): that would also end an accent that the user has begun
     // A click of the user may have gone elsewhere meanwhile; then that is where the focus and the caret are.
     const bool undisturbed = txtInput_.window()->focusWidget() == &txtBurst_;
     if (undisturbed) (focused_ ? focused_.data() : &txtInput_)->setFocus(Qt::PopupFocusReason);

@@ -134,7 +134,8 @@ class XcbKeyPort final : public KeyPort, public QAbstractNativeEventFilter {
     const QWindow* grabbed_ = nullptr;  ///< only compared
     std::function<void()> reached_;
     Layout layout_;
-    xcb_keycode_t shift_ = 0;
+    xcb_keycode_t left_ = 0, right_ = 0;
+    xcb_keycode_t shift_ = 0;  ///< the one of the two that the user does not use
     std::bitset<256> down_, shifts_, commands_;
     std::set<xcb_keycode_t> inFlight_;  ///< decoys that the fence has not yet confirmed
     bool composing_ = false;            ///< the user's dead key waits for its letter
@@ -157,7 +158,10 @@ void XcbKeyPort::ReadLayout() {
     layout_ = {setup->min_keycode,
                map->keysyms_per_keycode,
                {keysyms, keysyms + xcb_get_keyboard_mapping_keysyms_length(map.get())}};
-    shift_ = layout_.CodeOf(kShiftLeft);
+    left_ = layout_.CodeOf(kShiftLeft);
+    right_ = layout_.CodeOf(kShiftRight);
+    if (right_ == 0) right_ = left_;
+    if (shift_ != left_) shift_ = right_;
     ReadModifiers();
 }
 
@@ -253,6 +257,7 @@ bool XcbKeyPort::nativeEventFilter(const QByteArray& type, void* message, qintpt
     // The user began an accented letter in the middle of a burst: a decoy in between would end it, so those
     // on the way vanish here and no more are sent until the letter came.
     if (inFlight_.count(code)) return composing_ && code != shift_;
+    if (kind == XCB_KEY_PRESS && shifts_[code]) shift_ = code == right_ ? left_ : right_;
     if (kind == XCB_KEY_PRESS && !shifts_[code] && !commands_[code]) composing_ = layout_.Composes(code);
     return false;
 }

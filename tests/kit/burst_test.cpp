@@ -34,7 +34,7 @@ struct Burst : testing::Test {
     }
     void SendAndWait(int bursts = 1) {
         sender->SendNoise(bursts);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return !sender->Busy(); }));
+        ASSERT_TRUE(test::LiveUntil([this] { return !sender->Busy(); }));
         EXPECT_TRUE(dialog.txtBurst->text().isEmpty());
         EXPECT_FALSE(dialog.txtBurst->isEnabled());
     }
@@ -76,7 +76,7 @@ TEST_F(Burst, LeavesTextCaretAndSelectionAsTheyWere) {
         const int start = dialog.txtInput->selectionStart();
         const int caret = dialog.txtInput->cursorPosition();
         const QImage before = dialog.grab().toImage();
-        QTest::qWait(10);
+        test::Live(10);
         watcher.presses = watcher.paints = 0;
         watcher.onPress = [&] { EXPECT_EQ(watcher.paints, 0) << "the decoys can be seen"; };
         SendAndWait();
@@ -215,7 +215,7 @@ TEST_F(Burst, FiveBurstsBeforeTheFormGoes) {
     });
     QTest::keyClick(dialog.txtInput, Qt::Key_Return);
     EXPECT_TRUE(dialog.isVisible());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !dialog.isVisible(); }));
+    ASSERT_TRUE(test::LiveUntil([this] { return !dialog.isVisible(); }));
     test::SeededRandom same(3);
     std::size_t keys = 0;
     for (int i = 0; i < 5; ++i)

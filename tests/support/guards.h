@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QDialog>
+#include <QEventLoop>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QTimer>
 #include <QVBoxLayout>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,6 +14,26 @@
 #include "kit/platform.h"
 
 namespace bmr::test {
+
+/// Lets the program live until `there` holds; false when it does not within the time. Unlike the test
+/// library's own waiting it sleeps only as the event loop does, so that what happens in many small turns of
+/// the loop takes the time that it takes in the program.
+inline bool LiveUntil(const std::function<bool()>& there, int timeoutMs = 5000) {
+    QEventLoop loop;
+    QTimer look;
+    bool held = there();
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        held = there();
+        if (held) loop.quit();
+    });
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    look.start(1);
+    if (!held) loop.exec();
+    return held;
+}
+inline void Live(int ms) {
+    LiveUntil([] { return false; }, ms);
+}
 
 /// A keyboard of which the test says what is down and what the system does with each key.
 class FakeKeyPort final : public kit::KeyPort {

@@ -9,6 +9,34 @@ struct Session;
 /// How a routine of the key chain ended the program: the caller shows nothing more and quits.
 inline constexpr int kQuitProgram = -1000;
 
+/// Prompts of one opening, wrong and short passphrases together.
+inline constexpr int kMostAttempts = 3;
+
+/// Wipes `PassHash`, `PassHashStrong`, `MasterKey` and what the user record holds of them.
+void WipeHashes(Session& session);
+
+/// Wipes the hashes and the master key on every way out of a block.
+class HashWiper {
+  public:
+    explicit HashWiper(Session& session) : session_(session) {}
+    ~HashWiper() { WipeHashes(session_); }
+    HashWiper(const HashWiper&) = delete;
+    HashWiper& operator=(const HashWiper&) = delete;
+
+  private:
+    Session& session_;
+};
+
+/// "Database: " and the file's name in capitals, UTF-8: the line above every prompt for a secret.
+std::string PromptTitle(const Session& session);
+
+/// Counts a failed attempt, shows Msg(-error), with Retry while attempts are left, and pauses. True when the
+/// prompt is to be shown again.
+bool RetryAfterFailure(Session& session, int error);
+
+/// "Stand By", the forced pause, and an empty panel again.
+void StandBy(Session& session);
+
 /// Shows the prompt as often as allowed, with the forced pause after each failure, and sets `PassHash` and
 /// `PassHashStrong`; the typed text is wiped. 0, -98 for a cancelled prompt, -40 for a text below 8
 /// characters, or `kQuitProgram` when the attempts are used up and no database is open.
@@ -24,7 +52,8 @@ inline constexpr int kQuitProgram = -1000;
 [[nodiscard]] int LoadKeys(Session& session);
 
 /// Verifies the current passphrase, asks for a new one and rewrites the user's row and PIN. True when it
-/// changed; otherwise Msg(124) was shown (after a failed verification only Msg(85)).
+/// changed; otherwise Msg(124) was shown (after a failed verification only Msg(85), after a cancelled one
+/// nothing). REQUIRES: an open database.
 bool ChangePassphrase(Session& session);
 
 }  // namespace bmr::store

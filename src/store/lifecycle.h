@@ -42,7 +42,9 @@ int ReadDatabaseVersion(Session& session);
 /// deleted, or a negative number on an error.
 int RemoveDuplicates(Session& session);
 
-/// One plain sentence (UTF-8) for an engine number: why a file could not be opened.
+/// One plain sentence (UTF-8) for an engine number: why a file could not be opened or written.
 std::string ExplainOpenFailure(int number);
+/// The same in a box.
+void TellFailure(Session& session, int number);
 
 }  // namespace bmr::store

@@ -15,6 +15,9 @@ struct Session;
 /// number, or `kQuitProgram` (see keyrecords.h) when there is no user row at all, after Msg(96).
 [[nodiscard]] int FindUser(Session& session);
 
+/// The same for the current user's own row alone: two users may share a passphrase.
+[[nodiscard]] int FindCurrentUser(Session& session);
+
 /// Writes the current user's record under `PassHash`; a new row gives its fPK to the session. The PIN record
 /// in fT2 is left alone on an edit.
 [[nodiscard]] int WriteUser(Session& session);
@@ -23,10 +26,18 @@ struct Session;
 /// no hash.
 bool VerifyUser(Session& session, const std::string& prompt);
 
+enum class UserCheck { Right, Wrong, Cancelled };
+/// `VerifyUser`, telling a wrong passphrase from a cancelled prompt. With `keepHashes` a right one leaves
+/// `PassHash` and `PassHashStrong` in the session; the caller wipes them.
+UserCheck CheckUser(Session& session, const std::string& prompt, bool keepHashes);
+
 /// Reads the PIN record of the current user; a lost one is made anew with the default PIN.
 [[nodiscard]] int LoadPin(Session& session);
-/// Asks for the passphrase when no `PassHashStrong` is at hand, then stores the default PIN.
+/// Asks for the current user's passphrase when no `PassHashStrong` is at hand, then stores the default PIN.
+/// 0, -85, -98, an engine number or `kQuitProgram`.
 [[nodiscard]] int SetDefaultPin(Session& session);
+/// Stores the PIN record and takes it into the session. `kQuitProgram` after Msg(109) when the user's row is
+/// gone, -43 for a PIN too long to store.
 [[nodiscard]] int WritePin(Session& session, std::uint8_t kind, std::string_view pin, std::int32_t app,
                            bool everyAccess);
 

@@ -21,14 +21,18 @@ struct Session;
 [[nodiscard]] int NewDatabase(Session& session);
 
 /// Passphrase, keys, version, settings, duplicates, registry: the database at `DatabasePath` is open
-/// afterwards. 0, an error number, or `kQuitProgram` when the program is to end.
+/// afterwards. 0, an error number (-98 cancelled; others were shown), or `kQuitProgram` when the program is
+/// to end. After a failure no database is open, the keys are wiped and `DatabasePath` is empty. REQUIRES: no
+/// open database.
 [[nodiscard]] int OpenDatabaseFile(Session& session);
 
 /// Writes the system record and the settings, closes the file and wipes the keys. The caller has closed the
-/// section. Never leaves the database open; an error number tells that the last write failed.
+/// section. Never leaves the database open, and empties `DatabasePath`; an error number, told in a box unless
+/// the program is ending, says that the last write failed.
 int CloseDatabase(Session& session);
 
-/// Closes, compacts into a file beside the database, puts that in its place, Msg(166), opens again. The
+/// Closes, compacts into a file beside the database (its last three characters "tmp"), puts that in its
+/// place, Msg(166), opens again; where the compacting failed, the old file. -134 when the file is gone. The
 /// caller has closed the section.
 [[nodiscard]] int RepairAndCompact(Session& session);
 

@@ -1,0 +1,86 @@
+#include "shell/startflow.h"
+
+#include <string>
+
+#include "base/ports.h"
+#include "store/keyrecords.h"
+#include "store/lifecycle.h"
+#include "store/session.h"
+
+namespace bmr::shell {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+StartOutcome OutcomeOf(int error) {
+    if (error == 0) return StartOutcome::Open;
+    return error == store::kQuitProgram ? StartOutcome::Quit : StartOutcome::ShowMenuDB;
+}
+
+void ShowUnsuccessful(store::Session& session) {
+    session.ports.prompter.Ask(MessageBox(97, BoxIcon::Warning));
+}
+
+/// Makes the default file in its folder, asking for nothing but the passphrase.
+StartOutcome MakeDefaultFile(store::Session& session, const Environment& environment) {
+    std::error_code error;
+    fs::create_directories(DefaultFolder(environment), error);
+    if (error) {
+        store::TellFailure(session, store::EngineNumber::NoPermission);
+        return StartOutcome::ShowMenuDB;
+    }
+    session.DatabasePath = DefaultFile(environment);
+    session.DefaultPathChosen = true;
+    return OutcomeOf(store::NewDatabase(session));
+}
+
+}  // namespace
+
+fs::path DefaultFolder(const Environment& environment) {
+    return environment.documentsFolder / "Brindlemere";
+}
+
+fs::path DefaultFile(const Environment& environment) {
+    return DefaultFolder(environment) / "PersonalData.bmr";
+}
+
+StartOutcome Start(store::Session& session, const Environment& environment) {
+    const std::string recent = session.ports.registry.Read("MostRecentFiles/1");
+    const fs::path path(std::u8string(recent.begin(), recent.end()));
+    const int unusable = store::TestOpen(session, path);
+    if (unusable == 0) return OutcomeOf(store::OpenDatabaseFile(session));
+
+    std::error_code ignored;  // a folder that cannot be looked at is none of ours
+    if (recent.empty() && !fs::exists(DefaultFolder(environment), ignored)) {
+        Box box = MessageBox(160, BoxIcon::Question);
+        box.buttons = Buttons::YesNo;
+        box.standard = Answer::No;
+        if (session.ports.prompter.Ask(box) == Answer::No) return MakeDefaultFile(session, environment);
+        return StartOutcome::ShowMenuDB;
+    }
+    // A file that has gone is no news worth a box, and a damaged one was told; any other cause is.
+    if (unusable > 0 && unusable != store::EngineNumber::NotFound && unusable != store::EngineNumber::Damaged)
+        store::TellFailure(session, unusable);
+    return StartOutcome::ShowMenuDB;
+}
+
+StartOutcome MenuNewDB(store::Session& session) {
+    return OutcomeOf(store::NewDatabase(session));
+}
+
+StartOutcome MenuOldDB(store::Session& session) {
+    if (store::OpenFileDialog(session) != 0) return StartOutcome::ShowMenuDB;
+    const int error = store::OpenDatabaseFile(session);
+    if (error == 0) return StartOutcome::Open;
+    if (error != store::kQuitProgram) ShowUnsuccessful(session);
+    return StartOutcome::Quit;
+}
+
+StartOutcome EndStart(store::Session& session) {
+    if (session.DatabaseOpen) return StartOutcome::Open;
+    ShowUnsuccessful(session);
+    return StartOutcome::Empty;
+}
+
+}  // namespace bmr::shell

@@ -28,6 +28,10 @@ std::int64_t Database::RecordsAffected() const {
     return impl_->affected;
 }
 
+std::int64_t Database::ChangeCount() const {
+    return sqlite3_total_changes64(impl_->engine->handle());
+}
+
 int Database::Execute(std::string_view statement) {
     Engine& engine = *impl_->engine;
     impl_->affected = 0;

@@ -49,6 +49,10 @@ class Database {
     /// Rows that the last `Execute` changed.
     std::int64_t RecordsAffected() const;
 
+    /// Rows changed since the file was opened, whatever became of their transactions: equal counts mean that
+    /// nothing was written in between.
+    std::int64_t ChangeCount() const;
+
     /// `text` is "tt" or a statement. A dynaset of "tt" is opened in constant time: rows are found by
     /// `FindFirst`.
     Result<std::unique_ptr<Recordset>> OpenRecordset(std::string_view text,

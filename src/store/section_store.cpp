@@ -24,7 +24,8 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
                       const std::function<int(Recordset& row, bool added)>& fill,
                       const std::function<int(std::int32_t fPK, bool added)>& after) {
     StoreOutcome outcome;
-    const auto fail = [&outcome](int error) {
+    const auto fail = [&outcome, &session](int error) {
+        session.bucketOrder.Clear();  // it may know of rows that are being rolled back
         outcome = {.error = error};
         return outcome;
     };

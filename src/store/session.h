@@ -10,6 +10,7 @@
 #include "base/random.h"
 #include "crypto/cry.h"
 #include "crypto/secret.h"
+#include "store/bucketorder.h"
 #include "store/db.h"
 #include "store/startvariables.h"
 
@@ -78,6 +79,8 @@ struct Session {
     UserLabels userLabels = BuiltInUserLabels();
     CurrentUser user;
     PinRecord pin;
+
+    BucketOrder bucketOrder;
 
     /// While false, private records are left out of all lists. False until the settings are read, then the
     /// stored value; stored with the settings.

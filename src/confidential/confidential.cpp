@@ -1,0 +1,174 @@
+#include "confidential/confidential.h"
+
+#include "base/languageus.h"
+#include "store/indices.h"
+#include "store/privatefilter.h"
+#include "store/record_get.h"
+#include "store/record_put.h"
+
+namespace bmr::confidential {
+namespace {
+
+using store::FieldTag;
+using store::Recordset;
+using store::Section;
+using store::Session;
+
+constexpr store::NoiseColumns kNoise{.t2 = true, .t3 = true, .r3 = true, .r4 = true};
+constexpr std::size_t kFieldCount = 9;
+
+void Touch(Session& session, Record& record) {
+    record.userNumber = session.user.UserNumber;
+    record.dateLastModified = {static_cast<double>(session.ports.clock.Today().serial)};
+}
+
+void FillRow(Session& session, Recordset& row, const Record& record, bool added, bool renamed) {
+    Bytes payload = EncodeConfidentialRecord(session, record);
+    row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));
+    cry::WipeString(payload);
+    if (added) row.SetField("fG1", record.kind);
+    row.SetField("fT1", cry::FieldCipher(session.cipher, 1, record.n[0]));
+    if (renamed) row.SetField("fR2", store::BucketKey(record.n[0], session.ports.random));
+    store::FillColumns(row, kNoise, session.ports.random);
+}
+
+std::string OrderedStatement(const std::string& columns, std::int32_t kind) {
+    return "SELECT " + columns + " FROM tt WHERE fSec=16 And fG1=" + std::to_string(kind) + " ORDER BY " +
+           store::kBucketColumn + ", fR1" + store::kOwnerAccess;
+}
+
+}  // namespace
+
+Bytes EncodeConfidentialRecord(Session& session, const Record& record) {
+    RandomSource& random = session.ports.random;
+    Bytes payload;
+    const auto add = [&](RecordField field, const Value& value, FieldTag tag) {
+        if (!IsBlank(value))
+            store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
+    };
+    for (std::size_t i = 0; i < record.n.size(); ++i)
+        add(static_cast<RecordField>(i), record.n[i], FieldTag::Text);
+    add(RecordField::notes, record.notes, FieldTag::Memo);
+    add(RecordField::DateLastModified, record.dateLastModified, FieldTag::Date);
+    add(RecordField::Private, record.isPrivate, FieldTag::Boolean);
+    add(RecordField::UserName, std::int32_t{record.userNumber}, FieldTag::Byte);
+    return payload;
+}
+
+void DecodeConfidentialRecord(Session& session, std::string_view fEtx, Record& record) {
+    std::vector<Value> fields(kFieldCount);
+    store::DecodeRecord(fields, fEtx, true, session.cipher);
+    for (std::size_t i = 0; i < record.n.size(); ++i)
+        record.n[i] = TextOf(fields[i]);
+    record.notes = TextOf(fields[static_cast<std::size_t>(RecordField::notes)]);
+    const auto* date =
+        std::get_if<DateValue>(&fields[static_cast<std::size_t>(RecordField::DateLastModified)]);
+    record.dateLastModified = date ? *date : DateValue{};
+    const auto* flag = std::get_if<bool>(&fields[static_cast<std::size_t>(RecordField::Private)]);
+    record.isPrivate = flag ? *flag : true;
+    record.userNumber =
+        static_cast<std::uint8_t>(NumberOf(fields[static_cast<std::size_t>(RecordField::UserName)]));
+    for (Value& field : fields)
+        if (auto* text = std::get_if<Bytes>(&field)) cry::WipeString(*text);
+}
+
+std::optional<Record> FetchRecord(Session& session, std::int32_t key) {
+    const auto row = store::FetchRow(session, Section::Confidential, key);
+    if (!row) return std::nullopt;
+    Record record;
+    record.key = key;
+    record.kind = NumberOf(row->Field("fG1"));
+    DecodeConfidentialRecord(session, TextOf(row->Field("fEtx")), record);
+    return record;
+}
+
+int SaveRecord(Session& session, Record& record) {
+    Touch(session, record);
+    bool renamed = false;
+    const auto fill = [&](Recordset& row, bool added) {
+        Bytes before = added ? Bytes() : cry::FieldCipher(session.cipher, 2, TextOf(row.Field("fT1")));
+        renamed = before != TrimBlanks(record.n[0]);
+        cry::WipeString(before);
+        FillRow(session, row, record, added, renamed);
+        return 0;
+    };
+    const auto place = [&](std::int32_t fPK, bool) {
+        return renamed ? store::BucketPosition(session, Section::Confidential, fPK, record.n[0]) : 0;
+    };
+    const store::StoreOutcome outcome =
+        store::StoreRow(session, Section::Confidential, record.key, fill, place);
+    if (outcome.error == 0) record.key = outcome.fPK;
+    return outcome.error;
+}
+
+int AddRecords(Session& session, std::vector<Record>& records) {
+    store::Transaction transaction(*session.ProgramDb);
+    std::vector<Bytes> names;
+    names.reserve(records.size());
+    for (const Record& record : records)
+        names.push_back(record.n[0]);
+    std::vector<std::int32_t> positions;
+    int error = store::SpreadBuckets(session, Section::Confidential, names, positions);
+    for (Bytes& name : names)
+        cry::WipeString(name);
+    if (error != 0) return error;
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    std::vector<std::int32_t> keys(records.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        Touch(session, records[i]);
+        Recordset& row = **table;
+        const bool named = !TrimBlanks(records[i].n[0]).empty();
+        row.AddNew();
+        row.SetField("fSec", std::int32_t{Section::Confidential});
+        row.SetField("AE", 1);
+        FillRow(session, row, records[i], true, named);
+        if (named) row.SetField("fR1", positions[i]);
+        if (error = row.Update(); error != 0) return error;
+        keys[i] = NumberOf(row.Field("fPK"));
+    }
+    if (error = transaction.Commit(); error != 0) return error;
+    for (std::size_t i = 0; i < records.size(); ++i)
+        records[i].key = keys[i];
+    return 0;
+}
+
+std::string ConfidentialListSql(std::int32_t kind) {
+    return OrderedStatement(std::string("fPK, fEtx,fT1, fR1, ") + store::kBucketColumn + " AS X, fG1", kind);
+}
+
+Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kind) {
+    std::unordered_set<std::int32_t> hidden;
+    if (!session.ShowPrivate) {
+        auto found =
+            store::PrivateRecords(session, Section::Confidential, " And fG1=" + std::to_string(kind));
+        if (!found) return found.error();
+        hidden = std::move(*found);
+    }
+    // The rows and the order of the told statement, without carrying the texts through the engine's sort.
+    auto cursor = session.ProgramDb->Select(OrderedStatement("fPK", kind));
+    if (!cursor) return cursor.error();
+    std::vector<std::int32_t> keys;
+    while (cursor->Next())
+        if (!hidden.contains(cursor->Int(0))) keys.push_back(cursor->Int(0));
+    if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
+    return keys;
+}
+
+Bytes RecordName(Session& session, std::int32_t fPK) {
+    auto cursor = session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) +
+                                            store::kOwnerAccess);
+    return cursor && cursor->Next() ? cry::FieldCipher(session.cipher, 2, cursor->Bytes(0)) : Bytes();
+}
+
+std::string DeleteRecordText(std::string_view name) {
+    return Msg(79) + "\r\n\r\n   " + ToUtf8(name);
+}
+
+void WipeRecord(Record& record) {
+    for (Bytes& text : record.n)
+        cry::WipeString(text);
+    cry::WipeString(record.notes);
+}
+
+}  // namespace bmr::confidential

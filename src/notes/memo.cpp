@@ -1,0 +1,186 @@
+#include "notes/memo.h"
+
+#include "base/languageus.h"
+#include "store/categories.h"
+#include "store/indices.h"
+#include "store/privatefilter.h"
+#include "store/record_get.h"
+#include "store/record_put.h"
+
+namespace bmr::notes {
+namespace {
+
+using store::FieldTag;
+using store::Recordset;
+using store::Section;
+using store::Session;
+
+constexpr store::NoiseColumns kNoise{.t2 = true, .t3 = true, .r3 = true, .r4 = true};
+
+Bytes EncodeMemo(Session& session, const Memo& memo) {
+    RandomSource& random = session.ports.random;
+    Bytes payload;
+    const auto add = [&](MemoField field, const Value& value, FieldTag tag) {
+        store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
+    };
+    add(MemoField::UserNumber, std::int32_t{memo.userNumber}, FieldTag::Byte);
+    add(MemoField::Private, memo.isPrivate, FieldTag::Boolean);
+    add(MemoField::DateCreated, memo.dateCreated, FieldTag::Date);
+    add(MemoField::DateLastModified, memo.dateLastModified, FieldTag::Date);
+    add(MemoField::Subject, memo.subject, FieldTag::Text);
+    add(MemoField::Memo, memo.body, FieldTag::Memo);
+    return payload;
+}
+
+/// Sets every column but the place in the alphabet's `fR1`.
+void FillMemoRow(Session& session, Recordset& row, Memo& memo, bool renamed) {
+    Bytes payload = EncodeMemo(session, memo);
+    row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));
+    cry::WipeString(payload);
+    row.SetField("fG1", memo.category);
+    if (renamed) {
+        row.SetField("fT1", cry::FieldCipher(session.cipher, 1, memo.subject));
+        row.SetField("fR2", store::BucketKey(memo.subject, session.ports.random));
+    }
+    store::FillColumns(row, kNoise, session.ports.random);
+}
+
+void Touch(Session& session, Memo& memo) {
+    memo.userNumber = session.user.UserNumber;
+    memo.dateLastModified = {static_cast<double>(session.ports.clock.Today().serial)};
+}
+
+DateValue DateOf(const Value& value) {
+    const auto* date = std::get_if<DateValue>(&value);
+    return date ? *date : DateValue{};
+}
+
+/// The list's rows in alphabetical order. Only plain columns: with texts in it the engine would carry every
+/// body through its sort.
+std::string OrderedKeys(const std::string& columns, const std::string& clauses) {
+    return "SELECT " + columns + " FROM tt WHERE fSec=14" + clauses + " ORDER BY " + store::kBucketColumn +
+           ", fR1" + store::kOwnerAccess;
+}
+
+}  // namespace
+
+Memo ClearMemo(Session& session, std::int32_t category) {
+    Memo memo;
+    memo.dateCreated = {static_cast<double>(session.ports.clock.Today().serial)};
+    memo.dateLastModified = memo.dateCreated;
+    memo.category = store::RealCategory(category);
+    return memo;
+}
+
+bool ReadMemo(Session& session, const Recordset& row, Memo& memo) {
+    std::vector<Value> fields(6);
+    store::DecodeRecord(fields, TextOf(row.Field("fEtx")), true, session.cipher);
+    const auto at = [&fields](MemoField field) -> const Value& {
+        return fields[static_cast<std::size_t>(field)];
+    };
+    memo.key = NumberOf(row.Field("fPK"), store::kNewRecord);
+    memo.category = NumberOf(row.Field("fG1"));
+    memo.userNumber = static_cast<std::uint8_t>(NumberOf(at(MemoField::UserNumber)));
+    const auto* flag = std::get_if<bool>(&at(MemoField::Private));
+    memo.isPrivate = flag ? *flag : true;
+    memo.dateCreated = DateOf(at(MemoField::DateCreated));
+    memo.dateLastModified = DateOf(at(MemoField::DateLastModified));
+    memo.subject = TextOf(at(MemoField::Subject));
+    memo.body = TextOf(at(MemoField::Memo));
+    return flag != nullptr;
+}
+
+std::optional<Memo> FetchMemo(Session& session, std::int32_t key) {
+    const auto row = store::FetchRow(session, Section::Memo, key);
+    if (!row) return std::nullopt;
+    Memo memo;
+    ReadMemo(session, *row, memo);
+    return memo;
+}
+
+int WriteMemo(Session& session, Memo& memo) {
+    Touch(session, memo);
+    bool renamed = true;
+    const auto fill = [&](Recordset& row, bool added) {
+        if (!added) {
+            Bytes before = cry::FieldCipher(session.cipher, 2, TextOf(row.Field("fT1")));
+            renamed = before != TrimBlanks(memo.subject);
+            cry::WipeString(before);
+        }
+        FillMemoRow(session, row, memo, renamed);
+        return 0;
+    };
+    const auto place = [&](std::int32_t fPK, bool) {
+        return renamed ? store::BucketPosition(session, Section::Memo, fPK, memo.subject) : 0;
+    };
+    const store::StoreOutcome outcome = store::StoreRow(session, Section::Memo, memo.key, fill, place);
+    if (outcome.error != 0) return outcome.error;
+    memo.key = outcome.fPK;
+    session.CalendarDirty = true;
+    return 0;
+}
+
+int AddMemos(Session& session, std::vector<Memo>& memos) {
+    store::Transaction transaction(*session.ProgramDb);
+    std::vector<Bytes> subjects;
+    subjects.reserve(memos.size());
+    for (const Memo& memo : memos)
+        subjects.push_back(memo.subject);
+    std::vector<std::int32_t> positions;
+    int error = store::SpreadBuckets(session, Section::Memo, subjects, positions);
+    for (Bytes& subject : subjects)
+        cry::WipeString(subject);
+    if (error != 0) return error;
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    std::vector<std::int32_t> keys(memos.size());
+    for (std::size_t i = 0; i < memos.size(); ++i) {
+        Touch(session, memos[i]);
+        Recordset& row = **table;
+        row.AddNew();
+        row.SetField("fSec", std::int32_t{Section::Memo});
+        row.SetField("AE", 1);
+        FillMemoRow(session, row, memos[i], true);
+        row.SetField("fR1", positions[i]);
+        if (error = row.Update(); error != 0) return error;
+        keys[i] = NumberOf(row.Field("fPK"));
+    }
+    if (error = transaction.Commit(); error != 0) return error;
+    for (std::size_t i = 0; i < memos.size(); ++i)
+        memos[i].key = keys[i];
+    session.CalendarDirty = true;
+    return 0;
+}
+
+Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category) {
+    const std::string clauses = store::CategoryClause(category);
+    std::unordered_set<std::int32_t> hidden;
+    if (!session.ShowPrivate) {
+        auto found = store::PrivateRecords(session, Section::Memo, clauses);
+        if (!found) return found.error();
+        hidden = std::move(*found);
+    }
+    auto cursor = session.ProgramDb->Select(OrderedKeys("fPK, fG1", clauses));
+    if (!cursor) return cursor.error();
+    std::vector<MemoRow> rows;
+    while (cursor->Next())
+        if (!hidden.contains(cursor->Int(0))) rows.push_back({cursor->Int(0), cursor->Int(1)});
+    if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
+    return rows;
+}
+
+Bytes MemoSubject(Session& session, std::int32_t fPK) {
+    auto cursor = session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) +
+                                            store::kOwnerAccess);
+    return cursor && cursor->Next() ? cry::FieldCipher(session.cipher, 2, cursor->Bytes(0)) : Bytes();
+}
+
+std::string DeleteMemoText(std::string_view subject) {
+    return Msg(27) + " \r\n\r\n   " + ToUtf8(subject);
+}
+
+int DeleteMemos(Session& session, std::int32_t category) {
+    return store::DeleteRows(session, Section::Memo, store::CategoryClause(category));
+}
+
+}  // namespace bmr::notes

@@ -1,0 +1,237 @@
+#include "store/indices.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <unordered_map>
+
+#include "crypto/conversion.h"
+#include "crypto/cry.h"
+#include "store/db.h"
+#include "store/section_store.h"
+
+namespace bmr::store {
+namespace {
+
+std::string BucketStatement(std::uint8_t section, const SpreadRange& bounds, const std::string& columns) {
+    return "SELECT " + columns + " FROM tt WHERE ([fR2] Between " + std::to_string(bounds.low) + " And " +
+           std::to_string(bounds.high) + ") AND (fSec=" + std::to_string(section) + ") ORDER BY fR1" +
+           kOwnerAccess;
+}
+
+Result<std::vector<BucketRow>> ReadBucket(Database& db, std::uint8_t section, const SpreadRange& bounds) {
+    auto cursor = db.Select(BucketStatement(section, bounds, "fPK, fR1"));
+    if (!cursor) return cursor.error();
+    std::vector<BucketRow> rows;
+    while (cursor->Next())
+        rows.push_back({cursor->Int(0), cursor->Int(1)});
+    if (cursor->error() != 0) return Error{cursor->error(), db.LastError()};
+    return rows;
+}
+
+/// The rows of the text's bucket without `own`, from memory where the memory still holds.
+Result<std::vector<BucketRow>*> OrderedBucket(Session& session, std::uint8_t section,
+                                              const SpreadRange& bounds, std::int32_t own) {
+    BucketOrder& order = session.bucketOrder;
+    // The one change that may have come since is the store of the row itself.
+    if (order.changes < 0 || session.ProgramDb->ChangeCount() != order.changes + 1) order.Clear();
+    for (auto& [key, rows] : order.buckets) {
+        if (key.first != section) continue;
+        std::erase_if(rows, [own](const BucketRow& row) { return row.fPK == own; });
+    }
+    const auto found = order.buckets.find({section, bounds.low});
+    if (found != order.buckets.end()) return &found->second;
+    auto rows = ReadBucket(*session.ProgramDb, section, bounds);
+    if (!rows) return rows.error();
+    std::erase_if(*rows, [own](const BucketRow& row) { return row.fPK == own; });
+    return &(order.buckets[{section, bounds.low}] = std::move(*rows));
+}
+
+Bytes TextOfRow(Session& session, std::int32_t fPK) {
+    auto cursor =
+        session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) + kOwnerAccess);
+    if (!cursor || !cursor->Next()) return {};
+    return cry::FieldCipher(session.cipher, 2, cursor->Bytes(0));
+}
+
+int WritePosition(Recordset& table, std::int32_t fPK, std::int32_t position, bool mark) {
+    table.FindFirst("fPK=" + std::to_string(fPK));
+    if (table.NoMatch()) return -31;
+    table.Edit();
+    table.SetField("fR1", position);
+    if (mark) table.SetField("AE", NumberOf(table.Field("AE")) | 2);
+    return table.Update();
+}
+
+std::int32_t EvenPosition(std::size_t place, std::size_t count, const SpreadRange& bounds,
+                          RandomSource& random) {
+    return SpreadIndex(static_cast<std::int32_t>(place) * kSortSpread,
+                       static_cast<std::int32_t>(count) * kSortSpread, bounds.low, bounds.high, random)
+        .value;
+}
+
+/// Spreads the rows of a bucket evenly and writes each; `own` is new and carries its mark already.
+int RespreadBucket(Session& session, std::vector<BucketRow>& rows, const SpreadRange& bounds,
+                   std::int32_t own) {
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    for (std::size_t place = 0; place < rows.size(); ++place) {
+        rows[place].position = EvenPosition(place, rows.size(), bounds, session.ports.random);
+        const bool mark = rows[place].fPK != own;
+        if (const int error = WritePosition(**table, rows[place].fPK, rows[place].position, mark); error != 0)
+            return error;
+    }
+    return 0;
+}
+
+/// A row of a bucket that is being merged: one that stands in the file, or number `index` of the new ones.
+struct MergedRow {
+    Bytes text;
+    std::int32_t fPK = kNewRecord;
+    std::size_t index = 0;
+};
+
+int AppendStandingRows(Session& session, std::uint8_t section, const SpreadRange& bounds,
+                       std::vector<MergedRow>& merged) {
+    auto cursor = session.ProgramDb->Select(BucketStatement(section, bounds, "fPK, fT1"));
+    if (!cursor) return cursor.error().number;
+    std::vector<std::int32_t> keys;
+    std::vector<Bytes> ciphered;
+    while (cursor->Next()) {
+        keys.push_back(cursor->Int(0));
+        ciphered.emplace_back(cursor->Bytes(1));
+    }
+    const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
+    cry::DecipherBatch(session.cipher, views, [&](std::size_t i, std::string_view plain) {
+        merged.push_back({Bytes(TrimBlanks(plain)), keys[i], 0});
+    });
+    return cursor->error();
+}
+
+}  // namespace
+
+std::int32_t BucketOfKey(std::int32_t key) {
+    return static_cast<std::int32_t>(
+        std::floor(key / (std::pow(2.0, 32) / kSortBuckets) + kSortBuckets / 2.0));
+}
+
+SpreadRange BucketBounds(std::string_view text) {
+    return SpreadIndexAt(conversion::NameKey(TrimBlanks(text), false), kSortBuckets, 0, kMaxLong, 0.5);
+}
+
+std::int32_t BucketKey(std::string_view text, RandomSource& random) {
+    const std::int32_t bucket = conversion::NameKey(TrimBlanks(text), false);
+    for (;;) {
+        const SpreadRange drawn = SpreadIndex(bucket, kSortBuckets, 0, kMaxLong, random);
+        if (drawn.value <= drawn.high && BucketOfKey(drawn.value) == BucketOfKey(drawn.high))
+            return drawn.value;
+    }
+}
+
+std::optional<std::int32_t> PositionBetween(const std::vector<BucketRow>& rows, std::size_t place,
+                                            const SpreadRange& bounds, RandomSource& random) {
+    const std::int64_t above = place == 0 ? std::int64_t{bounds.low} - 1 : rows[place - 1].position;
+    const std::int64_t below = place == rows.size() ? std::int64_t{bounds.high} + 1 : rows[place].position;
+    const std::int64_t low = std::max<std::int64_t>(above + 1, bounds.low);
+    const std::int64_t high = std::min<std::int64_t>(below - 1, bounds.high);
+    if (low > high) return std::nullopt;
+    if (rows.empty()) {
+        const std::int32_t anywhere = SpreadIndex(0, 1, bounds.low, bounds.high, random).value;
+        return std::clamp(anywhere, bounds.low, bounds.high);
+    }
+    const auto slots = static_cast<std::int32_t>(rows.size() + 1) * kSortSpread;
+    const std::int32_t told =
+        SpreadIndex(static_cast<std::int32_t>(place) * kSortSpread, slots, bounds.low, bounds.high, random)
+            .value;
+    if (told >= low && told <= high) return told;
+    // The middle half of the gap: points at its very edge would leave no room for the next row.
+    const std::int64_t width = high - low;
+    const auto offset =
+        static_cast<std::int64_t>(static_cast<double>(width) * (0.25 + 0.5 * random.Uniform()));
+    return static_cast<std::int32_t>(low + offset);
+}
+
+int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK, std::string_view text) {
+    const std::string_view plain = TrimBlanks(text);
+    const SpreadRange bounds = BucketBounds(plain);
+    auto ordered = OrderedBucket(session, section, bounds, fPK);
+    if (!ordered) return ordered.error().number;
+    std::vector<BucketRow>& rows = **ordered;
+
+    const std::size_t place = FindBucketPlace(
+        rows, plain, [&session](const BucketRow& row) { return TextOfRow(session, row.fPK); });
+    const auto position = PositionBetween(rows, place, bounds, session.ports.random);
+    rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), {fPK, position.value_or(0)});
+
+    int error = 0;
+    if (position) {
+        auto table = session.ProgramDb->OpenRecordset("tt");
+        error = table ? WritePosition(**table, fPK, *position, false) : table.error().number;
+    } else {
+        error = RespreadBucket(session, rows, bounds, fPK);
+    }
+    if (error != 0)
+        session.bucketOrder.Clear();
+    else
+        session.bucketOrder.changes = session.ProgramDb->ChangeCount();
+    return error;
+}
+
+int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Bytes>& texts,
+                  std::vector<std::int32_t>& positions) {
+    session.bucketOrder.Clear();
+    positions.assign(texts.size(), 0);
+    std::map<std::int32_t, std::vector<MergedRow>> byBucket;
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        byBucket[BucketBounds(texts[i]).low].push_back({Bytes(TrimBlanks(texts[i])), kNewRecord, i});
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    for (auto& [low, merged] : byBucket) {
+        const SpreadRange bounds = BucketBounds(merged.front().text);
+        if (const int error = AppendStandingRows(session, section, bounds, merged); error != 0) return error;
+        std::stable_sort(merged.begin(), merged.end(),
+                         [](const MergedRow& a, const MergedRow& b) { return a.text < b.text; });
+        for (std::size_t place = 0; place < merged.size(); ++place) {
+            MergedRow& row = merged[place];
+            const std::int32_t position = EvenPosition(place, merged.size(), bounds, session.ports.random);
+            cry::WipeString(row.text);
+            if (row.fPK == kNewRecord)
+                positions[row.index] = position;
+            else if (const int error = WritePosition(**table, row.fPK, position, true); error != 0)
+                return error;
+        }
+    }
+    return 0;
+}
+
+std::vector<std::int32_t> FindDisorder(Session& session, std::uint8_t section) {
+    struct Place {
+        std::int32_t fPK, key;
+    };
+    std::vector<Place> places;
+    std::vector<Bytes> ciphered;
+    auto cursor =
+        session.ProgramDb->Select("SELECT fPK, fR2, fT1 FROM tt WHERE fSec=" + std::to_string(section) +
+                                  " ORDER BY " + kBucketColumn + ", fR1" + kOwnerAccess);
+    if (!cursor) return {};
+    while (cursor->Next()) {
+        places.push_back({cursor->Int(0), cursor->Int(1)});
+        ciphered.emplace_back(cursor->Bytes(2));
+    }
+    std::vector<std::int32_t> wrong;
+    std::unordered_map<std::int32_t, Bytes> lastOfBucket;
+    const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
+    cry::DecipherBatch(session.cipher, views, [&](std::size_t i, std::string_view plain) {
+        const Bytes text(TrimBlanks(plain));
+        const SpreadRange bounds = BucketBounds(text);
+        // A record without a name never got keys; it stays at 0, which is the empty name's bucket.
+        const bool inside = places[i].key >= bounds.low && places[i].key <= bounds.high;
+        const auto last = lastOfBucket.find(bounds.low);
+        if (!inside || (last != lastOfBucket.end() && text < last->second)) wrong.push_back(places[i].fPK);
+        lastOfBucket[bounds.low] = text;
+    });
+    return wrong;
+}
+
+}  // namespace bmr::store

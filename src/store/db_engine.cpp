@@ -32,6 +32,10 @@ const char* WordsForPath(int number) {
                                             : "This is no file that may be opened.";
 }
 
+std::filesystem::path PathOf(const std::string& utf8) {
+    return std::u8string(utf8.begin(), utf8.end());
+}
+
 /// The extended code, which an exception of our own lacks.
 int CodeOf(const SQLite::Exception& error) {
     return error.getExtendedErrorCode() > 0 ? error.getExtendedErrorCode() : error.getErrorCode();
@@ -121,8 +125,12 @@ void Engine::Configure(Purpose purpose) {
 void Engine::LockAndTest(Purpose purpose) {
     // The lock is taken now, not at the first save; a journal that was left is rolled back under it.
     db_->exec("BEGIN EXCLUSIVE");
-    if (purpose == Purpose::Use) TestSchema("main");
-    db_->exec("COMMIT");
+    RemoveColdJournal();
+    if (purpose == Purpose::Use) {
+        TestSize();
+        TestSchema("main");
+    }
+    db_->exec("ROLLBACK");  // the lock stays; a commit would already correct the header of a damaged file
     const std::string mode = db_->execAndGet("PRAGMA journal_mode").getString();
     if (mode != "delete" && purpose == Purpose::Use) {
         db_->exec("PRAGMA journal_mode=DELETE");
@@ -132,6 +140,26 @@ void Engine::LockAndTest(Purpose purpose) {
     db_->exec(
         "PRAGMA synchronous=EXTRA; PRAGMA secure_delete=ON; PRAGMA journal_size_limit=0;"
         "PRAGMA cache_size=-8000; PRAGMA mmap_size=0");
+}
+
+// A program that was killed between two saves leaves an empty journal. Nothing is to be rolled back from it,
+// but it would lie beside the file for good. It is only taken away while the lock is held and the library has
+// it not open.
+void Engine::RemoveColdJournal() {
+    sqlite3_file* journal = nullptr;
+    sqlite3_file_control(handle(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &journal);
+    if (journal == nullptr || journal->pMethods != nullptr) return;
+    std::error_code ignored;
+    std::filesystem::remove(PathOf(db_->getFilename() + "-journal"), ignored);
+}
+
+/// The library reads on where the last page is cut, as if zeros stood there.
+void Engine::TestSize() {
+    const int page = db_->execAndGet("PRAGMA page_size").getInt();
+    std::error_code error;
+    const auto size = std::filesystem::file_size(PathOf(db_->getFilename()), error);
+    if (!error && size % static_cast<unsigned>(page) != 0)
+        throw SQLite::Exception("The file has been cut short.", SQLITE_NOTADB);
 }
 
 /// A file without the table `tt`, or with one of another shape, counts as damaged.
@@ -264,7 +292,7 @@ int Engine::Write(Query& query) {
 }
 
 int Engine::Attach(const std::string& path) {
-    const std::filesystem::path file(std::u8string(path.begin(), path.end()));
+    const std::filesystem::path file = PathOf(path);
     if (const int number = TestPath(file)) return Fail(number, WordsForPath(number));
     const std::string full = EnginePath(file);
     if (attached_ == full) return 0;

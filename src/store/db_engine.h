@@ -74,6 +74,8 @@ class Engine : public std::enable_shared_from_this<Engine> {
     Engine() = default;
     void Configure(Purpose purpose);
     void LockAndTest(Purpose purpose);
+    void RemoveColdJournal();
+    void TestSize();
     void TestSchema(const std::string& schema);
     std::int64_t Count(const IndexRange& range, std::int64_t limit);
     std::int64_t CountAll();

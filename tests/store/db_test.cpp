@@ -47,8 +47,9 @@ using Ints = std::vector<std::int32_t>;
 TEST(Store, NewFileHasTheTableAndNothingElse) {
     const TempFolder folder;
     const auto path = folder / "a.bmr";
-    ::umask(0);
+    const auto usual = ::umask(0);
     ASSERT_EQ(CreateStore(path), 0);
+    ::umask(usual);
     struct stat status {};
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600U);

@@ -56,8 +56,9 @@ StartOutcome Start(store::Session& session, const Environment& environment) {
         Box box = MessageBox(160, BoxIcon::Question);
         box.buttons = Buttons::YesNo;
         box.standard = Answer::No;
-        if (session.ports.prompter.Ask(box) == Answer::No) return MakeDefaultFile(session, environment);
-        return StartOutcome::ShowMenuDB;
+        const Answer answer = session.ports.prompter.Ask(box);
+        if (session.ending) return StartOutcome::Quit;  // the end of the program is no consent
+        return answer == Answer::No ? MakeDefaultFile(session, environment) : StartOutcome::ShowMenuDB;
     }
     // A file that has gone is no news worth a box, and a damaged one was told; any other cause is.
     if (unusable > 0 && unusable != store::EngineNumber::NotFound && unusable != store::EngineNumber::Damaged)

@@ -10,7 +10,7 @@
 
 namespace bmr::app {
 
-frmMenuDB::frmMenuDB(Step newDatabase, Step oldDatabase, QWidget* parent) : QDialog(parent) {
+frmMenuDB::frmMenuDB(Step newDatabase, Step oldDatabase, bool hadOne, QWidget* parent) : QDialog(parent) {
     setObjectName("frmMenuDB");
     setWindowTitle("Brindlemere");
     auto* heading = new QLabel(tr("Which database?"), this);
@@ -40,8 +40,9 @@ frmMenuDB::frmMenuDB(Step newDatabase, Step oldDatabase, QWidget* parent) : QDia
     for (ChoiceButton* button : {cmdNewDB, cmdOldDB, cmdCancel})
         column->addWidget(button);
     column->setSizeConstraint(QLayout::SetFixedSize);
-    cmdOldDB->setDefault(true);
-    cmdOldDB->setFocus();
+    ChoiceButton* likely = hadOne ? cmdOldDB : cmdNewDB;
+    likely->setDefault(true);
+    likely->setFocus();
 }
 
 void frmMenuDB::Try(const Step& step) {

@@ -14,7 +14,8 @@ class frmMenuDB final : public QDialog {
     /// What follows a choice; true hides the form, false leaves it for another choice.
     using Step = std::function<bool()>;
 
-    frmMenuDB(Step newDatabase, Step oldDatabase, QWidget* parent = nullptr);
+    /// Return opens another database where there has been one before, and makes one else.
+    frmMenuDB(Step newDatabase, Step oldDatabase, bool hadOne, QWidget* parent = nullptr);
 
   private:
     void Try(const Step& step);

@@ -2,7 +2,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QGridLayout>
 #include <QLabel>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "app/choicebutton.h"
@@ -49,12 +51,12 @@ frmSplash::frmSplash(QWidget* parent) : QWidget(parent) {
     lblFile->setWordWrap(true);
     lblFile->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     lblFile->setForegroundRole(QPalette::PlaceholderText);
-    choices_ = new QVBoxLayout;
+    choices_ = new QGridLayout;
     choices_->setSpacing(kit::Space::Row);
 
     auto* panel = new QWidget(this);
-    panel->setMinimumWidth(440);
     auto* column = new QVBoxLayout(panel);
+    column->addStrut(480);
     column->setSpacing(kit::Space::Row);
     column->addWidget(picture, 0, Qt::AlignHCenter);
     column->addWidget(lblHeading, 0, Qt::AlignHCenter);
@@ -62,10 +64,20 @@ frmSplash::frmSplash(QWidget* parent) : QWidget(parent) {
     column->addSpacing(kit::Space::Row);
     column->addLayout(choices_);
 
-    auto* outer = new QGridLayout(this);
-    outer->setRowStretch(0, 2);  // a little above the middle is where the eye looks first
-    outer->addWidget(panel, 1, 0, Qt::AlignHCenter);
-    outer->setRowStretch(2, 3);
+    // Large letters and nine sections may want more room than a small screen has.
+    auto* area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    auto* content = new QWidget;
+    auto* middle = new QGridLayout(content);
+    middle->setRowStretch(0, 2);  // a little above the middle is where the eye looks first
+    middle->addWidget(panel, 1, 0, Qt::AlignHCenter);
+    middle->setRowStretch(2, 3);
+    area->setWidget(content);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(area);
     ShowNoDatabase();
 }
 
@@ -84,14 +96,25 @@ ChoiceButton* frmSplash::Add(const QString& name, const QIcon& icon, const QStri
                              const QString& sentence) {
     auto* button = new ChoiceButton(icon, title, sentence, this);
     button->setObjectName(name);
-    choices_->addWidget(button);
+    choices_->addWidget(button, choices_->count(), 0);
+    button->show();  // at once: a button that is not yet to be seen cannot take the focus
     return button;
+}
+
+void frmSplash::FocusFirst() {
+    if (QLayoutItem* first = choices_->itemAt(0)) first->widget()->setFocus(Qt::OtherFocusReason);
+}
+
+void frmSplash::ShowOpening() {
+    Clear();
+    lblHeading->setText("Brindlemere");
+    lblFile->clear();
 }
 
 void frmSplash::ShowNoDatabase() {
     Clear();
     lblHeading->setText(tr("No database open"));
-    lblFile->setText(tr("Everything is kept in one encrypted file. Open yours, or make a new one."));
+    lblFile->setText(tr("Everything is kept in one encrypted file."));
     connect(Add("cmdSplashNew", kit::Icon("document-new"), tr("&New database…"),
                 tr("An empty file behind a passphrase of your choice.")),
             &QPushButton::clicked, this, &frmSplash::NewChosen);
@@ -110,6 +133,26 @@ void frmSplash::ShowDatabase(const QString& path, const std::vector<std::uint8_t
                            SectionPurpose(code));
         connect(button, &QPushButton::clicked, this, [this, code] { emit SectionChosen(code); });
     }
+    Arrange();
+}
+
+void frmSplash::Arrange() {
+    QList<QWidget*> buttons;
+    int widest = 0;
+    while (QLayoutItem* item = choices_->takeAt(0)) {
+        buttons << item->widget();
+        widest = qMax(widest, item->widget()->sizeHint().width());
+        delete item;
+    }
+    const bool room = 2 * widest + kit::Space::Row <= width() - 2 * kit::Space::Group;
+    const qsizetype columns = buttons.size() > 4 && room ? 2 : 1;
+    for (qsizetype at = 0; at < buttons.size(); ++at)
+        choices_->addWidget(buttons[at], static_cast<int>(at / columns), static_cast<int>(at % columns));
+}
+
+void frmSplash::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    Arrange();
 }
 
 }  // namespace bmr::app

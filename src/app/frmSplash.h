@@ -5,7 +5,7 @@
 #include <vector>
 
 class QLabel;
-class QVBoxLayout;
+class QGridLayout;
 
 namespace bmr::app {
 
@@ -20,21 +20,31 @@ class frmSplash final : public QWidget {
     explicit frmSplash(QWidget* parent = nullptr);
 
     void ShowNoDatabase();
+    /// The program's name alone, behind the questions of an opening.
+    void ShowOpening();
     /// `sections` are the codes that can be opened.
     void ShowDatabase(const QString& path, const std::vector<std::uint8_t>& sections);
+
+    /// The first choice gets the focus, so that Return goes on.
+    void FocusFirst();
 
   signals:
     void NewChosen();
     void OpenChosen();
     void SectionChosen(std::uint8_t code);
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
     void Clear();
+    /// Two columns for many choices, where they have room.
+    void Arrange();
     ChoiceButton* Add(const QString& name, const QIcon& icon, const QString& title, const QString& sentence);
 
     QLabel* lblHeading;
     QLabel* lblFile;
-    QVBoxLayout* choices_;
+    QGridLayout* choices_;
 };
 
 /// What a section is for, in one short sentence.

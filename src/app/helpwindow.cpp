@@ -62,7 +62,7 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     browser_->setFocus();
 }
 
-void ShowAbout(QWidget* parent) {
+void ShowAbout(QWidget* parent, const QString& more) {
     QMessageBox box(parent);
     box.setObjectName("frmAbout");
     box.setWindowTitle(QMessageBox::tr("About Brindlemere"));
@@ -71,6 +71,7 @@ void ShowAbout(QWidget* parent) {
     box.setInformativeText(
         QMessageBox::tr("A personal information manager whose data lives in one encrypted file.\n\n"
                         "It works offline and keeps nothing elsewhere."));
+    if (!more.isEmpty()) box.setInformativeText(box.informativeText() + "\n\n" + more);
     box.exec();
 }
 

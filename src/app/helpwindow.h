@@ -20,7 +20,7 @@ class HelpWindow final : public QWidget {
     QTextBrowser* browser_;
 };
 
-/// Name, version, what the program is and under which terms it comes.
-void ShowAbout(QWidget* parent);
+/// Name, version, what the program is and what `more` adds.
+void ShowAbout(QWidget* parent, const QString& more);
 
 }  // namespace bmr::app

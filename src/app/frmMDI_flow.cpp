@@ -1,0 +1,319 @@
+// The main window's half that has to do with the database and its sections.
+#include <QApplication>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QStackedWidget>
+#include <QThread>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+#include <utility>
+
+#include "app/frmMDI.h"
+#include "app/frmMenuDB.h"
+#include "app/frmSplash.h"
+#include "app/helpwindow.h"
+#include "app/sectioncolumn.h"
+#include "app/start.h"
+#include "kit/icons.h"
+#include "shell/navigator.h"
+#include "store/keyrecords.h"
+#include "store/lifecycle.h"
+
+namespace bmr::app {
+
+namespace {
+
+using shell::StartOutcome;
+
+StartOutcome OutcomeOf(int error) {
+    if (error == 0) return StartOutcome::Open;
+    return error == store::kQuitProgram ? StartOutcome::Quit : StartOutcome::ShowMenuDB;
+}
+
+/// The file that the person named at the start.
+StartOutcome OpenNamed(store::Session& session, const std::filesystem::path& file) {
+    const int unusable = store::TestOpen(session, file);
+    if (unusable == 0) return OutcomeOf(store::OpenDatabaseFile(session));
+    if (unusable > 0) store::TellFailure(session, unusable);
+    return StartOutcome::ShowMenuDB;
+}
+
+/// Whether code of a form may stand below us on the stack, waiting for a dialog or a menu.
+bool DialogsUnwinding() {
+    return QApplication::activeModalWidget() || QApplication::activePopupWidget() ||
+           QThread::currentThread()->loopLevel() > 1;
+}
+
+}  // namespace
+
+void frmMDI::RunFlow(const std::function<void()>& flow) {
+    ++flows_;
+    flow();
+    --flows_;
+    if (flows_ == 0 && session_.ending) CloseAll();
+}
+
+void frmMDI::Start(const std::optional<std::filesystem::path>& file) {
+    splash_->ShowOpening();
+    RunFlow([&] { Settle(file ? OpenNamed(session_, *file) : shell::Start(session_, parts_.environment)); });
+}
+
+StartOutcome frmMDI::ShowMenuDB() {
+    StartOutcome outcome = StartOutcome::Quit;
+    const auto step = [&](StartOutcome (*choice)(store::Session&)) {
+        const StartOutcome came = choice(session_);
+        if (came != StartOutcome::ShowMenuDB) outcome = came;
+        return came != StartOutcome::ShowMenuDB;
+    };
+    const bool hadOne = !session_.ports.registry.Read("MostRecentFiles/1").empty();
+    frmMenuDB form([&] { return step(shell::MenuNewDB); }, [&] { return step(shell::MenuOldDB); }, hadOne,
+                   this);
+    if (!session_.ending) form.exec();
+    return outcome;
+}
+
+void frmMDI::Settle(StartOutcome outcome) {
+    if (outcome == StartOutcome::ShowMenuDB) outcome = ShowMenuDB();
+    if (outcome == StartOutcome::Open) outcome = shell::EndStart(session_);
+    if (session_.ending || outcome == StartOutcome::Quit)
+        QuitProgram();
+    else if (outcome == StartOutcome::Open)
+        Opened();
+    else
+        ShowWithoutDatabase();
+}
+
+void frmMDI::Opened() {
+    const QString file = ToQString(session_.DatabasePath);
+    setWindowTitle(QFileInfo(file).completeBaseName() + " — Brindlemere");
+    status_->clear();
+    session_.SectionCode = store::Section::None;
+    column_->SetCurrent(0);
+    ShowPrivateState();
+    ShowLocks();
+    ShowForm(store::Section::None);
+    HideShow(true);
+    emit DatabaseOpened();
+    shell::SectionSet available = 0;
+    for (const std::uint8_t code : AvailableSections())
+        available |= shell::SectionBit(code);
+    const std::uint8_t first = shell::StartSectionOf(session_, available);
+    if (first != store::Section::None) optSection_Click(first);
+}
+
+void frmMDI::ShowWithoutDatabase() {
+    setWindowTitle("Brindlemere");
+    column_->SetCurrent(0);
+    ShowLocks();
+    splash_->ShowNoDatabase();
+    stack_->setCurrentWidget(splash_);
+    ShowActions(placeholders_);
+    ShowComment({});
+    status_->setText("   No database open");
+    HideShow(false);
+}
+
+std::vector<std::uint8_t> frmMDI::AvailableSections() const {
+    std::vector<std::uint8_t> codes;
+    for (const auto& [code, factory] : parts_.sections)
+        codes.push_back(code);
+    return codes;
+}
+
+void frmMDI::optSection_Click(int Index) {
+    if (session_.ending || !session_.DatabaseOpen) return;
+    shell::SectionSet available = 0;
+    for (const std::uint8_t code : AvailableSections())
+        available |= shell::SectionBit(code);
+    const shell::SectionScreen screen{
+        .HideShow = [this](bool show) { HideShow(show); },
+        .CloseSection = [this] { CloseForm(); },
+        .ShowSection = [this](std::uint8_t code) { ShowForm(code); },
+        .PressButton = [this](std::uint8_t code) { column_->SetCurrent(code); },
+    };
+    RunFlow([&] {
+        const bool switched =
+            shell::optSection_Click(session_, screen, available, static_cast<std::uint8_t>(Index));
+        if (session_.ending) return;
+        ShowLocks();
+        // A prompt took the focus from a button that was greyed meanwhile.
+        if (form_ && !switched) form_->setFocus(Qt::OtherFocusReason);
+    });
+}
+
+void frmMDI::ShowLocks() {
+    column_->SetLocked([this](std::uint8_t code) {
+        return session_.DatabaseOpen && parts_.sections.contains(code) && shell::NeedsPin(session_, code);
+    });
+}
+
+void frmMDI::ShowForm(std::uint8_t code) {
+    const auto factory = parts_.sections.find(code);
+    if (factory == parts_.sections.end()) {
+        splash_->ShowDatabase(ToQString(session_.DatabasePath), AvailableSections());
+        stack_->setCurrentWidget(splash_);
+        splash_->FocusFirst();
+        status_->clear();
+        ShowActions(placeholders_);
+        return;
+    }
+    status_->clear();
+    form_ = factory->second(session_, stack_);
+    connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
+    stack_->addWidget(form_);
+    stack_->setCurrentWidget(form_);
+    sectionMenu_ = form_->SectionMenu();
+    if (sectionMenu_) menuBar()->insertMenu(menus_.mnuTools->menuAction(), sectionMenu_);
+    ShowActions(form_->ToolActions());
+    search_->setPlaceholderText(tr("Search in %1").arg(SectionName(code)));
+    search_->setAccessibleName(search_->placeholderText());
+    form_->setFocus(Qt::OtherFocusReason);
+}
+
+void frmMDI::CloseForm() {
+    if (!form_) return;
+    {
+        const QSignalBlocker quiet(search_);
+        search_->clear();
+        search_->setPlaceholderText({});
+    }
+    searchDelay_->stop();
+    stack_->setCurrentWidget(splash_);
+    status_->clear();
+    sectionMenu_ = nullptr;
+    session_.SectionCode = store::Section::None;
+    std::unique_ptr<SectionForm> form(std::exchange(form_, nullptr));
+    ShowActions(placeholders_);
+    form->disconnect(status_);
+    if (!DialogsUnwinding() && !form->Editing()) return;
+    form->hide();
+    menuBar()->removeAction(form->SectionMenu()->menuAction());
+    leaving_ = std::move(form);
+}
+
+void frmMDI::ShowActions(const QList<QAction*>& actions) {
+    for (QAction* action : shownActions_)
+        toolbar_->removeAction(action);
+    qDeleteAll(toolbarLines_);
+    toolbarLines_.clear();
+    shownActions_.clear();
+    for (QAction* action : actions) {
+        if (action) {
+            toolbar_->insertAction(spacer_, action);
+            shownActions_ << action;
+        } else {
+            toolbarLines_ << toolbar_->insertSeparator(spacer_);
+        }
+    }
+    searchEntry_->setVisible(form_ != nullptr);
+    FitToolbar();
+}
+
+void frmMDI::ShowPrivateState() {
+    const QString caption = QString::fromStdString(shell::ShowPrivateCaption(session_));
+    const QIcon icon = kit::Icon(session_.ShowPrivate ? "view-visible" : "view-hidden");
+    menus_.mnuViewShowPrivate->setText(caption);
+    menus_.mnuViewShowPrivate->setIcon(icon);
+    private_->setIcon(icon);
+    private_->setText(session_.ShowPrivate ? tr("Private records shown") : tr("Private records hidden"));
+    private_->setToolTip(caption);
+}
+
+void frmMDI::mnuViewShowPrivate_Switch() {
+    if (flows_ > 0 || !session_.DatabaseOpen) return;
+    RunFlow([this] {
+        if (!shell::mnuViewShowPrivate_Switch(session_) || session_.ending) return;
+        ShowPrivateState();
+        if (form_) form_->Refresh();
+    });
+}
+
+void frmMDI::CloseDatabase() {
+    if (session_.DatabaseOpen) {
+        CloseForm();
+        std::ignore = store::CloseDatabase(session_);  // it tells what it could not write
+        emit DatabaseClosed();
+    }
+    ShowWithoutDatabase();
+}
+
+void frmMDI::mnuFileCloseDB_Click() {
+    if (flows_ > 0) return;
+    RunFlow([this] { CloseDatabase(); });
+}
+
+void frmMDI::mnuFileNew_Click() {
+    if (flows_ > 0) return;
+    RunFlow([this] {
+        CloseDatabase();
+        splash_->ShowOpening();
+        Settle(OutcomeOf(store::NewDatabase(session_)));
+    });
+}
+
+void frmMDI::mnuFileOpen_Click() {
+    if (flows_ > 0) return;
+    RunFlow([this] {
+        CloseDatabase();
+        if (store::OpenFileDialog(session_) != 0) return;
+        splash_->ShowOpening();
+        const StartOutcome outcome = OutcomeOf(store::OpenDatabaseFile(session_));
+        Settle(outcome == StartOutcome::ShowMenuDB ? StartOutcome::Empty : outcome);
+    });
+}
+
+void frmMDI::mnuToolsPassphrase_Click() {
+    if (flows_ > 0 || !session_.DatabaseOpen) return;
+    RunFlow([this] {
+        if (!store::ChangePassphrase(session_) || session_.ending) return;
+        ShowComment(tr("Passphrase changed"));
+        QTimer::singleShot(6000, comment_, [this] { ShowComment({}); });
+    });
+}
+
+void frmMDI::mnuDbRepair_Click() {
+    if (flows_ > 0 || !session_.DatabaseOpen) return;
+    RunFlow([this] {
+        CloseForm();
+        HideShow(false);
+        splash_->ShowOpening();
+        const int error = store::RepairAndCompact(session_);
+        if (error == store::kQuitProgram)
+            QuitProgram();
+        else if (session_.DatabaseOpen)
+            Opened();
+        else
+            ShowWithoutDatabase();
+    });
+}
+
+void frmMDI::mnuHelpContents_Click() {
+    if (!HelpWindow::Available()) {
+        session_.ports.prompter.Ask(MessageBox(167, BoxIcon::Warning));
+        return;
+    }
+    auto* open = findChild<HelpWindow*>();
+    auto* help = open ? open : new HelpWindow(this);
+    help->show();
+    help->raise();
+    help->activateWindow();
+}
+
+void frmMDI::QuitProgram() {
+    session_.ending = true;
+    if (!std::exchange(quitting_, true)) emit Quitting();
+    if (flows_ == 0) CloseAll();
+    emit Ended();
+}
+
+void frmMDI::CloseAll() {
+    if (!session_.DatabaseOpen) return;
+    CloseForm();
+    // Nobody can be asked any more; the settings are all that a failed write could lose.
+    std::ignore = store::CloseDatabase(session_);
+    emit DatabaseClosed();
+}
+
+}  // namespace bmr::app

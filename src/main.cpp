@@ -1,0 +1,153 @@
+// The composition root: nothing else knows all rooms.
+#include <QClipboard>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/frmMDI.h"
+#include "app/hardening.h"
+#include "app/registry.h"
+#include "app/signals.h"
+#include "app/start.h"
+#include "crypto/systemrandom.h"
+#include "kit/clipboardguard.h"
+#include "kit/frmPW.h"
+#include "kit/guardedapplication.h"
+#include "kit/guards.h"
+#include "kit/idleguard.h"
+#include "kit/platform.h"
+#include "kit/prompter.h"
+#include "kit/theme.h"
+#include "shell/timeout.h"
+#include "store/session.h"
+
+namespace {
+
+using namespace bmr;
+
+void Print(std::FILE* stream, const QString& text) {
+    std::fputs(text.toLocal8Bit().constData(), stream);
+}
+
+/// The toolkit aborts when it finds no screen behind the name that it was given. Say what that means instead.
+void TellFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type != QtFatalMsg) return Print(stderr, text + '\n');
+    Print(stderr, app::NoScreenText());
+    std::_Exit(1);
+}
+
+app::SectionTable Sections() {
+    return {};
+}
+
+/// The guards over a sitting, tied to the window that shows them.
+class Watch {
+  public:
+    Watch(kit::GuardedApplication& application, store::Session& session, app::frmMDI& frame,
+          kit::ClipboardGuard& clipboard, const Clock& clock)
+        : application_(application),
+          timeOut_(clock),
+          idle_(timeOut_, clock, Steps(session, frame, clipboard)) {
+        application.SetOnActivity([this] { timeOut_.Activity(); });
+        timeOut_.StartActivityHooks();
+        const auto limit = [this, &session, &frame] {
+            timeOut_.IdleLimit = shell::IdleLimitFrom(session.settings.Idle);
+            if (timeOut_.IdleLimit == 0) frame.ShowIdleCountdown({});
+        };
+        QObject::connect(&frame, &app::frmMDI::DatabaseOpened, &idle_, limit);
+        QObject::connect(&frame, &app::frmMDI::DatabaseClosed, &idle_, limit);
+        QObject::connect(&frame, &app::frmMDI::DatabaseClosed, &clipboard,
+                         &kit::ClipboardGuard::ClearClipboard);
+        QObject::connect(&frame, &app::frmMDI::Quitting, &clipboard, &kit::ClipboardGuard::ClearClipboard);
+        QObject::connect(&frame, &app::frmMDI::ClipboardUsed, &clipboard,
+                         &kit::ClipboardGuard::RestartClipboardTimer);
+        QObject::connect(&frame, &app::frmMDI::Ended, &idle_, &kit::IdleGuard::End);
+        QObject::connect(&signals_, &app::SignalWatch::Asked, &idle_, &kit::IdleGuard::End);
+        QObject::connect(&idle_, &kit::IdleGuard::Panel, &frame, &app::frmMDI::ShowIdleCountdown);
+        QObject::connect(&clipboard, &kit::ClipboardGuard::Countdown, &frame,
+                         &app::frmMDI::ShowClipboardCountdown);
+    }
+    ~Watch() { application_.SetOnActivity({}); }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+  private:
+    static kit::IdleGuard::Steps Steps(store::Session& session, app::frmMDI& frame,
+                                       kit::ClipboardGuard& clipboard) {
+        return {.markEnding = [&session] { session.ending = true; },
+                .clearClipboard = [&clipboard] { clipboard.ClearClipboard(); },
+                .closeDatabase = [&frame] { frame.QuitProgram(); }};
+    }
+
+    kit::GuardedApplication& application_;
+    shell::TimeOut timeOut_;
+    kit::IdleGuard idle_;
+    app::SignalWatch signals_;
+};
+
+int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
+    kit::Theme theme(application);
+    theme.Choose(kit::Theme::FromName(arguments.theme));
+    kit::QtPrompter prompter;
+    const app::Environment environment = app::SystemEnvironment();
+    app::SingleInstance instance(environment.runtime);
+    if (!instance.Take()) {
+        prompter.Ask(MessageBox(135));
+        return 1;
+    }
+
+    SystemClock clock;
+    cry::SystemRandom random;
+    app::QtRegistry registry;
+    store::Session session({prompter, clock, random, registry});
+    const auto keyboard = kit::MakeKeyPort();
+    kit::ClipboardGuard clipboard(*QApplication::clipboard(), random, clock);
+    kit::Guards guards(*keyboard, random, clipboard);
+    app::frmMDI frame(
+        {session, Sections(), {environment.documents}, &theme, QString::fromStdString(guards.Describe())});
+    Watch watch(application, session, frame, clipboard, clock);
+
+    prompter.SetWindow(&frame);
+    prompter.SetEnding([&session] { return session.ending; });
+    prompter.SetOnPrompt([&guards](QWidget& prompt) {
+        if (auto* form = qobject_cast<kit::frmPW*>(&prompt)) guards.GuardPrompt(*form);
+    });
+    QObject::connect(&prompter, &kit::QtPrompter::CommentChanged, &frame, &app::frmMDI::ShowComment);
+
+    frame.show();
+    // From the event loop, so that an end during the first question unwinds like any other.
+    QTimer::singleShot(0, &frame, [&] { frame.Start(arguments.file); });
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    app::HardenProcess();
+    QStringList words;
+    for (int at = 1; at < argc; ++at)
+        words << QString::fromLocal8Bit(argv[at]);
+    if (const app::Arguments asked = app::ParseArguments(words); asked.help || asked.version) {
+        Print(stdout, asked.help ? app::HelpText() : app::VersionText());
+        return 0;
+    }
+    if (!app::HasScreen(words)) {
+        Print(stderr, app::NoScreenText());
+        return 1;
+    }
+
+    qInstallMessageHandler(TellFatal);
+    kit::GuardedApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
+    QApplication::setApplicationName("brindlemere");
+    QApplication::setApplicationDisplayName("Brindlemere");
+    QApplication::setApplicationVersion(BMR_VERSION);
+    QGuiApplication::setDesktopFileName("io.tolvane.Brindlemere");
+
+    const app::Arguments arguments = app::ParseArguments(QApplication::arguments().mid(1));
+    if (!arguments.error.isEmpty()) {
+        Print(stderr, "brindlemere: " + arguments.error + "\nTry brindlemere --help.\n");
+        return 2;
+    }
+    return Run(application, arguments);
+}

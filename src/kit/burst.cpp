@@ -5,6 +5,8 @@
 #include <QKeyEvent>
 #include <algorithm>
 
+#include "kit/guardedapplication.h"
+
 namespace bmr::kit {
 namespace {
 
@@ -36,9 +38,19 @@ BurstSender::BurstSender(KeyPort& port, KeyCapture& capture, RandomSource& rando
     txtBurst_.setUpdatesEnabled(false);  // not even its one pixel is to blink
     txtInput_.installEventFilter(this);
     txtBurst_.installEventFilter(this);
+    // A decoy that comes when its box can no longer take it (a menu opened, the focus went) must get nowhere.
+    if (auto* app = qobject_cast<GuardedApplication*>(QCoreApplication::instance()))
+        app->AddKeyFilter(*this, [this](const QKeyEvent& key) { return CannotArrive() && IsDecoy(key); });
 }
 
-BurstSender::~BurstSender() = default;
+BurstSender::~BurstSender() {
+    if (auto* app = qobject_cast<GuardedApplication*>(QCoreApplication::instance()))
+        app->RemoveKeyFilter(*this);
+}
+
+bool BurstSender::CannotArrive() const {
+    return !running_ || !txtBurst_.hasFocus() || QApplication::activePopupWidget();
+}
 
 void BurstSender::SendNoise(int bursts) {
     wanted_ += bursts;
@@ -85,7 +97,7 @@ void BurstSender::SendNext() {
     if (!running_) return;
     watchdog_.stop();
     while (place_ < static_cast<std::size_t>(plan_.count)) {
-        if (!txtBurst_.hasFocus() || !txtBurst_.isActiveWindow()) break;
+        if (CannotArrive() || !txtBurst_.isActiveWindow()) break;
         port_.Look();
         if (port_.CommandHeld()) break;
         if (SendKey(place_++)) return;

@@ -57,6 +57,7 @@ class BurstSender final : public QObject {
     void RestoreSelection();
     void Replay(bool all);
     void Rest();
+    bool CannotArrive() const;
     bool IsDecoy(const QKeyEvent& key);
     bool Hold(QEvent& event);
     bool HoldShortcut(QKeyEvent& key);

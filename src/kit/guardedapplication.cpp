@@ -88,13 +88,27 @@ bool GuardedApplication::IsGuarded(const QWindow& window) {
     return window.property(kGuarded).toBool();
 }
 
+void GuardedApplication::AddKeyFilter(const QObject& owner, std::function<bool(const QKeyEvent&)> takes) {
+    keyFilters_.push_back({&owner, std::move(takes)});
+}
+
+void GuardedApplication::RemoveKeyFilter(const QObject& owner) {
+    std::erase_if(keyFilters_, [&owner](const KeyFilter& filter) { return filter.owner == &owner; });
+}
+
 bool GuardedApplication::notify(QObject* receiver, QEvent* event) {
-    if (event->spontaneous() && receiver->isWindowType() && IsActivity(event->type())) {
-        if (onActivity_) onActivity_();
-        const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
-        if (auto* window = static_cast<QWindow*>(receiver);
-            key && IsGuarded(*window) && TakeTyping(*window, *static_cast<QKeyEvent*>(event)))
+    if (!event->spontaneous() || !receiver->isWindowType()) return QApplication::notify(receiver, event);
+    const auto type = event->type();
+    if (onActivity_ && IsActivity(type)) onActivity_();
+    if (type == QEvent::KeyPress || type == QEvent::KeyRelease || type == QEvent::ShortcutOverride) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        for (const KeyFilter& filter : keyFilters_) {
+            if (!filter.takes(key)) continue;
+            event->accept();  // no shortcut either
             return true;
+        }
+        auto* window = static_cast<QWindow*>(receiver);
+        if (type != QEvent::ShortcutOverride && IsGuarded(*window) && TakeTyping(*window, key)) return true;
     }
     return QApplication::notify(receiver, event);
 }

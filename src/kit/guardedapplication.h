@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <functional>
+#include <vector>
 
 class QAccessibleEvent;
+class QKeyEvent;
 class QWindow;
 
 namespace bmr::kit {
@@ -27,6 +29,10 @@ class GuardedApplication final : public QApplication {
     void SetGuards(Guards* guards) { guards_ = guards; }
     Guards* guards() const { return guards_; }
 
+    /// Shows each key of the system to `takes` before anybody else, popups included; true takes it out.
+    void AddKeyFilter(const QObject& owner, std::function<bool(const QKeyEvent&)> takes);
+    void RemoveKeyFilter(const QObject& owner);
+
     bool notify(QObject* receiver, QEvent* event) override;
 
     /// Keys typed into `window` are handed to the field that has the focus by ourselves.
@@ -36,6 +42,11 @@ class GuardedApplication final : public QApplication {
   private:
     std::function<void()> onActivity_;
     Guards* guards_ = nullptr;
+    struct KeyFilter {
+        const QObject* owner;
+        std::function<bool(const QKeyEvent&)> takes;
+    };
+    std::vector<KeyFilter> keyFilters_;
 };
 
 /// True for events that a hand has caused.

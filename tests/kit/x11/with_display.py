@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs a command on a screen of its own, with a window manager. Ends with 77 where that cannot be had."""
+"""Runs a command on a screen of its own, with a window manager and, where it can be had, an accessibility bus.
+Ends with 77 where there can be no screen."""
 import os
 import shutil
 import subprocess
@@ -7,6 +8,8 @@ import sys
 import tempfile
 
 SKIP = 77
+LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+STATUS = ["--dest=org.a11y.Bus", "/org/a11y/bus"]
 
 
 def end(process):
@@ -18,11 +21,26 @@ def end(process):
         process.wait()
 
 
+def send(*arguments):
+    return subprocess.run(["dbus-send", "--session", "--print-reply=literal", *arguments], capture_output=True,
+                          text=True, check=True).stdout.strip()
+
+
+def accessible(command):
+    """Inside a session bus of our own: turns accessibility on, as a user of a screen reader has it."""
+    os.environ["BMR_TEST_BUS"] = send(*STATUS, "org.a11y.Bus.GetAddress")
+    send(*STATUS, "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status", "string:IsEnabled",
+         "variant:boolean:true")
+    return subprocess.call(command)
+
+
 def main(command):
     for program in ("Xvfb", "openbox"):
         if not shutil.which(program):
             print(f"skipped: {program} is not installed")
             return SKIP
+    if os.path.exists(LAUNCHER) and all(map(shutil.which, ("dbus-run-session", "dbus-send", "dbus-monitor"))):
+        command = ["dbus-run-session", "--", sys.executable, __file__, "--accessible", *command]
     read, write = os.pipe()
     with tempfile.TemporaryDirectory() as home:
         server = subprocess.Popen(
@@ -35,7 +53,8 @@ def main(command):
             end(server)
             return SKIP
         # Nothing of the user's own desktop may take part.
-        environment = {name: value for name, value in os.environ.items() if not name.startswith(("XDG_", "DBUS_"))}
+        environment = {name: value for name, value in os.environ.items()
+                       if not name.startswith(("XDG_", "DBUS_", "AT_SPI_"))}
         environment.update(DISPLAY=":" + display, HOME=home, XDG_RUNTIME_DIR=home, QT_QPA_PLATFORM="xcb")
         environment.pop("WAYLAND_DISPLAY", None)
         manager = subprocess.Popen(["openbox", "--sm-disable"], env=environment, stderr=subprocess.DEVNULL)
@@ -47,4 +66,4 @@ def main(command):
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(accessible(sys.argv[2:]) if sys.argv[1] == "--accessible" else main(sys.argv[1:]))

@@ -54,16 +54,10 @@ int AlphabetOf(std::string_view text) {
     return 26 * small + 26 * capital + 10 * digit + 33 * other + 1;
 }
 
-/// Neither a digit nor a punctuation character; blanks and capitals alone do not help.
-bool IsWeak(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == ' '; });
-}
-
 }  // namespace
 
 frmPW::frmPW(const PassphraseRequest& request, Prompter& boxes, QWidget* parent)
-    : QDialog(parent), request_(request), boxes_(boxes) {
+    : QDialog(parent), request_(request), boxes_(boxes), entry_(request.confirm, request.checkQuality) {
     setObjectName("frmPW");
     setWindowTitle(QString::fromStdString(Msg(159)));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -156,8 +150,6 @@ void frmPW::Lay() {
 }
 
 void frmPW::Restart() {
-    FirstEntry.Wipe();
-    SecondEntry.Wipe();
     lblPrompt->setText(QString::fromStdString(request_.prompt));
     txtInput->Empty();
     ShowHint({}, false);
@@ -200,7 +192,7 @@ void frmPW::ShowQuality() {
     else if (text.size() < kLeastLength)
         grade = {tr("Too short: %n more to go", nullptr, kLeastLength - static_cast<int>(text.size())),
                  Ink::Alarm};
-    else if (IsWeak(text) || bits < 50)
+    else if (shell::IsWeak(text) || bits < 50)
         grade = {tr("Weak"), Ink::Warning};
     else if (bits < 80)
         grade = {tr("Fair"), Ink::Accent};
@@ -217,53 +209,35 @@ void frmPW::ShowQuality() {
     barQuality->setValue(std::min(100, static_cast<int>(bits / 1.2)));
 }
 
-bool frmPW::AcceptedAsWeak() {
-    if (!request_.checkQuality || !FirstEntry.empty() || !IsWeak(txtInput->Content())) return true;
-    Box box = MessageBox(158, BoxIcon::Question);
-    box.buttons = Buttons::YesNo;
-    box.standard = Answer::No;
-    if (boxes_.Ask(box) == Answer::Yes) return true;
-    txtInput->Empty();
-    txtInput->setFocus();
-    return false;
-}
-
-bool frmPW::Confirmed() {
-    if (!request_.confirm) return true;
-    if (FirstEntry.empty()) {
-        FirstEntry = txtInput->TakeContent();
+void frmPW::cmdOK_Click() {
+    using Step = shell::SecretEntry::Step;
+    if (leaving_) return;
+    Step step = entry_.Enter(txtInput->TakeContent());
+    while (step == Step::AskWeak || step == Step::AskMismatch) {
+        Box question = entry_.Question();
+        if (step == Step::AskMismatch)
+            question.text += "\r\n\r\n" + tr("The two entries are not the same.").toStdString();
+        step = entry_.Reply(boxes_.Ask(question));
+    }
+    if (step == Step::Type) return Restart();
+    if (step == Step::Confirm) {
         lblPrompt->setText(QString::fromStdString(Msg(42)));
         ShowHint(tr("Type it once more."), false);
         txtInput->setFocus();
-        return false;
+        return;
     }
-    SecondEntry = txtInput->TakeContent();
-    if (FirstEntry.view() == SecondEntry.view()) return true;
-    Box box = MessageBox(84, BoxIcon::Warning);
-    box.text += "\r\n\r\n" + tr("The two entries are not the same.").toStdString();
-    box.buttons = Buttons::RetryCancel;
-    box.standard = Answer::Retry;
-    if (boxes_.Ask(box) == Answer::Retry)
-        Restart();
-    else
-        reject();
-    return false;
-}
-
-void frmPW::cmdOK_Click() {
-    if (leaving_) return;
-    if (txtInput->Content().empty()) return reject();
-    if (!AcceptedAsWeak() || !Confirmed()) return;
-    TypedSecret = FirstEntry.empty() ? txtInput->TakeContent() : std::move(FirstEntry);
+    if (step != Step::Done) return reject();
+    TypedSecret = entry_.TakeResult();
     accept();
 }
 
 void frmPW::done(int result) {
     if (leaving_) return;
     leaving_ = true;
-    if (result != Accepted) TypedSecret.Wipe();
-    FirstEntry.Wipe();
-    SecondEntry.Wipe();
+    if (result != Accepted) {
+        entry_.Cancel();
+        TypedSecret.Wipe();
+    }
     txtInput->Empty();
     const auto hide = [this, result] {
         QDialog::done(result);

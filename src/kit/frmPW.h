@@ -5,6 +5,7 @@
 
 #include "base/ports.h"
 #include "crypto/secret.h"
+#include "shell/passcheck.h"
 
 class QCheckBox;
 class QLabel;
@@ -61,17 +62,13 @@ class frmPW final : public QDialog {
     void ShowHint(const QString& text, bool alarm);
     void ShowQuality();
     void cmdOK_Click();
-    bool AcceptedAsWeak();
-    /// True when the form may close with the first entry as its result.
-    bool Confirmed();
 
     PassphraseRequest request_;
     Prompter& boxes_;
     std::function<void(std::function<void()>)> beforeHide_;
     bool leaving_ = false;
     bool capsLock_ = false;
-    Secret FirstEntry;
-    Secret SecondEntry;
+    shell::SecretEntry entry_;
     Secret TypedSecret;
 
     QLabel* lblTitle;

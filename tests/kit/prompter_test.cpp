@@ -150,10 +150,10 @@ TEST(QtPrompter, FileDialogsOfferTheToldPatterns) {
     });
     EXPECT_FALSE(prompter.AskOpenFile({"Open", "Brindlemere BMR (*.bmr)|*.bmr|All Files (*.*)|*.*", true}));
     visitor.Meet("dlgFile", [&](QWidget& window) {
-        auto& dialog = dynamic_cast<QFileDialog&>(window);
-        dialog.setDirectory(folder.path());
-        dialog.selectFile("mine");
-        QMetaObject::invokeMethod(&dialog, "accept");
+        auto& name = Named<QLineEdit>(window, "fileNameEdit");
+        EXPECT_EQ(name.text(), "") << "no name is proposed";
+        name.setText(folder.filePath("mine"));
+        QMetaObject::invokeMethod(&window, "accept");
     });
     const auto path = prompter.AskSaveFile({"New", "Tolvane BMR-files (*.bmr)|*.bmr", false});
     ASSERT_TRUE(path);

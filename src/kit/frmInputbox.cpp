@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "kit/guards.h"
 #include "kit/theme.h"
 #include "kit/words.h"
 
@@ -48,6 +49,7 @@ frmInputbox::frmInputbox(const QString& title, const QString& prompt, const QStr
     column->addSpacing(Space::Tight);
     column->addWidget(buttons);
     Judge();
+    GuardDialog(*this);
 }
 
 QString frmInputbox::Text() const {

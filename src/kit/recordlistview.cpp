@@ -73,6 +73,11 @@ void RecordListView::SelectFirst() {
     if (model_->rowCount() > 0) SelectKey(model_->KeyAt(0));
 }
 
+void RecordListView::PutCursor(int row) {
+    const int place = qMin(row, model_->rowCount() - 1);
+    if (place >= 0) selectionModel()->setCurrentIndex(model_->index(place, 0), QItemSelectionModel::NoUpdate);
+}
+
 void RecordListView::ShowKey(std::int32_t key) {
     if (const int row = model_->RowOf(key); row >= 0) scrollTo(model_->index(row, 0));
 }

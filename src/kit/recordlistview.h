@@ -27,6 +27,8 @@ class RecordListView final : public QTreeView {
     /// Selects the row of that key and scrolls to it; without such a row nothing is selected.
     void SelectKey(std::int32_t key);
     void SelectFirst();
+    /// The keyboard goes on from that row, or from the last one; nothing is selected by it.
+    void PutCursor(int row);
     /// Brings a row into view without selecting it.
     void ShowKey(std::int32_t key);
 

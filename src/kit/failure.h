@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+namespace bmr::store {
+struct Session;
+}
+
+namespace bmr::kit {
+
+/// Tells of an error number: the message for a negative one, else `what` ("The task was not stored.") with
+/// the engine's own words. Nothing for 0 and for a cancelled prompt.
+void TellFailure(store::Session& session, int error, const QString& what);
+
+}  // namespace bmr::kit

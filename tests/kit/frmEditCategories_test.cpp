@@ -1,0 +1,93 @@
+#include "kit/frmEditCategories.h"
+
+#include <QListWidget>
+
+#include "support/forms.h"
+#include "support/store.h"
+
+namespace bmr::kit {
+namespace {
+
+using store::CategoryList;
+using store::Section;
+using test::Click;
+using test::Named;
+
+struct FormCategories : testing::Test {
+    void Show() {
+        form = std::make_unique<frmEditCategories>(db.session, Section::Todo);
+        form->show();
+        list = &Named<QListWidget>(*form, "CatList");
+    }
+    void New(const char* name) {
+        db.prompter.inputs.push_back(name);
+        Click(*form, "cmdNew");
+    }
+    QStringList Names() {
+        QStringList names;
+        for (int row = 0; row < list->count(); ++row)
+            names << list->item(row)->text() + "=" + list->item(row)->data(Qt::UserRole).toString();
+        return names;
+    }
+    CategoryList Stored() { return store::FillCategories(db.session, Section::Todo, false, false, false); }
+
+    test::TempStore db;
+    std::unique_ptr<frmEditCategories> form;
+    QListWidget* list = nullptr;
+};
+
+TEST_F(FormCategories, NumbersNamesAndStores) {
+    Show();
+    for (const char* name : {"work", "Attic", "  été  "})
+        New(name);
+    EXPECT_EQ(Names(), (QStringList{"Attic=2", "work=1", "été=3"}));
+    EXPECT_EQ(form->LastWorkedOn(-1), 3);
+    Click(*form, "cmdEsc");
+    EXPECT_TRUE(Stored().empty()) << "nothing is stored before OK";
+
+    Show();
+    EXPECT_FALSE(form->CategoriesChanged);
+    for (const char* name : {"b", "a", "c"})
+        New(name);
+    db.prompter.inputs.push_back(std::nullopt);
+    Click(*form, "cmdNew");
+    list->setCurrentRow(1);  // b, number 1
+    db.prompter.Expect(19, Answer::Cancel).Expect(19, Answer::Ok);
+    Click(*form, "cmdDelete");
+    Click(*form, "cmdDelete");
+    EXPECT_EQ(Names(), (QStringList{"a=2", "c=3"}));
+    New("d");
+    EXPECT_EQ(Names().back(), "d=1") << "the lowest free number comes back";
+    list->setCurrentRow(0);
+    db.prompter.inputs.push_back("z");
+    Click(*form, "cmdRename");
+    EXPECT_EQ(Names(), (QStringList{"c=3", "d=1", "z=2"})) << "a rename keeps the number";
+    EXPECT_TRUE(form->CategoriesChanged);
+    Click(*form, "cmdOK");
+    EXPECT_EQ(Stored(), (CategoryList{{"c", 3}, {"d", 1}, {"z", 2}}));
+}
+
+TEST_F(FormCategories, SaysWhatItCannotDo) {
+    Show();
+    db.prompter.Expect(18);
+    Click(*form, "cmdRename");
+    EXPECT_FALSE(Named(*form, "cmdDelete").isEnabled());
+    db.prompter.Expect(0);
+    New("ł");
+    EXPECT_TRUE(Names().isEmpty());
+
+    CategoryList full;
+    for (std::int32_t i = 1; i <= 128; ++i)
+        full.push_back({"c" + std::to_string(1000 + i), i == 128 ? 255 : i});
+    ASSERT_EQ(store::StoreCategories(db.session, full, Section::Todo), 0);
+    Show();
+    EXPECT_EQ(list->count(), 128);
+    db.prompter.Expect(0);
+    Click(*form, "cmdNew");
+    list->setCurrentRow(127);
+    Click(*form, "cmdDelete");
+    EXPECT_EQ(list->count(), 128) << "the number 255 never goes";
+}
+
+}  // namespace
+}  // namespace bmr::kit

@@ -1,47 +1,34 @@
 #include "store/privatefilter.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "crypto/cry.h"
 #include "store/record_get.h"
 #include "store/section_store.h"
 
 namespace bmr::store {
-namespace {
 
-/// As many rows as share key schedules well, without a whole large section in memory.
-constexpr std::size_t kBatchRows = 100000;
-constexpr std::size_t kBatchBytes = std::size_t{32} << 20;
-
-struct Batch {
-    std::vector<std::int32_t> keys;
-    std::vector<std::size_t> ends;
-    Bytes ciphered;
-
-    bool Full() const { return keys.size() >= kBatchRows || ciphered.size() >= kBatchBytes; }
-    void Add(std::int32_t key, std::string_view text) {
-        keys.push_back(key);
-        ciphered.append(text);
-        ends.push_back(ciphered.size());
+void PrivateBatch::Add(std::string_view text) {
+    constexpr std::size_t kPiece = std::size_t{1} << 20;
+    if (pieces_.empty() || pieces_.back().capacity() - pieces_.back().size() < text.size()) {
+        pieces_.emplace_back();
+        pieces_.back().reserve(std::max(kPiece, text.size()));
     }
-};
-
-void TestBatch(Session& session, std::uint8_t section, Batch& batch,
-               std::unordered_set<std::int32_t>& found) {
-    std::vector<std::string_view> views;
-    views.reserve(batch.ends.size());
-    std::size_t begin = 0;
-    for (const std::size_t end : batch.ends) {
-        views.push_back(std::string_view(batch.ciphered).substr(begin, end - begin));
-        begin = end;
-    }
-    cry::DecipherBatch(session.cipher, views, [&](std::size_t i, std::string_view plain) {
-        if (IsPayloadPrivate(plain, section)) found.insert(batch.keys[i]);
-    });
-    batch = Batch();
+    std::string& piece = pieces_.back();
+    piece.append(text);
+    texts_.emplace_back(piece.data() + piece.size() - text.size(), text.size());
+    size_ += text.size();
 }
 
-}  // namespace
+void PrivateBatch::Test(Session& session, std::uint8_t section,
+                        const std::function<void(std::size_t index, bool isPrivate)>& each) {
+    cry::DecipherBatch(session.cipher, texts_, [&](std::size_t index, std::string_view plain) {
+        each(index, IsPayloadPrivate(plain, section));
+    });
+    pieces_.clear();
+    texts_.clear();
+    size_ = 0;
+}
 
 Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::uint8_t section,
                                                         const std::string& clauses) {
@@ -49,13 +36,21 @@ Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::u
                                             clauses + kOwnerAccess);
     if (!cursor) return cursor.error();
     std::unordered_set<std::int32_t> found;
-    Batch batch;
+    PrivateBatch batch;
+    std::vector<std::int32_t> keys;
+    const auto test = [&] {
+        batch.Test(session, section, [&](std::size_t index, bool isPrivate) {
+            if (isPrivate) found.insert(keys[index]);
+        });
+        keys.clear();
+    };
     while (cursor->Next()) {
-        batch.Add(cursor->Int(0), cursor->Bytes(1));
-        if (batch.Full()) TestBatch(session, section, batch, found);
+        keys.push_back(cursor->Int(0));
+        batch.Add(cursor->Bytes(1));
+        if (batch.Full()) test();
     }
     if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
-    TestBatch(session, section, batch, found);
+    test();
     return found;
 }
 

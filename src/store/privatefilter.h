@@ -1,13 +1,36 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <unordered_set>
+#include <vector>
 
 #include "base/result.h"
 #include "store/session.h"
 
 namespace bmr::store {
+
+/// Enciphered payloads of many rows that wait to be tested together, which is far cheaper than one by one.
+class PrivateBatch {
+  public:
+    /// Copies `text`, the payload of the next row.
+    void Add(std::string_view text);
+    /// True when enough has come together: test before more is added.
+    bool Full() const { return size_ >= kMostBytes; }
+    /// Deciphers what was added, tells for each, in order, whether it is private or cannot be read, and
+    /// starts anew. `index` counts from 0 within this batch.
+    void Test(Session& session, std::uint8_t section,
+              const std::function<void(std::size_t index, bool isPrivate)>& each);
+
+  private:
+    static constexpr std::size_t kMostBytes = std::size_t{32} << 20;
+    std::deque<std::string> pieces_;  ///< few and large; what lies in them never moves
+    std::vector<std::string_view> texts_;
+    std::size_t size_ = 0;
+};
 
 /// The keys of a section's records that are private or cannot be read, among the rows that meet `clauses` ("
 /// And fG1 = 3", or ""). Opens every payload, in batches.

@@ -1,13 +1,12 @@
 #include "tasks/tasklist.h"
 
 #include <algorithm>
-#include <deque>
 #include <unordered_map>
 
 #include "base/buckets.h"
 #include "base/languageus.h"
 #include "base/shortdate.h"
-#include "store/record_get.h"
+#include "store/privatefilter.h"
 
 namespace bmr::tasks {
 namespace {
@@ -17,39 +16,9 @@ using store::Session;
 constexpr std::string_view kPlainColumns = "fPK, fG1, fR1, fR2, fR3, fF1, fF2, fF3";
 constexpr int kPayloadColumn = 8;
 
-/// Enciphered texts that wait for their batch, in few large pieces.
-class Backlog {
-  public:
-    void Add(std::string_view text) {
-        if (pieces_.empty() || pieces_.back().capacity() - pieces_.back().size() < text.size()) {
-            pieces_.emplace_back();
-            pieces_.back().reserve(std::max(kPiece, text.size()));
-        }
-        std::string& piece = pieces_.back();
-        piece.append(text);  // within the capacity: what was added before stays where it is
-        texts_.emplace_back(piece.data() + piece.size() - text.size(), text.size());
-        size_ += text.size();
-    }
-    bool Full() const { return size_ >= kMost; }
-
-    /// Deciphers what has come together; `each` gets its number within this batch and whether it is private.
-    template <class Each>
-    void Test(Session& session, Each&& each) {
-        cry::DecipherBatch(session.cipher, texts_, [&each](std::size_t index, std::string_view plain) {
-            each(index, store::IsPayloadPrivate(plain, store::Section::Todo));
-        });
-        pieces_.clear();
-        texts_.clear();
-        size_ = 0;
-    }
-
-  private:
-    static constexpr std::size_t kPiece = std::size_t{1} << 20;
-    static constexpr std::size_t kMost = std::size_t{64} << 20;
-    std::deque<std::string> pieces_;
-    std::vector<std::string_view> texts_;
-    std::size_t size_ = 0;
-};
+std::string FilterClauses(const TaskFilter& filter) {
+    return (filter.showCompleted ? "" : " And fF3 = False") + store::CategoryClause(filter.category);
+}
 
 TaskRow PlainRow(const store::Cursor& cursor, Day today) {
     TaskRow row;
@@ -66,9 +35,10 @@ TaskRow PlainRow(const store::Cursor& cursor, Day today) {
 }
 
 /// Drops the rows from `first` on that turn out private.
-void DropPrivate(Session& session, Backlog& backlog, std::vector<TaskRow>& rows, std::size_t first) {
+void DropPrivate(Session& session, store::PrivateBatch& batch, std::vector<TaskRow>& rows,
+                 std::size_t first) {
     std::size_t kept = first;
-    backlog.Test(session, [&](std::size_t index, bool isPrivate) {
+    batch.Test(session, store::Section::Todo, [&](std::size_t index, bool isPrivate) {
         if (isPrivate) return;
         rows[kept] = rows[first + index];
         rows[kept].privacy = Privacy::Public;
@@ -84,19 +54,19 @@ int ReadRows(Session& session, const TaskFilter& filter, std::vector<TaskRow>& r
     if (testAll) columns += ", fEtx";
     auto cursor = session.ProgramDb->Select(TaskStatement(filter, columns));
     if (!cursor) return cursor.error().number;
-    Backlog backlog;
+    store::PrivateBatch batch;
     std::size_t tested = 0;
     std::uint32_t place = 0;
     while (cursor->Next()) {
         rows.push_back(PlainRow(*cursor, today));
         rows.back().place = place++;
         if (!testAll) continue;
-        backlog.Add(cursor->Bytes(kPayloadColumn));
-        if (!backlog.Full()) continue;
-        DropPrivate(session, backlog, rows, tested);
+        batch.Add(cursor->Bytes(kPayloadColumn));
+        if (!batch.Full()) continue;
+        DropPrivate(session, batch, rows, tested);
         tested = rows.size();
     }
-    if (testAll) DropPrivate(session, backlog, rows, tested);
+    if (testAll) DropPrivate(session, batch, rows, tested);
     return cursor->error();
 }
 
@@ -191,9 +161,8 @@ const std::array<Column, SubItem::Count> kColumns = {{{"Task", 4200, Align::Left
                                                       {"-", 0, Align::Left}}};
 
 std::string TaskStatement(const TaskFilter& filter, std::string_view columns) {
-    std::string statement = "SELECT " + std::string(columns) + " FROM tt WHERE fSec=15";
-    if (!filter.showCompleted) statement += " And fF3 = False";
-    return statement + store::CategoryClause(filter.category) + store::kOwnerAccess;
+    return "SELECT " + std::string(columns) + " FROM tt WHERE fSec=15" + FilterClauses(filter) +
+           store::kOwnerAccess;
 }
 
 Result<std::vector<TaskRow>> ShowListitems(Session& session, const TaskFilter& filter) {
@@ -219,28 +188,11 @@ RowTexts ReadRowTexts(Session& session, std::int32_t fPK) {
 }
 
 int ReadPrivateFlags(Session& session, const TaskFilter& filter, std::vector<TaskRow>& rows) {
-    std::unordered_map<std::int32_t, TaskRow*> byKey;
+    const auto found = store::PrivateRecords(session, store::Section::Todo, FilterClauses(filter));
+    if (!found) return found.error().number;
     for (TaskRow& row : rows)
-        byKey.emplace(row.fPK, &row);
-    auto cursor = session.ProgramDb->Select(TaskStatement(filter, "fPK, fEtx"));
-    if (!cursor) return cursor.error().number;
-    Backlog backlog;
-    std::vector<TaskRow*> waiting;
-    const auto test = [&] {
-        backlog.Test(session, [&waiting](std::size_t index, bool isPrivate) {
-            waiting[index]->privacy = isPrivate ? Privacy::Private : Privacy::Public;
-        });
-        waiting.clear();
-    };
-    while (cursor->Next()) {
-        const auto row = byKey.find(cursor->Int(0));
-        if (row == byKey.end() || row->second->privacy != Privacy::Unread) continue;
-        waiting.push_back(row->second);
-        backlog.Add(cursor->Bytes(1));
-        if (backlog.Full()) test();
-    }
-    test();
-    return cursor->error();
+        row.privacy = found->contains(row.fPK) ? Privacy::Private : Privacy::Public;
+    return 0;
 }
 
 void UpdateRow(TaskRow& row, const Task& task, Day today) {

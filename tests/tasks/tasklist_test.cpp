@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "support/sitting.h"
 #include "support/store.h"
 
 namespace bmr::tasks {
@@ -156,6 +157,29 @@ TEST(TaskList, HidesPrivateRowsAndThoseThatCannotBeRead) {
     EXPECT_FALSE(ReadRowTexts(store.session, damaged).readable);
 }
 
+TEST(TaskList, TestsMoreRowsThanOneBatchHolds) {
+    ListStore store;
+    const Bytes huge((std::size_t{4} << 20) + 1, 'x');  // no cipher text of that length
+    store::Transaction transaction(*store.session.ProgramDb);
+    for (int i = 0; i < 24; ++i) {
+        const std::int32_t key = store.Add(Named(i % 2 == 0 ? "public" : "damaged"));
+        if (i % 2 == 0) continue;
+        auto row = store.session.ProgramDb->OpenRecordset("tt");
+        (*row)->FindFirst("fPK=" + std::to_string(key));
+        (*row)->Edit();
+        (*row)->SetField("fEtx", huge);
+        ASSERT_EQ((*row)->Update(), 0);
+    }
+    ASSERT_EQ(transaction.Commit(), 0);
+    auto rows = store.Rows();
+    ASSERT_EQ(ReadPrivateFlags(store.session, {.showCompleted = true}, rows), 0);
+    EXPECT_EQ(std::count_if(rows.begin(), rows.end(),
+                            [](const TaskRow& row) { return row.privacy == Privacy::Private; }),
+              12);
+    store.session.ShowPrivate = false;
+    EXPECT_EQ(store.Texts(store.Rows()), std::vector<Bytes>(12, "public"));
+}
+
 TEST(TaskList, ColumnTexts) {
     const LocaleFacts german{.shortDate = "dd.MM.yyyy"};
     const store::CategoryList categories = {{"All", -1}, {"  Work \xE9", 3}, {"Unfiled", 0}};
@@ -216,6 +240,35 @@ TEST(TaskList, ColumnClicksSortByTheShownText) {
     EXPECT_THAT(sorted(3), ElementsAre(2, 0, 1, 3));
     EXPECT_THAT(sorted(6), ElementsAre(2, 1, 0, 3));
     EXPECT_THAT(sorted(1), ElementsAre(2, 0, 3, 1));
+}
+
+TEST(TaskList, ReadsAFileOfAnotherProgram) {
+    test::Sitting sitting;
+    std::filesystem::copy_file(std::string(BMR_TEST_DATA) + "/foreign.bmr", sitting.file);
+    ASSERT_EQ(sitting.Open(), 0);
+    const LocaleFacts iso;
+    const auto categories = store::FillCategories(sitting.session, store::Section::Todo, true, true, true);
+    const auto rows = ShowListitems(sitting.session, {.showCompleted = true});
+    ASSERT_TRUE(rows);
+    std::vector<std::vector<std::string>> shown;
+    for (const TaskRow& row : *rows) {
+        const auto task = LoadSelected(sitting.session, row.fPK);
+        ASSERT_TRUE(task && task->readable);
+        shown.push_back({ToUtf8(task->task), ToUtf8(task->note), task->isPrivate ? "P" : ""});
+        for (const int subItem : {SubItem::DueDate, SubItem::Priority, SubItem::Category, SubItem::ExecDate})
+            shown.back().push_back(SubItemText(row, subItem, categories, iso));
+    }
+    using Texts = std::vector<std::string>;
+    EXPECT_THAT(
+        shown,
+        ElementsAre(
+            Texts{"Prune the apple tree", "before the frost", "", "2026-11-30", "X X X", "At home", ""},
+            Texts{"\xC3\x9C"
+                  "berraschung besorgen",
+                  "", "P", "", "X", "Unfiled", ""},
+            Texts{"Pay quarterly invoice", "", "", "2026-10-12", "X X", "Office", "2026-10-11"}));
+    EXPECT_EQ(sitting.session.settings.LastCategory[3], 0);
+    EXPECT_EQ(store::MinuteOfDay(sitting.session.settings.WorkdayStart), 480);
 }
 
 TEST(TaskDeletes, OneAsksByName) {

@@ -1,0 +1,61 @@
+#include "sitting.h"
+
+#include "base/languageus.h"
+#include "store/keyrecords.h"
+#include "store/lifecycle.h"
+
+namespace bmr::tools {
+namespace {
+
+constexpr int kWrongPassphrase = 85;
+constexpr int kTooShort = 40;
+
+}  // namespace
+
+Sitting::Sitting(int passphraseFd)
+    : input_(passphraseFd), prompter_(input_), session_({prompter_, clock_, random_, registry_}) {}
+
+Sitting::~Sitting() {
+    session_.ProgramDb.reset();
+    cry::WipeBytes(session_.cipher.Keystring);
+    cry::WipeBytes(session_.cipher.FieldKey);
+}
+
+void Sitting::Create(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (std::filesystem::exists(std::filesystem::symlink_status(path, ignored)))
+        throw Failure(path.string() + " exists already.");
+    session_.DatabasePath = path;
+    session_.DefaultPathChosen = true;  // the name is known: no dialog
+    Check(store::NewDatabase(session_));
+}
+
+void Sitting::Open(const std::filesystem::path& path) {
+    session_.DatabasePath = path;
+    const int unusable = store::TestOpen(session_, path);
+    if (unusable != 0) {
+        const std::string told = prompter_.LastBox().text;
+        throw Failure(path.string() + ": " + (told.empty() ? store::ExplainOpenFailure(unusable) : told));
+    }
+    session_.DatabasePath = path;
+    const int error = store::OpenDatabaseFile(session_);
+    const int told = prompter_.LastBox().number;
+    // Nothing shorter than 8 characters ever became a passphrase.
+    if (error != 0 && (told == kWrongPassphrase || told == kTooShort))
+        throw Failure(Msg(kWrongPassphrase), 2);
+    Check(error);
+}
+
+void Sitting::Close() {
+    Check(store::CloseDatabase(session_));
+}
+
+void Sitting::Check(int error) {
+    if (error == 0) return;
+    if (!prompter_.Problem().empty()) throw Failure(prompter_.Problem());
+    if (!prompter_.LastBox().text.empty()) throw Failure(prompter_.LastBox().text);
+    if (error < 0 && error != store::kQuitProgram && !Msg(-error).empty()) throw Failure(Msg(-error));
+    throw Failure(store::ExplainOpenFailure(error));
+}
+
+}  // namespace bmr::tools

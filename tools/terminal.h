@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "crypto/secret.h"
+
+namespace bmr::tools {
+
+/// No core dumps, and no other process of the user may attach: a dump would hold the keys.
+void HardenProcess();
+
+/// `text` (UTF-8) on one line, every character that could steer a terminal replaced by "?".
+std::string Printable(const std::string& text);
+
+/// Where passphrases come from: the terminal, without echo, or lines of a file descriptor.
+class PassphraseInput {
+  public:
+    /// `fd` below 0 asks on the terminal.
+    explicit PassphraseInput(int fd) : fd_(fd) {}
+
+    /// A person sits there, who can be asked twice.
+    bool Interactive() const { return fd_ < 0; }
+
+    /// One line, in code page 1252, without its line end. False on an end of input, on a break-off and on a
+    /// character that the page does not hold; `Problem` then says why in plain words.
+    bool Read(const std::string& prompt, Secret& typed);
+
+    /// A question to be answered by y or n; everything else is no. REQUIRES: Interactive.
+    bool Confirm(const std::string& question);
+
+    const std::string& Problem() const { return problem_; }
+
+  private:
+    bool ReadLine(const std::string& prompt, bool echo, Secret& line);
+    int fd_;
+    std::string problem_;
+};
+
+}  // namespace bmr::tools

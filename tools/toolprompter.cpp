@@ -1,0 +1,66 @@
+#include "toolprompter.h"
+
+#include <chrono>
+#include <thread>
+
+#include "base/languageus.h"
+#include "shell/passcheck.h"
+
+namespace bmr::tools {
+
+Answer ToolPrompter::Ask(const Box& box) {
+    last_ = box;
+    switch (box.buttons) {
+        case Buttons::Ok:
+            return Answer::Ok;
+        case Buttons::YesNo:
+            return Answer::No;
+        case Buttons::OkCancel:
+        case Buttons::RetryCancel:
+            break;
+    }
+    return Answer::Cancel;
+}
+
+bool ToolPrompter::AskNew(const PassphraseRequest& request, Secret& typed) {
+    if (!input_.Read(request.prompt + " ", typed)) {
+        problem_ = input_.Problem();
+        return false;
+    }
+    if (!input_.Interactive()) return true;
+    if (request.checkQuality && shell::IsWeak(typed.view()) && !input_.Confirm(Msg(158))) {
+        problem_ = Msg(45);
+        return false;
+    }
+    Secret again;
+    if (!input_.Read(Msg(42) + " ", again)) {
+        problem_ = input_.Problem();
+        return false;
+    }
+    if (again.view() != typed.view()) {
+        problem_ = "The two passphrases differ.";
+        return false;
+    }
+    return true;
+}
+
+bool ToolPrompter::AskSecret(const PassphraseRequest& request, Secret& typed) {
+    if (request.confirm) return AskNew(request, typed);
+    if (!current_.empty()) {
+        typed = current_.Copy();
+        return true;
+    }
+    if (!input_.Read(request.prompt + ": ", typed)) {
+        problem_ = input_.Problem();
+        return false;
+    }
+    if (keep_) current_ = typed.Copy();
+    return true;
+}
+
+void ToolPrompter::PauseAfterFailure() {
+    // The same price for a guess as in the window.
+    std::this_thread::sleep_for(std::chrono::milliseconds(2000));
+}
+
+}  // namespace bmr::tools

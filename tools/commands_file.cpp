@@ -1,0 +1,113 @@
+#include <iostream>
+
+#include "base/languageus.h"
+#include "commands.h"
+#include "recordjson.h"
+#include "recordkinds.h"
+#include "sitting.h"
+#include "store/keyrecords.h"
+#include "store/lifecycle.h"
+#include "store/record_get.h"
+
+namespace bmr::tools {
+
+void RunNew(const Options& options) {
+    Sitting sitting(options.passphraseFd);
+    sitting.Create(options.file);
+    sitting.Close();
+}
+
+void RunPasswd(const Options& options) {
+    Sitting sitting(options.passphraseFd);
+    sitting.prompter().KeepCurrent();
+    sitting.Open(options.file);
+    if (!store::ChangePassphrase(sitting.session())) {
+        const std::string& problem = sitting.prompter().Problem();
+        throw Failure(problem.empty() ? Msg(124) : problem + " " + Msg(124));
+    }
+    sitting.Close();
+}
+
+void RunCompact(const Options& options) {
+    Sitting sitting(options.passphraseFd);
+    sitting.prompter().KeepCurrent();
+    sitting.Open(options.file);
+    sitting.Check(store::RepairAndCompact(sitting.session()));
+    sitting.Close();
+}
+
+namespace {
+
+/// Rows by class, counted without deciphering.
+Json CountRows(store::Session& session) {
+    Json counts = Json::object();
+    auto cursor =
+        session.ProgramDb->Select("SELECT fSec, Count(*) AS N FROM tt WHERE fSec >= 11 GROUP BY fSec");
+    if (!cursor) throw Failure(session.ProgramDb->LastError());
+    while (cursor->Next()) {
+        const RecordKind* kind = KindOf(cursor->Int(0), 0);
+        counts[kind == nullptr ? "class " + std::to_string(cursor->Int(0)) : std::string(kind->title)] =
+            cursor->Int(1);
+    }
+    return counts;
+}
+
+/// What a list shows must be what the record says.
+std::string FaultInColumns(const Row& row, std::string_view payload) {
+    if (row.fSec != store::Section::Todo) return {};
+    const Bytes description = TextOf(store::GetPayloadField(payload, 0));
+    return TrimBlanks(row.listText) == TrimBlanks(description) ? "" : "fT1 and Description differ";
+}
+
+}  // namespace
+
+void RunInfo(const Options& options) {
+    Sitting sitting(options.passphraseFd);
+    sitting.Open(options.file);
+    store::Session& session = sitting.session();
+    Json info;
+    info["file"] = options.file.string();
+    info["bytes"] = std::filesystem::file_size(options.file);
+    info["version"] = store::ReadDatabaseVersion(session);
+    info["user"] = ToUtf8(session.user.UserName);
+    info["showPrivate"] = session.ShowPrivate;
+    info["records"] = CountRows(session);
+    if (options.json) {
+        std::cout << DumpLine(info, 2) << '\n';
+        return;
+    }
+    for (const auto& [name, value] : info.items())
+        if (name != "records")
+            std::cout << Printable(name + ": " +
+                                   (value.is_string() ? value.get<std::string>() : value.dump()))
+                      << '\n';
+    for (const auto& [name, count] : info["records"].items())
+        std::cout << name << ": " << count << '\n';
+}
+
+void RunCheck(const Options& options) {
+    Sitting sitting(options.passphraseFd);
+    sitting.Open(options.file);
+    store::Session& session = sitting.session();
+    std::int64_t faults = 0;
+    std::int64_t records = 0;
+    for (const std::string& line : session.ProgramDb->CheckIntegrity()) {
+        std::cout << "file: " << Printable(line) << '\n';
+        ++faults;
+    }
+    const int error =
+        ForEachRow(session, "", ListTexts::Decipher, [&](const Row& row, std::string_view payload) {
+            ++records;
+            std::string fault = FaultOf(row, payload);
+            if (fault.empty()) fault = FaultInColumns(row, payload);
+            if (fault.empty()) return;
+            std::cout << "fPK " << row.fPK << ", fSec " << row.fSec << ": " << fault << '\n';
+            ++faults;
+        });
+    sitting.Check(error);
+    if (faults != 0)
+        throw Failure(std::to_string(faults) + " faults found in " + options.file.string() + ".");
+    std::cout << records << " records, all whole.\n";
+}
+
+}  // namespace bmr::tools

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/bytes.h"
+#include "store/session.h"
+
+namespace bmr::tools {
+
+/// The columns of `tt` that are read in clear, and the two texts.
+struct Row {
+    std::int32_t fPK = 0;
+    std::int32_t fSec = 0;
+    std::int32_t fSub = 0;
+    std::optional<std::int32_t> fG1;
+    std::int32_t fR1 = 0;
+    std::int32_t fR2 = 0;
+    std::int32_t fR3 = 0;
+    bool fF1 = false;
+    bool fF2 = false;
+    bool fF3 = false;
+    Bytes fEtx;
+    Bytes fT1;
+    /// fT1 deciphered, where it was asked for.
+    Bytes listText;
+};
+
+/// Whether the payload of such a row stands under the field cipher; keystrings and users have their own.
+bool IsFieldCiphered(const Row& row);
+
+enum class ListTexts { Leave, Decipher };
+
+/// Reads all rows that meet `condition` ("" for all; "fSec=15"), by class and key, deciphering many at a
+/// time. `each` gets the row and its plain payload, empty where it does not decipher or is under another
+/// cipher. 0 or the engine's number.
+[[nodiscard]] int ForEachRow(store::Session& session, const std::string& condition, ListTexts listTexts,
+                             const std::function<void(const Row& row, std::string_view payload)>& each);
+
+/// Whether the row stays out of sight: private records do unless the settings or `showPrivate` show them, and
+/// so does what cannot be read, since it might be private. Rows of the system are never hidden.
+bool IsHidden(const store::Session& session, bool showPrivate, const Row& row, std::string_view payload);
+
+/// The row of a key, unless it is hidden.
+Result<Row> FindRow(store::Session& session, std::int32_t fPK, bool showPrivate);
+
+}  // namespace bmr::tools

@@ -1,0 +1,48 @@
+#include <iostream>
+#include <string_view>
+
+#include "sitting.h"
+#include "store/db.h"
+#include "store/record_put.h"
+
+/// usage: alter_database FILE newer|hide, the passphrase on standard input. Brings a database into states
+/// that no command of bmr makes: last changed by a newer program, or with private records hidden.
+namespace {
+
+using namespace bmr;
+
+int MakeNewer(store::Session& session) {
+    Bytes payload;
+    for (std::uint8_t number = 0; number <= 16; ++number)
+        store::AppendField(payload, number, Bytes(number == 2 ? "202" : ""), store::FieldTag::Text,
+                           session.ports.random);
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    store::Recordset& row = **table;
+    row.FindFirst("fSec=1 And fSub=3");
+    if (row.NoMatch()) return 1;
+    row.Edit();
+    row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));
+    return row.Update();
+}
+
+int Hide(store::Session& session) {
+    session.ShowPrivate = false;
+    return store::WriteSettings(session);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) return 2;
+    try {
+        tools::Sitting sitting(0);
+        sitting.Open(argv[1]);
+        sitting.Check(std::string_view(argv[2]) == "newer" ? MakeNewer(sitting.session())
+                                                           : Hide(sitting.session()));
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

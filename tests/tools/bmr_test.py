@@ -1,0 +1,322 @@
+#!/usr/bin/env python3
+"""Drives the real bmr and sampledb end to end.
+
+usage: bmr_test.py BMR SAMPLEDB ALTER DATA [unittest arguments]
+"""
+import json
+import os
+import pathlib
+import pty
+import select
+import shutil
+import sqlite3
+import stat
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+import unittest
+
+BMR, SAMPLEDB, ALTER, DATA = sys.argv[1:5]
+PASS = "Blue kettle 7 – Ü"
+FOREIGN_PASS = "correct Horse 9"
+
+
+def call(program, *args, secret=PASS):
+    """Runs a program that reads `secret` from a descriptor of its own."""
+    args = [str(a) for a in args]
+    reader, writer = os.pipe()
+    os.write(writer, secret if isinstance(secret, bytes) else (secret + "\n").encode())
+    os.close(writer)
+    try:
+        return subprocess.run([program, *args, "--passphrase-fd", str(reader)], pass_fds=[reader],
+                              capture_output=True, encoding="utf-8", timeout=120)
+    finally:
+        os.close(reader)
+
+
+class Base(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.file = self.folder / "plans.bmr"
+
+    def bmr(self, command, *args, file=None, secret=PASS, status=0):
+        done = call(BMR, command, file or self.file, *args, secret=secret)
+        self.assertEqual(done.returncode, status, f"bmr {command} {args}: {done.stdout}{done.stderr}")
+        if status:
+            self.assertRegex(done.stderr, r"\Abmr: [^\n]+\n\Z")
+        else:
+            self.assertEqual(done.stderr, "")
+        self.assertEqual(sorted(self.folder.glob("*-journal")), [])
+        return done.stdout if status == 0 else done.stderr
+
+    def listed(self, *args, **kwargs):
+        return json.loads(self.bmr("list", "todo", "--json", *args, **kwargs))
+
+    def sample(self, records, seed=1, file=None):
+        done = call(SAMPLEDB, file or self.file, "--records", records, "--seed", seed, "--today", "2026-11-21")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
+    def rows(self, condition):
+        with sqlite3.connect(self.file) as db:
+            return db.execute(f"SELECT * FROM tt WHERE {condition} ORDER BY fPK").fetchall()
+
+
+class ADay(Base):
+    def test_a_task_from_its_first_to_its_last_hour(self):
+        self.bmr("new")
+        self.assertEqual(stat.S_IMODE(self.file.stat().st_mode), 0o600)
+        self.assertIn("exists", self.bmr("new", status=1))
+        keys = [int(self.bmr("add", "todo", *args)) for args in (
+            ["--task", "Überweisung – 35 €", "--note", "a\nb", "--due", "2026-11-30", "--priority", "high"],
+            ["--task", "Call \x1b[31mthe plumber", "--private"],
+            ["--task", "File papers", "--due", "2020-02-29", "--priority", "low"])]
+        records = self.listed()
+        # Overdue first, then by date, then what has none.
+        self.assertEqual([r["fPK"] for r in records], [keys[2], keys[0], keys[1]])
+        first = records[1]
+        self.assertEqual(first, {
+            "fPK": keys[0], "section": "Todo", "fSec": 15, "fSub": 0, "Description": "Überweisung – 35 €",
+            "Memo": "a\r\nb", "Private": False, "UserNumber": 0, "priority": 0, "dueDate": "2026-11-30",
+            "completed": False, "completedDate": None, "hasNote": True,
+            "category": {"number": 0, "name": "Unfiled"}})
+        self.assertEqual((records[2]["Private"], records[2]["dueDate"], records[2]["priority"]), (True, None, 1))
+        table = self.bmr("list", "todo")
+        self.assertIn("Überweisung – 35 €", table)
+        self.assertNotIn("\x1b", table)
+        self.assertNotIn("\\x1b", self.bmr("show", keys[1]))
+
+        self.bmr("done", keys[0])
+        self.bmr("done", keys[0])
+        self.assertEqual(len(self.listed()), 2)
+        done = [r for r in self.listed("--all") if r["completed"]]
+        self.assertEqual([r["fPK"] for r in done], [keys[0]])
+        self.assertEqual(done[0]["completedDate"], time.strftime("%Y-%m-%d"))
+        self.assertEqual(done[0]["Memo"], "a\r\nb")
+
+        self.bmr("delete", keys[2])
+        self.assertIn("No record found", self.bmr("show", keys[2], status=1))
+        self.assertIn("No record found", self.bmr("delete", keys[2], status=1))
+        self.bmr("compact")
+        self.assertEqual(json.loads(self.bmr("info", "--json"))["records"], {"Todo": 2})
+        self.assertIn("all whole", self.bmr("check"))
+
+    def test_only_records_of_sections_can_be_deleted_or_done(self):
+        shutil.copy(f"{DATA}/foreign.bmr", self.file)
+        for key in (r[0] for r in self.rows("fSec < 11")):
+            self.bmr("delete", key, secret=FOREIGN_PASS, status=1)
+        memo = self.rows("fSec = 14")[0][0]
+        self.bmr("done", memo, secret=FOREIGN_PASS, status=1)
+        key = int(self.bmr("add", "todo", "--task", "x", "--category", "office", secret=FOREIGN_PASS))
+        self.assertEqual([r["fPK"] for r in self.listed("--category", "OFFICE", secret=FOREIGN_PASS)], [key])
+        self.bmr("add", "todo", "--task", "x", "--category", "Harbour", secret=FOREIGN_PASS, status=1)
+
+    def test_what_cannot_be_kept_is_refused_in_words(self):
+        self.bmr("new")
+        before = self.file.read_bytes()
+        self.assertIn("U+0141", self.bmr("add", "todo", "--task", "do Łódź", status=1))
+        for args in (["--due", "2026-02-30"], ["--due", "2069-04-15"], ["--due", "1925-02-21"],
+                     ["--priority", "urgent"]):
+            self.bmr("add", "todo", "--task", "x", *args, status=1)
+        self.bmr("list", "drawer", status=1)
+        self.assertEqual(self.file.read_bytes(), before)
+
+
+class Passphrases(Base):
+    def test_a_change_leaves_the_keys_and_the_records(self):
+        self.sample(20)
+        fixed = "fSec >= 11 OR (fSec = 1 AND fSub < 3)"
+        before = self.rows(fixed)
+        self.bmr("passwd", secret=f"{PASS}\nRed saucer 8!\n".encode())
+        self.assertEqual(self.rows(fixed), before)
+        self.assertIn("Password not correct", self.bmr("list", "todo", status=2))
+        self.bmr("check", secret="Red saucer 8!")
+        self.assertIn("left unchanged", self.bmr("passwd", secret=b"Red saucer 8!\n", status=1))
+        self.bmr("check", secret="Red saucer 8!")
+
+    def test_a_wrong_one_gives_status_2_and_changes_nothing(self):
+        self.bmr("new")
+        before = self.file.read_bytes()
+        self.bmr("list", "todo", secret="not this one", status=2)
+        self.bmr("add", "todo", "--task", "x", secret="not this one", status=2)
+        self.bmr("check", secret="short", status=2)
+        self.bmr("list", "todo", secret=b"", status=1)
+        self.assertIn("character 3", self.bmr("list", "todo", secret="abŁcdefgh", status=1))
+        self.assertEqual(self.file.read_bytes(), before)
+        self.bmr("new", file=self.folder / "b.bmr", secret="short", status=1)
+        self.assertFalse((self.folder / "b.bmr").exists())
+
+    def terminal(self, *args):
+        """Starts bmr on a terminal of its own, until it asks."""
+        pid, master = pty.fork()
+        if pid == 0:
+            os.execv(BMR, [BMR, *args])
+        self.addCleanup(os.close, master)
+        text = self.read_until(master, "passphrase")
+        self.assertFalse(termios.tcgetattr(master)[3] & termios.ECHO)
+        return pid, master, text
+
+    def read_until(self, master, word):
+        text = ""
+        while word.lower() not in text.lower():
+            self.assertTrue(select.select([master], [], [], 20)[0], f"no {word} in {text!r}")
+            try:
+                text += os.read(master, 4096).decode()
+            except OSError:  # the other end is gone
+                break
+        return text
+
+    def test_the_terminal_asks_without_echo(self):
+        self.bmr("new")
+        pid, master, text = self.terminal("info", str(self.file))
+        limits = pathlib.Path(f"/proc/{pid}/limits")
+        if limits.exists():
+            self.assertRegex(limits.read_text(), r"Max core file size +0 +0")
+        os.write(master, (PASS + "\n").encode())
+        text += self.read_until(master, "records of no kind at all")
+        self.assertIn("Admin", text)
+        self.assertNotIn("kettle", text)
+        self.assertEqual(os.waitpid(pid, 0)[1], 0)
+
+    def test_a_broken_off_prompt_gives_the_echo_back(self):
+        self.bmr("new")
+        pid, master, _ = self.terminal("info", str(self.file))
+        os.write(master, b"half a pass\x03")
+        self.read_until(master, "nothing more")
+        status = os.waitpid(pid, 0)[1]
+        self.assertTrue(os.WIFSIGNALED(status), status)
+        self.assertTrue(termios.tcgetattr(master)[3] & termios.ECHO)
+
+
+class BadFiles(Base):
+    def refused(self, path, *, secret=PASS, status=1):
+        before = path.read_bytes() if path.is_file() else None
+        words = ""
+        for command in (["list", "todo"], ["check"], ["add", "todo", "--task", "x"], ["compact"]):
+            words = self.bmr(*command, file=path, secret=secret, status=status)
+        if before is not None:
+            self.assertEqual(path.read_bytes(), before)
+        return words
+
+    def test_what_is_no_database_stays_as_it_is(self):
+        self.bmr("new")
+        whole = self.file.read_bytes()
+        for name, content in (("empty", b""), ("text", b"Dear diary,\n" * 500), ("cut", whole[:len(whole) // 2]),
+                              ("head", whole[:50]), ("noise", os.urandom(8192))):
+            path = self.folder / f"{name}.bmr"
+            path.write_bytes(content)
+            self.refused(path)
+        self.refused(self.folder)
+        self.refused(self.folder / "absent.bmr")
+        self.assertFalse((self.folder / "absent.bmr").exists())
+
+    def test_one_that_may_not_be_read_or_is_in_use(self):
+        self.bmr("new")
+        if os.geteuid() != 0:
+            self.file.chmod(0)
+            self.bmr("list", "todo", status=1)
+            self.file.chmod(0o600)
+        other = sqlite3.connect(self.file, isolation_level=None)
+        other.execute("BEGIN EXCLUSIVE")
+        self.bmr("list", "todo", status=1)
+        other.close()
+        self.bmr("list", "todo")
+
+    def test_a_newer_one_is_left_alone(self):
+        self.bmr("new")
+        subprocess.run([ALTER, self.file, "newer"], check=True, input=PASS.encode())
+        self.assertIn("more recent", self.refused(self.file))
+
+
+class Foreign(Base):
+    def expected(self, value):
+        if not isinstance(value, dict):
+            return value
+        if "at" in value:
+            return value["at"].replace(" ", "T")
+        return value[next(key for key in ("date", "time", "hex") if key in value)]
+
+    def test_a_file_of_another_program_dumps_as_it_tells(self):
+        shutil.copy(f"{DATA}/foreign.bmr", self.file)
+        before = self.file.read_bytes()
+        dump = json.loads(self.bmr("dump", "--json", secret=FOREIGN_PASS))
+        with open(f"{DATA}/foreign.json", encoding="utf-8") as told:
+            rows = {row["fPK"]: row for row in json.load(told)["rows"]}
+        self.assertEqual(sorted(r["fPK"] for r in dump), sorted(rows))
+        fields = 0
+        for record in dump:
+            row = rows[record["fPK"]]
+            self.assertEqual((record["fSec"], record["fSub"]), (row["fSec"], row["fSub"]))
+            if "categories" in row:
+                self.assertEqual([[c["name"], c["number"]] for c in record["categories"]], row["categories"])
+                continue
+            for key, value in row.get("payload", {}).items():
+                number, name = key.split(" ", 1)
+                if name in ("PwVerifier", "WrappedKey"):
+                    self.assertNotIn(name, record)
+                    continue
+                name = f"field{number}" if name.startswith("reserved") else name
+                self.assertEqual(record[name], self.expected(value), f"{record['fPK']} {key}")
+                fields += 1
+            if "category" in row and row["fSec"] != 16:
+                self.assertEqual(record["category"]["name"], row["category"])
+            if row["fSec"] == 15:
+                column = row["columns"]
+                self.assertEqual(record["priority"], column["fR1"]["priority"])
+                self.assertEqual(record["dueDate"],
+                                 column["fR3"]["date"] if column["fR3"]["hasDueDate"] else None)
+                self.assertEqual(record["completedDate"],
+                                 column["fR2"]["date"] if column["fR2"]["completed"] else None)
+                self.assertEqual(record["hasNote"], column["fF2"]["hasNote"])
+        self.assertGreater(fields, 140)
+        self.assertIn("all whole", self.bmr("check", secret=FOREIGN_PASS))
+        self.assertEqual(self.file.read_bytes(), before)
+
+
+class Samples(Base):
+    def test_a_thousand_tasks_are_whole_believable_and_repeatable(self):
+        self.sample(1000, seed=5)
+        self.assertIn("all whole", self.bmr("check"))
+        records = self.listed("--all")
+        self.assertEqual(len(records), 1000)
+        self.assertGreater(len({r["Description"] for r in records}), 300)
+        for name, low, high in (("Private", 60, 200), ("completed", 250, 600), ("hasNote", 200, 500)):
+            self.assertTrue(low < sum(r[name] for r in records) < high, name)
+        self.assertGreater(len({r["category"]["name"] for r in records}), 5)
+        other = self.folder / "other.bmr"
+        self.sample(1000, seed=5, file=other)
+        bare = lambda rs: sorted(json.dumps(r, sort_keys=True) for r in (dict(r, fPK=0) for r in rs))
+        self.assertEqual(bare(self.listed("--all", file=other)), bare(records))
+
+    def test_private_records_follow_the_settings(self):
+        self.sample(200)
+        private = {r["fPK"] for r in self.listed("--all") if r["Private"]}
+        self.assertTrue(private)
+        subprocess.run([ALTER, self.file, "hide"], check=True, input=PASS.encode())
+        shown = self.listed("--all")
+        self.assertEqual(len(shown), 200 - len(private))
+        self.assertFalse(any(r["Private"] for r in shown))
+        self.assertEqual(len(self.listed("--all", "--private")), 200)
+        key = private.pop()
+        self.bmr("show", key, status=1)
+        self.bmr("delete", key, status=1)
+        self.bmr("show", key, "--private")
+        self.assertNotIn(f'"fPK":{key},', self.bmr("dump", "--json"))
+
+    def test_check_names_what_does_not_decode(self):
+        self.sample(50)
+        keys = [row[0] for row in self.rows("fSec = 15")]
+        with sqlite3.connect(self.file) as db:
+            db.execute("UPDATE tt SET fEtx = randomblob(64) WHERE fPK = ?", (keys[7],))
+            db.execute("UPDATE tt SET fT1 = (SELECT fT1 FROM tt WHERE fPK = ?) WHERE fPK = ?", (keys[1], keys[9]))
+        done = call(BMR, "check", self.file)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(f"fPK {keys[7]}, fSec 15", done.stdout)
+        self.assertIn("faults", done.stderr)
+        self.assertNotIn(keys[7], [r["fPK"] for r in self.listed("--all") if r.get("Private") is False])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[5:]], verbosity=1)

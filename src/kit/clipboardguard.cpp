@@ -53,13 +53,14 @@ QVariant SecretMime::retrieveData(const QString& type, QMetaType preferred) cons
 
 ClipboardGuard::ClipboardGuard(QClipboard& clipboard, RandomSource& random, const Clock& clock,
                                QObject* parent)
-    : QObject(parent), clipboard_(clipboard), random_(random), state_(clock) {
+    : QObject(parent), clipboard_(clipboard), random_(random), probe_(MakeClipboardProbe()), state_(clock) {
     timerClipboard.setObjectName("timerClipboard");
     timerClipboard.setSingleShot(true);
     connect(&timerClipboard, &QTimer::timeout, this, &ClipboardGuard::ClearClipboard);
     connect(&second_, &QTimer::timeout, this, &ClipboardGuard::Tell);
     connect(&clipboard_, &QClipboard::dataChanged, this, &ClipboardGuard::ClipboardChanged);
     connect(&clipboard_, &QClipboard::selectionChanged, this, &ClipboardGuard::SelectionChanged);
+    if (probe_) probe_->Ask();
     // On from the start, but without a word: the user has copied nothing yet.
     timerClipboard.start(static_cast<int>(shell::ClipboardTimer::kInterval));
 }
@@ -93,7 +94,7 @@ void ClipboardGuard::Tell() {
 void ClipboardGuard::ClearClipboard() {
     own_ = true;
     const bool ours = clipboard_.ownsClipboard();
-    if (ours || alsoForeign) {
+    if (ours || (alsoForeign && !(probe_ && probe_->HoldsText() == false))) {
         qsizetype length = kForeignLength;
         if (ours) {
             // Wiped where it lies first: that much works even if the platform refuses the rest.
@@ -117,7 +118,11 @@ void ClipboardGuard::ClearClipboard() {
 }
 
 void ClipboardGuard::ClipboardChanged() {
-    if (own_ || !clipboard_.ownsClipboard()) return;
+    if (own_) return;
+    if (!clipboard_.ownsClipboard()) {
+        if (probe_) probe_->Ask();
+        return;
+    }
     // Some field of ours has copied in its own way: put the same text there in a form that can be taken back.
     // Nobody has read it yet, since readers are served by this thread.
     const QMimeData* data = clipboard_.mimeData();

@@ -4,10 +4,12 @@
 #include <QMimeData>
 #include <QObject>
 #include <QTimer>
+#include <memory>
 
 #include "base/clock.h"
 #include "base/random.h"
 #include "crypto/secret.h"
+#include "kit/platform.h"
 #include "shell/timeout.h"
 
 namespace bmr::kit {
@@ -47,7 +49,8 @@ class ClipboardGuard final : public QObject {
                    QObject* parent = nullptr);
     ~ClipboardGuard() override;
 
-    /// Also what other programs have copied; on unless the user says otherwise.
+    /// Also text that other programs have copied; on unless the user says otherwise. What is known to be no
+    /// text (a picture, files) is left alone.
     bool alsoForeign = true;
 
     /// Puts `text` into the clipboard and arms the guard.
@@ -75,6 +78,7 @@ class ClipboardGuard final : public QObject {
 
     QClipboard& clipboard_;
     RandomSource& random_;
+    std::unique_ptr<ClipboardProbe> probe_;
     shell::ClipboardTimer state_;
     QTimer timerClipboard;
     QTimer second_;

@@ -20,4 +20,11 @@ std::unique_ptr<KeyPort> MakeKeyPort() {
     return port ? std::move(port) : MakePostKeyPort();
 }
 
+std::unique_ptr<ClipboardProbe> MakeClipboardProbe() {
+#ifdef BMR_HAVE_XCB
+    if (QGuiApplication::platformName() == "xcb") return MakeXcbClipboardProbe();
+#endif
+    return nullptr;
+}
+
 }  // namespace bmr::kit

@@ -68,6 +68,19 @@ class KeyPort {
     virtual std::string Describe() const = 0;
 };
 
+/// Finds out what another program has put into the clipboard, without ever waiting for that program.
+class ClipboardProbe {
+  public:
+    virtual ~ClipboardProbe() = default;
+    /// The clipboard has a new owner, or may have one: asks it what it offers.
+    virtual void Ask() = 0;
+    /// What the answer said; nothing while there is none.
+    virtual std::optional<bool> HoldsText() const = 0;
+};
+
+/// Nothing where the platform has no way to ask without waiting.
+std::unique_ptr<ClipboardProbe> MakeClipboardProbe();
+
 /// The backend for the platform that Qt runs on. REQUIRES: a QGuiApplication. The environment variable
 /// BRINDLEMERE_KEYPORT=post forces the backend that touches nothing outside this program (for tests).
 std::unique_ptr<KeyPort> MakeKeyPort();
@@ -77,5 +90,6 @@ std::unique_ptr<KeyPort> MakeXcbKeyPort();
 std::unique_ptr<KeyPort> MakeWin32KeyPort();
 std::unique_ptr<KeyPort> MakeMacKeyPort();
 std::unique_ptr<KeyPort> MakePostKeyPort();
+std::unique_ptr<ClipboardProbe> MakeXcbClipboardProbe();
 
 }  // namespace bmr::kit

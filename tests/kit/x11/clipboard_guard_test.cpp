@@ -87,5 +87,20 @@ TEST_F(ClipboardLife, AForeignOwnerThatHangsHoldsUpNothing) {
     EXPECT_FALSE(other.HasOwner("CLIPBOARD"));
 }
 
+TEST_F(ClipboardLife, OnlyWhatMayBeTextIsTakenFromOthers) {
+    struct Case {
+        const char* kind;
+        bool stays;
+    };
+    for (const Case c : {Case{"image/png", true}, Case{"UTF8_STRING", false}}) {
+        ClipboardClient owner;
+        owner.OwnAndOffer(c.kind);
+        Live(100);
+        guard.ClearClipboard();
+        Live(50);
+        EXPECT_EQ(other.HasOwner("CLIPBOARD"), c.stays) << c.kind;
+    }
+}
+
 }  // namespace
 }  // namespace bmr::kit

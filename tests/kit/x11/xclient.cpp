@@ -263,4 +263,31 @@ void ClipboardClient::OwnAndHang(const std::string& selection) {
     Sync();
 }
 
+void ClipboardClient::OwnAndOffer(const std::string& kind) {
+    const xcb_atom_t offered = Atom(kind);
+    OwnAndHang("CLIPBOARD");
+    answers_ = std::thread([this, offered] {
+        while (!stop_) {
+            const auto event = NextEvent(connection());
+            if (!event || (event->response_type & 0x7FU) != XCB_SELECTION_REQUEST) continue;
+            const auto* asked = reinterpret_cast<xcb_selection_request_event_t*>(event.get());
+            xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, asked->requestor, asked->property,
+                                XCB_ATOM_ATOM, 32, 1, &offered);
+            xcb_selection_notify_event_t answer{};
+            answer.response_type = XCB_SELECTION_NOTIFY;
+            answer.requestor = asked->requestor;
+            answer.selection = asked->selection;
+            answer.target = asked->target;
+            answer.property = asked->property;
+            xcb_send_event(connection(), 0, asked->requestor, 0, reinterpret_cast<const char*>(&answer));
+            xcb_flush(connection());
+        }
+    });
+}
+
+ClipboardClient::~ClipboardClient() {
+    stop_ = true;
+    if (answers_.joinable()) answers_.join();
+}
+
 }  // namespace bmr::test

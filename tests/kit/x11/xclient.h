@@ -140,6 +140,13 @@ class ClipboardClient final : public XClient {
     /// The text as somebody who pastes gets it; nothing when it is refused or does not come.
     std::optional<std::string> Read(const std::string& selection, const std::string& target) const;
     void OwnAndHang(const std::string& selection);
+    /// Owns the clipboard and says to whoever asks that it has this kind and no other.
+    void OwnAndOffer(const std::string& kind);
+    ~ClipboardClient();
+
+  private:
+    std::atomic<bool> stop_ = false;
+    std::thread answers_;
 };
 
 }  // namespace bmr::test

@@ -61,8 +61,8 @@ std::optional<Day> ParseIsoDate(std::string_view text) {
             return std::nullopt;
         }
     }
-    const year_month_day date(year(parts[0]), month(static_cast<unsigned>(parts[1])),
-                              day(static_cast<unsigned>(parts[2])));
+    const year_month_day date{year(parts[0]), month(static_cast<unsigned>(parts[1])),
+                              day(static_cast<unsigned>(parts[2]))};
     if (!date.ok() || parts[0] == 0) return std::nullopt;
     return DayFrom(date);
 }

@@ -1,141 +1,131 @@
 #include "crypto/blowfish.h"
 
-#include <algorithm>
+#include <utility>
+
+#include "crypto/secret.h"
 
 namespace bmr::cry {
 namespace {
 
-using Keys = std::span<const std::array<std::uint8_t, kBlowfishKeyBytes>>;
-
-inline std::uint32_t LoadBig(const std::uint8_t* bytes) {
-    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 |
-           bytes[3];
+std::uint32_t LoadWord(const std::uint8_t* bytes) {
+    return static_cast<std::uint32_t>(bytes[0]) << 24 | static_cast<std::uint32_t>(bytes[1]) << 16 |
+           static_cast<std::uint32_t>(bytes[2]) << 8 | static_cast<std::uint32_t>(bytes[3]);
 }
 
-inline void StoreBig(std::uint32_t word, std::uint8_t* bytes) {
-    for (int i = 3; i >= 0; --i, word >>= 8)
-        bytes[i] = static_cast<std::uint8_t>(word);
+void StoreWord(std::uint32_t word, std::uint8_t* bytes) {
+    bytes[0] = static_cast<std::uint8_t>(word >> 24);
+    bytes[1] = static_cast<std::uint8_t>(word >> 16);
+    bytes[2] = static_cast<std::uint8_t>(word >> 8);
+    bytes[3] = static_cast<std::uint8_t>(word);
 }
 
-inline std::uint32_t Mix(const BlowfishKey& key, std::uint32_t x) {
-    return ((key.s[x >> 24] + key.s[256 + (x >> 16 & 255)]) ^ key.s[512 + (x >> 8 & 255)]) +
-           key.s[768 + (x & 255)];
-}
-
-/// One block through every lane: the lanes do not wait for each other.
-template <std::size_t Lanes>
-[[gnu::always_inline]] inline void EncryptLanes(BlowfishKey* keys, std::uint32_t (&left)[Lanes],
-                                                std::uint32_t (&right)[Lanes]) {
-    for (std::size_t round = 0; round < 16; round += 2) {
-#pragma GCC unroll 8
-        for (std::size_t lane = 0; lane < Lanes; ++lane) {
-            left[lane] ^= keys[lane].p[round];
-            right[lane] ^= Mix(keys[lane], left[lane]);
-        }
-#pragma GCC unroll 8
-        for (std::size_t lane = 0; lane < Lanes; ++lane) {
-            right[lane] ^= keys[lane].p[round + 1];
-            left[lane] ^= Mix(keys[lane], right[lane]);
-        }
-    }
-#pragma GCC unroll 8
-    for (std::size_t lane = 0; lane < Lanes; ++lane) {
-        const std::uint32_t kept = left[lane];
-        left[lane] = right[lane] ^ keys[lane].p[17];
-        right[lane] = kept ^ keys[lane].p[16];
-    }
-}
-
-template <std::size_t Lanes>
-void ScheduleLanes(const std::array<std::uint8_t, kBlowfishKeyBytes>* keys, BlowfishKey* schedules) {
-    for (std::size_t lane = 0; lane < Lanes; ++lane) {
-        BlowfishKey& schedule = schedules[lane];
-        for (std::size_t i = 0; i < schedule.p.size(); ++i)
-            schedule.p[i] = kPiWords[i] ^ LoadBig(keys[lane].data() + i % 4 * 4);
-        std::copy(kPiWords.begin() + 18, kPiWords.end(), schedule.s.begin());
-    }
-    std::uint32_t left[Lanes] = {};
-    std::uint32_t right[Lanes] = {};
-    for (std::size_t i = 0; i < 18; i += 2) {
-        EncryptLanes<Lanes>(schedules, left, right);
-#pragma GCC unroll 8
-        for (std::size_t lane = 0; lane < Lanes; ++lane) {
-            schedules[lane].p[i] = left[lane];
-            schedules[lane].p[i + 1] = right[lane];
-        }
-    }
-    for (std::size_t i = 0; i < 1024; i += 2) {
-        EncryptLanes<Lanes>(schedules, left, right);
-#pragma GCC unroll 8
-        for (std::size_t lane = 0; lane < Lanes; ++lane) {
-            schedules[lane].s[i] = left[lane];
-            schedules[lane].s[i + 1] = right[lane];
-        }
-    }
-}
+/// Blocks of one field that are deciphered in one loop.
+constexpr std::size_t kBlocksAtOnce = 4;
 
 }  // namespace
 
-void Schedule(Keys keys, std::span<BlowfishKey> schedules) {
-    switch (keys.size()) {
-        case 1:
-            return ScheduleLanes<1>(keys.data(), schedules.data());
-        case 2:
-            return ScheduleLanes<2>(keys.data(), schedules.data());
-        case 3:
-            return ScheduleLanes<3>(keys.data(), schedules.data());
-        case 4:
-            return ScheduleLanes<4>(keys.data(), schedules.data());
-        case 5:
-            return ScheduleLanes<5>(keys.data(), schedules.data());
-        case 6:
-            return ScheduleLanes<6>(keys.data(), schedules.data());
-        default:
-            return;
+/// The rounds over several blocks at once. A round is written out for all lanes before the next one begins:
+/// lanes do not depend on each other, so the processor works on one while another waits for its table words.
+struct Blowfish::Kernel {
+    template <std::size_t kCount>
+    using Half = std::array<std::uint32_t, kCount>;
+
+    static std::uint32_t Mix(const Words& words, std::uint32_t x) {
+        const std::uint32_t* s = words.data() + kP;
+        return ((s[x >> 24] + s[256 + (x >> 16 & 255)]) ^ s[512 + (x >> 8 & 255)]) + s[768 + (x & 255)];
+    }
+
+    /// Lane n runs under ciphers[n * stride]; deciphering takes the P-array from its end.
+    template <bool kForward, std::size_t kStride, std::size_t... kLane>
+    [[gnu::always_inline]] static void Rounds(std::index_sequence<kLane...>, const Blowfish* ciphers,
+                                              Half<sizeof...(kLane)>& left, Half<sizeof...(kLane)>& right) {
+        const auto place = [](std::size_t i) { return kForward ? i : kP - 1 - i; };
+        for (std::size_t round = 0; round < kRounds; round += 2) {
+            ((left[kLane] ^= ciphers[kLane * kStride].words_[place(round)]), ...);
+            ((right[kLane] ^= Mix(ciphers[kLane * kStride].words_, left[kLane])), ...);
+            ((right[kLane] ^= ciphers[kLane * kStride].words_[place(round + 1)]), ...);
+            ((left[kLane] ^= Mix(ciphers[kLane * kStride].words_, right[kLane])), ...);
+        }
+        (std::swap(left[kLane], right[kLane]), ...);
+        ((right[kLane] ^= ciphers[kLane * kStride].words_[place(kRounds)]), ...);
+        ((left[kLane] ^= ciphers[kLane * kStride].words_[place(kRounds + 1)]), ...);
+    }
+
+    template <std::size_t kCount>
+    static void Schedule(const Key* keys, Blowfish* ciphers) {
+        for (std::size_t lane = 0; lane < kCount; ++lane) {
+            ciphers[lane].words_ = kPi;
+            for (std::size_t i = 0; i < kP; ++i)
+                ciphers[lane].words_[i] ^= LoadWord(keys[lane].data() + i * 4 % kKey);
+        }
+        Half<kCount> left{};
+        Half<kCount> right{};
+        for (std::size_t i = 0; i < kPi.size(); i += 2) {
+            Rounds<true, 1>(std::make_index_sequence<kCount>(), ciphers, left, right);
+            for (std::size_t lane = 0; lane < kCount; ++lane) {
+                ciphers[lane].words_[i] = left[lane];
+                ciphers[lane].words_[i + 1] = right[lane];
+            }
+        }
+    }
+
+    template <std::size_t... kBelow>
+    static constexpr auto MakeSchedules(std::index_sequence<kBelow...>) {
+        return std::array{&Schedule<kBelow + 1>...};
+    }
+
+    /// Chained to the cipher text before it, or to the vector.
+    template <std::size_t kCount>
+    static void DecryptBlocks(const Blowfish& cipher, const std::uint8_t* chain, const std::uint8_t* text,
+                              std::uint8_t* plain) {
+        Half<kCount> left;
+        Half<kCount> right;
+        for (std::size_t i = 0; i < kCount; ++i) {
+            left[i] = LoadWord(text + i * kBlock);
+            right[i] = LoadWord(text + i * kBlock + 4);
+        }
+        Rounds<false, 0>(std::make_index_sequence<kCount>(), &cipher, left, right);
+        for (std::size_t i = 0; i < kCount; ++i) {
+            StoreWord(left[i] ^ LoadWord(chain), plain + i * kBlock);
+            StoreWord(right[i] ^ LoadWord(chain + 4), plain + i * kBlock + 4);
+            chain = text + i * kBlock;
+        }
+    }
+};
+
+Blowfish::~Blowfish() {
+    WipeMemory(words_.data(), sizeof(words_));
+}
+
+void Blowfish::SetKeys(std::span<const Key> keys, std::span<Blowfish> ciphers) {
+    static constexpr auto kSchedules = Kernel::MakeSchedules(std::make_index_sequence<kLanes>());
+    kSchedules.at(ciphers.size() - 1)(keys.data(), ciphers.data());
+}
+
+void Blowfish::EncryptCbc(std::span<const std::uint8_t, kBlock> vector, std::span<std::uint8_t> text) const {
+    Kernel::Half<1> left{LoadWord(vector.data())};
+    Kernel::Half<1> right{LoadWord(vector.data() + 4)};
+    for (std::size_t at = 0; at + kBlock <= text.size(); at += kBlock) {
+        std::uint8_t* block = text.data() + at;
+        left[0] ^= LoadWord(block);
+        right[0] ^= LoadWord(block + 4);
+        Kernel::Rounds<true, 0>(std::make_index_sequence<1>(), this, left, right);
+        StoreWord(left[0], block);
+        StoreWord(right[0], block + 4);
     }
 }
 
-void EncryptCbc(const BlowfishKey& key, const std::uint8_t* vector, std::span<std::uint8_t> text) {
-    std::uint32_t left = LoadBig(vector);
-    std::uint32_t right = LoadBig(vector + 4);
-    for (std::size_t at = 0; at + kBlowfishBlock <= text.size(); at += kBlowfishBlock) {
-        left ^= LoadBig(&text[at]);
-        right ^= LoadBig(&text[at + 4]);
-        for (std::size_t round = 0; round < 16; round += 2) {
-            left ^= key.p[round];
-            right ^= Mix(key, left);
-            right ^= key.p[round + 1];
-            left ^= Mix(key, right);
-        }
-        const std::uint32_t kept = left;
-        left = right ^ key.p[17];
-        right = kept ^ key.p[16];
-        StoreBig(left, &text[at]);
-        StoreBig(right, &text[at + 4]);
+void Blowfish::DecryptCbc(std::span<const std::uint8_t, kBlock> vector, std::span<const std::uint8_t> text,
+                          std::span<std::uint8_t> plain) const {
+    const std::uint8_t* chain = vector.data();
+    std::size_t at = 0;
+    for (; at + kBlocksAtOnce * kBlock <= text.size(); at += kBlocksAtOnce * kBlock) {
+        Kernel::DecryptBlocks<kBlocksAtOnce>(*this, chain, text.data() + at, plain.data() + at);
+        chain = text.data() + at + (kBlocksAtOnce - 1) * kBlock;
     }
-}
-
-void DecryptCbc(const BlowfishKey& key, const std::uint8_t* vector, std::span<std::uint8_t> text) {
-    std::uint32_t chainLeft = LoadBig(vector);
-    std::uint32_t chainRight = LoadBig(vector + 4);
-    for (std::size_t at = 0; at + kBlowfishBlock <= text.size(); at += kBlowfishBlock) {
-        const std::uint32_t cipherLeft = LoadBig(&text[at]);
-        const std::uint32_t cipherRight = LoadBig(&text[at + 4]);
-        std::uint32_t left = cipherLeft;
-        std::uint32_t right = cipherRight;
-        for (std::size_t round = 17; round > 1; round -= 2) {
-            left ^= key.p[round];
-            right ^= Mix(key, left);
-            right ^= key.p[round - 1];
-            left ^= Mix(key, right);
-        }
-        const std::uint32_t kept = left;
-        left = right ^ key.p[0];
-        right = kept ^ key.p[1];
-        StoreBig(left ^ chainLeft, &text[at]);
-        StoreBig(right ^ chainRight, &text[at + 4]);
-        chainLeft = cipherLeft;
-        chainRight = cipherRight;
+    for (; at + kBlock <= text.size(); at += kBlock) {
+        Kernel::DecryptBlocks<1>(*this, chain, text.data() + at, plain.data() + at);
+        chain = text.data() + at;
     }
 }
 

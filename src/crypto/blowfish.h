@@ -1,42 +1,49 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <span>
-
-#include "crypto/secret.h"
 
 namespace bmr::cry {
 
-/// The fraction of pi, from which every key schedule starts.
-extern const std::array<std::uint32_t, 1042> kPiWords;
+/// Blowfish (Schneier, "Description of a New Variable-Length Key, 64-Bit Block Cipher", 1993) under keys of
+/// 16 bytes: the cipher of all record content. Our own because a row costs one key schedule, and a schedule
+/// is a chain of 521 encryptions each of which waits for the one before. Several schedules in one loop fill
+/// those waits, and no library offers that.
+class Blowfish {
+  public:
+    static constexpr std::size_t kBlock = 8;
+    static constexpr std::size_t kKey = 16;
+    /// Schedules in one loop. More are hardly quicker, and their tables crowd a first cache of 32 KiB.
+    static constexpr std::size_t kLanes = 6;
+    using Key = std::array<std::uint8_t, kKey>;
 
-/// Blowfish (Schneier, 1993) with keys of 16 bytes. The schedule of a key costs 521 block encryptions, each
-/// waiting for the one before; so a single schedule leaves most of the processor idle, and `Schedule` works
-/// several side by side.
-struct BlowfishKey {
-    std::array<std::uint32_t, 18> p;
-    std::array<std::uint32_t, 1024> s;  ///< four boxes of 256
+    Blowfish() = default;  ///< no key yet
+    explicit Blowfish(const Key& key) { SetKeys({&key, 1}, {this, 1}); }
+    ~Blowfish();
+    Blowfish(const Blowfish&) = delete;
+    Blowfish& operator=(const Blowfish&) = delete;
 
-    BlowfishKey() = default;
-    BlowfishKey(const BlowfishKey&) = delete;
-    BlowfishKey& operator=(const BlowfishKey&) = delete;
-    ~BlowfishKey() { WipeMemory(this, sizeof(*this)); }
+    /// Gives each of `ciphers` its key, the schedules interleaved. REQUIRES: as many keys as ciphers, 1 to
+    /// kLanes.
+    static void SetKeys(std::span<const Key> keys, std::span<Blowfish> ciphers);
+
+    /// Whole blocks in CBC mode (SP 800-38A), in place.
+    void EncryptCbc(std::span<const std::uint8_t, kBlock> vector, std::span<std::uint8_t> text) const;
+    /// Whole blocks of `text` into `plain`, which is as long and does not overlap it.
+    void DecryptCbc(std::span<const std::uint8_t, kBlock> vector, std::span<const std::uint8_t> text,
+                    std::span<std::uint8_t> plain) const;
+
+  private:
+    struct Kernel;
+    static constexpr std::size_t kRounds = 16;
+    static constexpr std::size_t kP = kRounds + 2;
+    /// The P-array, then the four S-boxes: the order in which a schedule fills them.
+    using Words = std::array<std::uint32_t, kP + 4 * 256>;
+    static const Words kPi;
+
+    Words words_;
 };
-
-inline constexpr std::size_t kBlowfishKeyBytes = 16;
-inline constexpr std::size_t kBlowfishBlock = 8;
-
-/// As many schedules as fit the first-level cache with room for the rest.
-inline constexpr std::size_t kBlowfishLanes = 6;
-
-/// Makes `count` schedules (1 to kBlowfishLanes) in one loop. `keys` are 16 bytes each.
-void Schedule(std::span<const std::array<std::uint8_t, kBlowfishKeyBytes>> keys,
-              std::span<BlowfishKey> schedules);
-
-/// CBC over whole blocks of `text`, in place (SP 800-38A). `vector` has 8 bytes.
-void EncryptCbc(const BlowfishKey& key, const std::uint8_t* vector, std::span<std::uint8_t> text);
-void DecryptCbc(const BlowfishKey& key, const std::uint8_t* vector, std::span<std::uint8_t> text);
 
 }  // namespace bmr::cry

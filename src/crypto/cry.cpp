@@ -4,13 +4,14 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 
 #include "crypto/blowfish.h"
 #include "crypto/fieldtext.h"
 
 namespace bmr::cry {
 namespace {
+
+constexpr std::size_t kFieldKeySize = Blowfish::kKey;
 
 /// A value as the text that is enciphered.
 Bytes TextForm(const Value& value) {
@@ -27,27 +28,22 @@ Bytes TextForm(const Value& value) {
     return {text.data(), static_cast<std::size_t>(length)};
 }
 
-/// The schedule of the field key, filled up with zeros where none was picked yet: the operation goes on all
+/// Sets `cipher` to the field key, filled up with zeros where none was picked yet: the operation goes on all
 /// the same.
-void ScheduleFieldKey(const CipherState& state, BlowfishKey& schedule) {
-    std::array<std::uint8_t, kBlowfishKeyBytes> key{};
-    std::copy_n(state.FieldKey.span().begin(), std::min(state.FieldKey.size(), key.size()), key.begin());
-    Schedule({&key, 1}, {&schedule, 1});
+void UseFieldKey(const CipherState& state, Blowfish& cipher) {
+    Blowfish::Key key{};
+    const auto picked = state.FieldKey.span();
+    std::copy_n(picked.begin(), std::min(picked.size(), key.size()), key.begin());
+    Blowfish::SetKeys({&key, 1}, {&cipher, 1});
     WipeMemory(key.data(), key.size());
 }
 
-Bytes EncryptText(CipherState& state, std::string_view text) {
-    Secret padded(text);
-    if (text.empty())
-        padded = Secret(std::string(static_cast<std::size_t>(DrawBelow(*state.random, 13)), ' '));
-    const std::size_t fill = kBlowfishBlock - (padded.size() + 1) % kBlowfishBlock;
-    padded.Append("\x03");
-    padded.Append(std::string(fill, static_cast<char>(fill)));
-    Bytes out = RandomBytes(*state.random, kBlowfishBlock);
-    BlowfishKey key;
-    ScheduleFieldKey(state, key);
-    EncryptCbc(key, reinterpret_cast<const std::uint8_t*>(out.data()), padded.span());
-    out.append(padded.view());
+/// `prefix`, then vector and cipher text of `text`.
+Bytes EncryptText(CipherState& state, std::string_view prefix, std::string_view text) {
+    Bytes out = PaddedField(*state.random, prefix, text);
+    Blowfish cipher;
+    UseFieldKey(state, cipher);
+    EncryptField(cipher, prefix.size(), out);
     return out;
 }
 
@@ -55,8 +51,7 @@ Bytes Encipher(CipherState& state, std::string_view text) {
     if (state.Keystring.empty()) return {};
     const std::int32_t selector = DrawBelow(*state.random, 65536);
     SelectFieldKey(state, selector);
-    Bytes out{ByteChar(static_cast<unsigned>(selector) >> 8), ByteChar(static_cast<unsigned>(selector))};
-    return out += EncryptText(state, text);
+    return EncryptText(state, SelectorText(selector), text);
 }
 
 Bytes Decipher(CipherState& state, std::string_view text) {
@@ -77,7 +72,7 @@ Bytes Decipher(CipherState& state, std::string_view text) {
 }
 
 void TellMissingKey(CipherState& state) {
-    if (state.FieldKey.size() < kBlowfishKeyBytes && state.showMessage) state.showMessage(34);
+    if (state.FieldKey.size() < kFieldKeySize && state.showMessage) state.showMessage(34);
 }
 
 }  // namespace
@@ -90,7 +85,7 @@ Bytes FieldCipher(CipherState& state, int mode, std::string_view text) {
             return Decipher(state, text);
         case 3:
             TellMissingKey(state);
-            return EncryptText(state, text);
+            return EncryptText(state, {}, text);
         case 4:
             TellMissingKey(state);
             BlockDecrypt(state, text);
@@ -110,26 +105,26 @@ Bytes FieldCipher(CipherState& state, int mode, const Value& value) {
 }
 
 void SelectFieldKey(CipherState& state, std::int32_t selector) {
-    if (state.FieldKey.size() != kBlowfishKeyBytes) state.FieldKey = Secret(kBlowfishKeyBytes);
+    if (state.FieldKey.size() != kFieldKeySize) state.FieldKey = Secret(kFieldKeySize);
     PickFieldKey(state.Keystring.span(), static_cast<std::uint32_t>(selector),
-                 state.FieldKey.span().first<kBlowfishKeyBytes>());
+                 state.FieldKey.span().first<kFieldKeySize>());
 }
 
 Bytes BlockEncrypt(CipherState& state, const Value& value) {
     Bytes text = IsBlank(value) ? Bytes() : TextForm(value);
-    Bytes out = EncryptText(state, text);
+    Bytes out = EncryptText(state, {}, text);
     WipeString(text);
     return out;
 }
 
 std::string BlockDecrypt(CipherState& state, std::string_view text) {
-    if (text.size() < kBlowfishBlock || text.size() % kBlowfishBlock != 0) return "Error";
-    state.FieldPlain = Secret(text.substr(kBlowfishBlock));
+    if (text.size() < Blowfish::kBlock || text.size() % Blowfish::kBlock != 0) return "Error";
+    state.FieldPlain = Secret(text.size() - Blowfish::kBlock);
     if (state.FieldPlain.empty()) return "-bad password-";
     ++state.deciphered;
-    BlowfishKey key;
-    ScheduleFieldKey(state, key);
-    DecryptCbc(key, reinterpret_cast<const std::uint8_t*>(text.data()), state.FieldPlain.span());
+    Blowfish cipher;
+    UseFieldKey(state, cipher);
+    DecryptField(cipher, text, state.FieldPlain.span());
     const std::size_t size = PlainSize(state.FieldPlain.view());
     if (size == std::string_view::npos) return "-bad password-";
     state.FieldPlain.Resize(size);

@@ -57,8 +57,8 @@ void DecipherBatch(CipherState& state, std::span<const std::string_view> texts,
                    const std::function<void(std::size_t index, std::string_view plain)>& each,
                    unsigned threads = 0);
 
-/// Enciphers many texts as mode 1 does, each with its own selector and vector, on up to `threads` threads.
-/// For imports.
+/// What mode 1 of `FieldCipher` gives for each of `texts` in turn, to the byte under the same random numbers,
+/// with the schedules of `DecipherBatch`.
 std::vector<Bytes> EncipherBatch(CipherState& state, std::span<const std::string_view> texts,
                                  unsigned threads = 0);
 

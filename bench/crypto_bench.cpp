@@ -39,20 +39,24 @@ int main() {
     cry::CipherState state(random);
     state.Keystring = Secret(cry::RandomBytes(random, 256));
     std::vector<Bytes> fields;
-    for (int i = 0; i < 100000; ++i)
-        fields.push_back(cry::FieldCipher(state, 1, "Renew the library card of number " + std::to_string(i)));
+    // Payloads as records have them: a few tags and a line or two of text.
+    for (std::size_t i = 0; i < 100000; ++i)
+        fields.push_back(cry::FieldCipher(state, 1, Bytes(30 + i * 37 % 170, 'x')));
     const std::vector<std::string_view> all(fields.begin(), fields.end());
     const std::vector<std::string_view> some(all.begin(), all.begin() + 10000);
 
     std::size_t total = 0;
-    const auto batch = [&](const std::vector<std::string_view>& texts) {
-        cry::DecipherBatch(
-            state, texts, [&](std::size_t, std::string_view plain) { total += plain.size(); }, 1);
-    };
     bench::Report report;
-    const double base = bench::BestOf(9, [&] { total += OneByOne(state, some); });
-    report.Ratio("batch10k", bench::BestOf(9, [&] { batch(some); }), base, 0.33);
-    const double base100 = bench::BestOf(9, [&] { total += OneByOne(state, all); });
-    report.Ratio("grouped100k", bench::BestOf(9, [&] { batch(all); }), base100, 0.2);
+    const auto measure = [&](const char* name, const std::vector<std::string_view>& texts, double limit) {
+        const auto best = bench::BestInTurns(
+            9, [&] { total += OneByOne(state, texts); },
+            [&] {
+                cry::DecipherBatch(
+                    state, texts, [&](std::size_t, std::string_view plain) { total += plain.size(); }, 1);
+            });
+        report.Ratio(name, best.ours, best.base, limit);
+    };
+    measure("batch10k", some, 0.33);
+    measure("grouped100k", all, 0.2);
     return total == 0 ? 1 : report.Status();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <string>
 
 namespace bmr::bench {
@@ -16,6 +17,27 @@ double BestOf(int runs, Work work) {
         work();
         const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
         best = std::min(best, took.count());
+    }
+    return best;
+}
+
+/// Best processor seconds of two pieces of work for one core, taken in turns: the ratio then stands even
+/// while other programs use the machine.
+struct BestPair {
+    double base = 1e300;
+    double ours = 1e300;
+};
+template <class Base, class Ours>
+BestPair BestInTurns(int runs, Base base, Ours ours) {
+    const auto seconds = [](auto& work) {
+        const std::clock_t begin = std::clock();
+        work();
+        return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+    };
+    BestPair best;
+    for (int run = 0; run < runs; ++run) {
+        best.base = std::min(best.base, seconds(base));
+        best.ours = std::min(best.ours, seconds(ours));
     }
     return best;
 }

@@ -39,21 +39,23 @@ bool SelectCategory(QComboBox& combo, std::int32_t number) {
 }
 
 QIcon CategoryIcon(std::int32_t number, const QPalette& palette) {
+    const Tint tint = CategoryTint(number, palette);
+    const bool unfiled = number == store::Category::Unfiled;
     QIcon icon;
-    for (const int ratio : {1, 2, 3}) {
-        QPixmap pixmap(16 * ratio, 16 * ratio);
-        pixmap.setDevicePixelRatio(ratio);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const Tint tint = CategoryTint(number, palette);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(number == store::Category::Unfiled ? tint.ground : tint.stripe);
-        if (number == store::Category::Unfiled) painter.setPen(QPen(tint.stripe, 1));
-        painter.drawRoundedRect(QRectF(3.5, 3.5, 9, 9), 2.5, 2.5);
-        icon.addPixmap(pixmap, QIcon::Normal);
-        icon.addPixmap(pixmap, QIcon::Selected);
-    }
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected})
+        for (const int ratio : {1, 2, 3}) {
+            QPixmap pixmap(16 * ratio, 16 * ratio);
+            pixmap.setDevicePixelRatio(ratio);
+            pixmap.fill(Qt::transparent);
+            QPainter painter(&pixmap);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(unfiled ? QPen(tint.stripe, 1) : QPen(Qt::NoPen));
+            if (mode == QIcon::Selected)  // the ground may have the same colour
+                painter.setPen(QPen(palette.color(QPalette::Active, QPalette::HighlightedText), 1));
+            painter.setBrush(unfiled ? tint.ground : tint.stripe);
+            painter.drawRoundedRect(QRectF(3.5, 3.5, 9, 9), 2.5, 2.5);
+            icon.addPixmap(pixmap, mode);
+        }
     return icon;
 }
 

@@ -30,7 +30,7 @@ QCalendarWidget* MakeCalendar(const QPalette& palette) {
     for (const auto day : {Qt::Saturday, Qt::Sunday})
         calendar->setWeekdayTextFormat(day, plain);
     QTextCharFormat header;
-    header.setForeground(palette.color(QPalette::PlaceholderText));
+    header.setForeground(palette.color(QPalette::Text));
     header.setBackground(palette.color(QPalette::Base));
     calendar->setHeaderTextFormat(header);
     const std::pair<const char*, const char*> arrows[] = {{"qt_calendar_prevmonth", "go-previous"},

@@ -12,6 +12,7 @@
 #include "base/ports.h"
 #include "kit/categorycombo.h"
 #include "kit/icons.h"
+#include "kit/recorddelegate.h"
 #include "kit/theme.h"
 #include "kit/words.h"
 #include "store/session.h"
@@ -44,11 +45,12 @@ frmEditCategories::frmEditCategories(store::Session& session, std::uint8_t secti
     CatList->setObjectName("CatList");
     CatList->setAccessibleName(tr("Categories"));
     CatList->setUniformItemSizes(true);
+    CatList->setItemDelegate(new RecordDelegate(CatList));
     lblCount = new QLabel;
     lblCount->setObjectName("lblCount");
     lblCount->setWordWrap(true);
-    cmdNew = MakeButton("cmdNew", "list-add", tr("&New …"));
-    cmdRename = MakeButton("cmdRename", "edit-rename", tr("&Rename …"));
+    cmdNew = MakeButton("cmdNew", "list-add", tr("&New…"));
+    cmdRename = MakeButton("cmdRename", "edit-rename", tr("&Rename…"));
     cmdDelete = MakeButton("cmdDelete", "edit-delete", tr("&Delete"));
     connect(cmdNew, &QPushButton::clicked, this, &frmEditCategories::cmdNew_Click);
     connect(cmdRename, &QPushButton::clicked, this, &frmEditCategories::cmdRename_Click);

@@ -233,7 +233,8 @@ std::optional<std::filesystem::path> QtPrompter::AskSaveFile(const FileRequest& 
 std::optional<std::filesystem::path> QtPrompter::AskFile(const FileRequest& request, bool save) {
     if (Ending()) return std::nullopt;
     if (folder_.isEmpty()) folder_ = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    if (!QFileInfo(folder_).isDir()) folder_ = QDir::homePath();  // else its name would be offered as a file's
+    if (!QFileInfo(folder_).isDir())
+        folder_ = QDir::homePath();  // else its name would be offered as a file's
     QString suffix;
     const QStringList filters = NameFilters(request.filter, suffix);
     QFileDialog form(Over(), QString::fromStdString(request.title), folder_);

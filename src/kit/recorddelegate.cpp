@@ -49,18 +49,25 @@ void RecordDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelI
         option->icon = InOwnInk(option->icon, option->decorationSize, ratio);
     }
     option->textElideMode = Qt::ElideRight;
+    if (index.column() == 0) option->rect.setLeft(option->rect.left() + Space::Tight);
 }
 
 void RecordDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                            const QModelIndex& index) const {
     const auto symbol = index.data(RecordRole::Symbol).value<QIcon>();
-    if (symbol.isNull()) return QStyledItemDelegate::paint(painter, option, index);
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    cell.text.clear();
     const QWidget* widget = cell.widget;
     QStyle* style = widget ? widget->style() : QApplication::style();
+    if (index.column() == 0) {
+        // The first cell stands off the edge; the ground of a selected row does not.
+        QStyleOptionViewItem ground = cell;
+        ground.rect = option.rect;
+        style->drawPrimitive(QStyle::PE_PanelItemViewItem, &ground, painter, widget);
+    }
+    if (!symbol.isNull()) cell.text.clear();
     style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, widget);
+    if (symbol.isNull()) return;
     QRect box(0, 0, kSymbol, kSymbol);
     box.moveCenter(cell.rect.center());
     const bool inverted = (cell.state & QStyle::State_Selected) && (cell.state & QStyle::State_Active);

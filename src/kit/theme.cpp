@@ -62,21 +62,27 @@ class BmrStyle final : public QProxyStyle {
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override {
-        if (element == PE_IndicatorItemViewItemCheck || element == PE_IndicatorCheckBox)
-            return DrawCheckBox(*option, *painter);
+        if (element == PE_IndicatorItemViewItemCheck || element == PE_IndicatorCheckBox ||
+            element == PE_IndicatorRadioButton)
+            return DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-        // Fusion's outlines are shades of the window's colour, and black has none.
-        const bool outlined =
-            element == PE_PanelButtonCommand || element == PE_FrameLineEdit || element == PE_Frame;
-        if (outlined && IsContrast(option->palette)) {
-            painter->setPen(option->palette.color(QPalette::Mid));
-            painter->setBrush(Qt::NoBrush);
-            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
-        }
+        DrawOutline(element, *option, *painter);
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override {
+        QSize whole = QProxyStyle::sizeFromContents(type, option, size, widget);
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        if (type == CT_PushButton && button && !button->icon.isNull()) whole.rwidth() += Space::Margin;
+        return whole;
     }
 
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
-        if (metric == PM_IndicatorWidth || metric == PM_IndicatorHeight) return 16;
+        if (metric == PM_IndicatorWidth || metric == PM_IndicatorHeight ||
+            metric == PM_ExclusiveIndicatorWidth || metric == PM_ExclusiveIndicatorHeight)
+            return 16;
+        if (metric == PM_HeaderMargin) return Space::Row;
+        if (metric == PM_FocusFrameHMargin) return Space::Tight;
         if (metric == PM_LayoutVerticalSpacing) return Space::Row;
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
@@ -121,37 +127,62 @@ class BmrStyle final : public QProxyStyle {
     }
 
   private:
-    // Fusion's own box has an outline of hardly any contrast in the rows of a dark list.
-    static void DrawCheckBox(const QStyleOption& option, QPainter& painter) {
+    // Fusion's outlines are shades of the window's colour: on dark grounds they drown, and black has none.
+    static void DrawOutline(PrimitiveElement element, const QStyleOption& option, QPainter& painter) {
+        const bool edit = element == PE_FrameLineEdit;
+        const bool contrast = IsContrast(option.palette);
+        if (!(edit && IsDark(option.palette)) &&
+            !(contrast && (element == PE_PanelButtonCommand || element == PE_Frame)))
+            return;
+        const bool focused = option.state & State_HasFocus;
+        painter.setPen(QPen(option.palette.color(focused ? QPalette::Highlight : QPalette::Mid),
+                            contrast && focused ? 2 : 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
+    }
+
+    // The same goes for the marks in the rows of a dark list.
+    static void DrawMark(const QStyleOption& option, QPainter& painter, bool round) {
         const QPalette& palette = option.palette;
         const bool enabled = option.state & State_Enabled;
         const bool on = option.state & State_On;
-        const bool partly = option.state & State_NoChange;
+        const bool filled = on || (option.state & State_NoChange);
         const auto group = enabled ? QPalette::Active : QPalette::Disabled;
-        const QColor ink = palette.color(group, QPalette::Text);
         const QColor base = palette.color(QPalette::Active, QPalette::Base);
-        const QColor accent =
-            palette.color(enabled ? QPalette::Active : QPalette::Disabled, QPalette::Highlight);
+        const QColor accent = palette.color(group, QPalette::Highlight);
+        const QColor line = Blend(palette.color(group, QPalette::WindowText), base, 0.35);
         const int side = qMin(option.rect.width(), option.rect.height());
         QRectF box(0, 0, side - 1, side - 1);
         box.moveCenter(QRectF(option.rect).center());
 
         painter.save();
         painter.setRenderHint(QPainter::Antialiasing);
-        const bool filled = on || partly;
-        const bool selected = option.state & State_Selected;
-        painter.setPen(QPen(filled && !selected ? accent : Blend(ink, base, selected ? 0.0 : 0.35), 1.2));
+        const bool hot = !filled && (option.state & (State_MouseOver | State_HasFocus));
+        QPen outline(hot || filled ? accent : line, hot ? 1.6 : 1.2);
+        if (option.state & State_Selected) outline.setColor(palette.color(group, QPalette::HighlightedText));
+        painter.setPen(outline);
         painter.setBrush(filled ? accent : base);
-        if (!filled && (option.state & State_MouseOver)) painter.setPen(QPen(accent, 1.6));
-        painter.drawRoundedRect(box, 3, 3);
-        painter.setPen(QPen(palette.color(group, QPalette::HighlightedText), 2, Qt::SolidLine, Qt::RoundCap,
-                            Qt::RoundJoin));
+        const double radius = round ? box.width() / 2 : 3;
+        painter.drawRoundedRect(box, radius, radius);
+        DrawMarkInside(painter, box, palette.color(group, QPalette::HighlightedText), on, filled, round);
+        painter.restore();
+    }
+
+    static void DrawMarkInside(QPainter& painter, const QRectF& box, const QColor& ink, bool on, bool filled,
+                               bool round) {
         const auto at = [&](double x, double y) {
             return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
         };
-        if (on) painter.drawPolyline(QPolygonF({at(0.24, 0.53), at(0.43, 0.72), at(0.77, 0.30)}));
-        if (partly) painter.drawLine(at(0.25, 0.5), at(0.75, 0.5));
-        painter.restore();
+        painter.setPen(QPen(ink, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        if (on && round) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(ink);
+            painter.drawEllipse(box.center(), box.width() * 0.2, box.height() * 0.2);
+        } else if (on) {
+            painter.drawPolyline(QPolygonF({at(0.24, 0.53), at(0.43, 0.72), at(0.77, 0.30)}));
+        } else if (filled) {
+            painter.drawLine(at(0.25, 0.5), at(0.75, 0.5));
+        }
     }
 };
 

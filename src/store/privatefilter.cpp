@@ -20,14 +20,19 @@ void PrivateBatch::Add(std::string_view text) {
     size_ += text.size();
 }
 
-void PrivateBatch::Test(Session& session, std::uint8_t section,
-                        const std::function<void(std::size_t index, bool isPrivate)>& each) {
-    cry::DecipherBatch(session.cipher, texts_, [&](std::size_t index, std::string_view plain) {
-        each(index, IsPayloadPrivate(plain, section));
-    });
+void PrivateBatch::Decipher(Session& session,
+                            const std::function<void(std::size_t index, std::string_view plain)>& each) {
+    cry::DecipherBatch(session.cipher, texts_, each);
     pieces_.clear();
     texts_.clear();
     size_ = 0;
+}
+
+void PrivateBatch::Test(Session& session, std::uint8_t section,
+                        const std::function<void(std::size_t index, bool isPrivate)>& each) {
+    Decipher(session, [&](std::size_t index, std::string_view plain) {
+        each(index, IsPayloadPrivate(plain, section));
+    });
 }
 
 Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::uint8_t section,

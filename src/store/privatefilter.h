@@ -20,8 +20,11 @@ class PrivateBatch {
     void Add(std::string_view text);
     /// True when enough has come together: test before more is added.
     bool Full() const { return size_ >= kMostBytes; }
-    /// Deciphers what was added, tells for each, in order, whether it is private or cannot be read, and
-    /// starts anew. `index` counts from 0 within this batch.
+    /// Deciphers what was added, gives each plain payload in order, and starts anew. `index` counts from 0
+    /// within this batch; `plain` is valid only inside the call.
+    void Decipher(Session& session,
+                  const std::function<void(std::size_t index, std::string_view plain)>& each);
+    /// The same, but tells for each whether it is private or cannot be read.
     void Test(Session& session, std::uint8_t section,
               const std::function<void(std::size_t index, bool isPrivate)>& each);
 

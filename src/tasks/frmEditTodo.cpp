@@ -1,0 +1,339 @@
+#include "tasks/frmEditTodo.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShortcut>
+#include <QToolButton>
+
+#include "base/languageus.h"
+#include "calendar/calendar.h"
+#include "kit/categorycombo.h"
+#include "kit/dateedit.h"
+#include "kit/frmEditCategories.h"
+#include "kit/guards.h"
+#include "kit/icons.h"
+#include "kit/theme.h"
+#include "kit/words.h"
+
+namespace bmr::tasks {
+
+namespace {
+
+using kit::Space;
+
+/// Longest text that a field of a record keeps.
+constexpr qsizetype kLongestText = 65000;
+
+QLabel* MakeErrorLine(const char* name) {
+    auto* label = new QLabel;
+    label->setObjectName(name);
+    label->setWordWrap(true);
+    QPalette red = label->palette();
+    red.setColor(QPalette::WindowText, kit::InkOf(kit::Ink::Alarm, red));
+    label->setPalette(red);
+    label->hide();
+    return label;
+}
+
+/// A field with its error line below, as one row of the form.
+QWidget* WithError(QWidget* field, QLabel* error) {
+    auto* both = new QWidget;
+    auto* column = new QVBoxLayout(both);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(Space::Tight);
+    column->addWidget(field);
+    column->addWidget(error);
+    return both;
+}
+
+QLabel* MakeLabel(const QString& text, QWidget* buddy) {
+    auto* label = new QLabel(text);
+    label->setBuddy(buddy);
+    return label;
+}
+
+}  // namespace
+
+frmEditTodo::frmEditTodo(store::Session& session, const EditorValues& values, bool isNew, QWidget* parent)
+    : QDialog(parent), session_(session) {
+    setObjectName("frmEditTodo");
+    setWindowTitle(tr("Task"));
+    BuildTexts();
+    BuildChoices();
+    BuildDates();
+    Lay(isNew);
+    recordToEditor(values);
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* store = new QShortcut(QKeySequence(Qt::CTRL | key), this);
+        connect(store, &QShortcut::activated, this, &frmEditTodo::cmdOK_Click);
+    }
+    ctlTask->setFocus();
+    kit::GuardDialog(*this);
+}
+
+frmEditTodo::~frmEditTodo() = default;
+
+void frmEditTodo::BuildTexts() {
+    ctlTask = new QLineEdit;
+    ctlTask->setObjectName("ctlTask");
+    ctlTask->setAccessibleName(tr("Task"));
+    lblTaskError = MakeErrorLine("lblTaskError");
+    ctlNote = new QPlainTextEdit;
+    ctlNote->setObjectName("ctlNote");
+    ctlNote->setAccessibleName(tr("Note"));
+    ctlNote->setTabChangesFocus(true);
+    ctlNote->setMinimumHeight(fontMetrics().lineSpacing() * 6);
+    lblNoteError = MakeErrorLine("lblNoteError");
+    connect(ctlTask, &QLineEdit::textChanged, this, &frmEditTodo::Changed);
+    connect(ctlNote, &QPlainTextEdit::textChanged, this, &frmEditTodo::Changed);
+}
+
+void frmEditTodo::BuildChoices() {
+    static const char* const kNames[] = {QT_TR_NOOP("&High"), QT_TR_NOOP("Nor&mal"), QT_TR_NOOP("&Low")};
+    auto* group = new QButtonGroup(this);
+    for (std::size_t i = 0; i < ctlPri.size(); ++i) {
+        ctlPri[i] = new QRadioButton(tr(kNames[i]));
+        ctlPri[i]->setObjectName(QString("ctlPri%1").arg(i));
+        group->addButton(ctlPri[i]);
+        connect(ctlPri[i], &QRadioButton::toggled, this, &frmEditTodo::Changed);
+    }
+    ctlPrivate = new QCheckBox(tr("&Private"));
+    ctlPrivate->setObjectName("ctlPrivate");
+    ctlPrivate->setToolTip(tr("Hidden unless private records are shown"));
+    cboCategory = new QComboBox;
+    cboCategory->setObjectName("cboCategory");
+    cboCategory->setAccessibleName(tr("Category"));
+    cmdEditCat = new QToolButton;
+    cmdEditCat->setObjectName("cmdEditCat");
+    cmdEditCat->setIcon(kit::Icon("configure"));
+    cmdEditCat->setToolTip(tr("Edit categories"));
+    cmdEditCat->setAccessibleName(tr("Edit categories"));
+    cmdEditCat->setFocusPolicy(Qt::StrongFocus);
+    connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditTodo::Changed);
+    connect(cboCategory, &QComboBox::currentIndexChanged, this, [this] {
+        const std::int32_t shown = kit::SelectedCategory(*cboCategory);
+        if (shown == store::Category::Edit) return;
+        category_ = shown;
+        Changed();
+    });
+    connect(cboCategory, &QComboBox::activated, this, [this] {
+        if (kit::SelectedCategory(*cboCategory) == store::Category::Edit) cmdEditCat_Click();
+    });
+    connect(cmdEditCat, &QToolButton::clicked, this, &frmEditTodo::cmdEditCat_Click);
+}
+
+void frmEditTodo::BuildDates() {
+    const Day today = session_.ports.clock.Today();
+    const auto make = [&](const char* name, const QString& caption) {
+        auto* edit = new kit::DateEdit(today);
+        edit->setObjectName(name);
+        edit->SetRange(calendar::kLowerLimit, calendar::kUpperLimit);
+        edit->SetCaption(caption);
+        return edit;
+    };
+    ctlDateDue = make("ctlDateDue", tr("Due"));
+    ctlDateCompleted = make("ctlDateCompleted", tr("Completed"));
+    connect(ctlDateDue, &kit::DateEdit::DateChanged, this, &frmEditTodo::DueChanged);
+    connect(ctlDateCompleted, &kit::DateEdit::DateChanged, this, &frmEditTodo::CompletedChanged);
+}
+
+void frmEditTodo::Lay(bool isNew) {
+    auto* priority = new QWidget;
+    auto* options = new QHBoxLayout(priority);
+    options->setContentsMargins(0, 0, 0, 0);
+    options->setSpacing(Space::Group);
+    for (QRadioButton* option : ctlPri)
+        options->addWidget(option);
+    options->addStretch();
+    auto* category = new QWidget;
+    auto* combo = new QHBoxLayout(category);
+    combo->setContentsMargins(0, 0, 0, 0);
+    combo->setSpacing(Space::Tight);
+    combo->addWidget(cboCategory, 1);
+    combo->addWidget(cmdEditCat);
+
+    auto* left = new QFormLayout;
+    auto* right = new QFormLayout;
+    for (QFormLayout* half : {left, right}) {
+        half->setHorizontalSpacing(Space::Row);
+        half->setVerticalSpacing(Space::Row);
+        half->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    }
+    left->addRow(MakeLabel(tr("Priority"), ctlPri[0]), priority);
+    left->addRow(MakeLabel(tr("Cate&gory"), cboCategory), category);
+    left->addRow(QString(), ctlPrivate);
+    right->addRow(MakeLabel(tr("&Due"), ctlDateDue), ctlDateDue);
+    right->addRow(MakeLabel(tr("&Completed"), ctlDateCompleted), ctlDateCompleted);
+    auto* halves = new QHBoxLayout;
+    halves->setSpacing(Space::Group * 2);
+    halves->addLayout(left, 1);
+    halves->addLayout(right, 1);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+    cmdOK = buttons->button(QDialogButtonBox::Save);
+    cmdOK->setObjectName("cmdOK");
+    cmdOK->setDefault(true);
+    cmdOK->setToolTip(tr("Ctrl+Return"));
+    cmdEsc = buttons->button(QDialogButtonBox::Cancel);
+    cmdEsc->setObjectName("cmdEsc");
+    connect(cmdOK, &QPushButton::clicked, this, &frmEditTodo::cmdOK_Click);
+    connect(cmdEsc, &QPushButton::clicked, this, &frmEditTodo::cmdEsc_Click);
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(Space::Margin, Space::Margin, Space::Margin, Space::Margin);
+    column->setSpacing(Space::Tight);
+    column->addWidget(MakeLabel(isNew ? tr("New &task") : tr("&Task"), ctlTask));
+    column->addWidget(WithError(ctlTask, lblTaskError));
+    column->addSpacing(Space::Row);
+    column->addLayout(halves);
+    column->addSpacing(Space::Row);
+    column->addWidget(MakeLabel(tr("&Note"), ctlNote));
+    column->addWidget(WithError(ctlNote, lblNoteError), 1);
+    column->addSpacing(Space::Row);
+    column->addWidget(buttons);
+    QWidget* order[] = {ctlTask,    ctlPri[0],  ctlPri[1],        ctlPri[2], cboCategory, cmdEditCat,
+                        ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote,   cmdOK,       cmdEsc};
+    for (std::size_t i = 1; i < std::size(order); ++i)
+        setTabOrder(order[i - 1], order[i]);
+    resize(qMax(620, fontMetrics().averageCharWidth() * 96), fontMetrics().lineSpacing() * 25);
+}
+
+void frmEditTodo::recordToEditor(const EditorValues& values) {
+    filling_ = true;
+    FillCategories(values.category);
+    ctlTask->setText(kit::ToQString(values.task));
+    // Line ends are kept in two characters; a note that was written otherwise keeps its own.
+    crlf_ = values.note.find("\r\n") != Bytes::npos || values.note.find('\n') == Bytes::npos;
+    ctlNote->setPlainText(kit::ToQString(values.note).replace("\r\n", "\n"));
+    const auto chosen = static_cast<std::size_t>(values.priority.value_or(-1));
+    if (chosen < ctlPri.size()) {
+        ctlPri[chosen]->setChecked(true);
+        // Tab comes to the option that is on; Qt sees to that only after the first press.
+        for (QRadioButton* option : ctlPri)
+            option->setFocusPolicy(option->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+    ctlPrivate->setChecked(values.isPrivate);
+    pickers_ = FillPickers(values.due, values.completed);
+    ShowPickers();
+    filling_ = false;
+    recordChanged = false;
+}
+
+EditorValues frmEditTodo::Values() const {
+    EditorValues values;
+    values.task = kit::FromQString(ctlTask->text());
+    QString note = ctlNote->toPlainText();
+    if (crlf_) note.replace("\n", "\r\n");
+    values.note = kit::FromQString(note);
+    for (std::size_t i = ctlPri.size(); i-- > 0;)
+        if (ctlPri[i]->isChecked()) values.priority = static_cast<std::int32_t>(i);
+    values.isPrivate = ctlPrivate->isChecked();
+    values.due = ctlDateDue->Date();
+    values.completed = ctlDateCompleted->Date();
+    values.category = kit::SelectedCategory(*cboCategory);
+    return values;
+}
+
+void frmEditTodo::FillCategories(std::int32_t number) {
+    kit::FillCategoryCombo(*cboCategory,
+                           store::FillCategories(session_, store::Section::Todo, false, true, true));
+    if (!kit::SelectCategory(*cboCategory, number))
+        kit::SelectCategory(*cboCategory, store::Category::Unfiled);
+    category_ = kit::SelectedCategory(*cboCategory);
+}
+
+void frmEditTodo::MarkChanged() {
+    recordChanged = true;
+}
+
+void frmEditTodo::Changed() {
+    if (filling_) return;
+    recordChanged = true;
+    if (refused_) Storable();  // the words go as soon as the cause is gone
+}
+
+void frmEditTodo::ShowPickers() {
+    ctlDateDue->SetDate(pickers_.due);
+    ctlDateCompleted->SetDate(pickers_.completed);
+}
+
+void frmEditTodo::DueChanged(std::optional<Day> date) {
+    pickers_.due = date;
+    const DueJudgement judgement = JudgeDueChange(pickers_, session_.ports.clock.Today());
+    ShowPickers();
+    if (judgement.changed) Changed();
+    for (const int message : judgement.messages)
+        session_.ports.prompter.Ask(
+            MessageBox(message, message == 24 ? BoxIcon::Warning : BoxIcon::Information));
+}
+
+void frmEditTodo::CompletedChanged(std::optional<Day> date) {
+    pickers_.completed = date;
+    JudgeCompletedChange(pickers_, session_.ports.clock.Today());
+    Changed();
+}
+
+bool frmEditTodo::Storable() {
+    const auto judge = [](QLabel& line, const QString& text) {
+        QString why = kit::RefusalOf(text);
+        if (const auto over = text.size() + text.count('\n') - kLongestText; why.isEmpty() && over > 0)
+            why = tr("Too long by %1 characters: a record holds %2.").arg(over).arg(kLongestText);
+        line.setText(why);
+        line.setVisible(!why.isEmpty());
+        return why.isEmpty();
+    };
+    const bool task = judge(*lblTaskError, ctlTask->text());
+    const bool note = judge(*lblNoteError, ctlNote->toPlainText());
+    refused_ = !task || !note;
+    if (!refused_) return true;
+    if (!task && !ctlNote->hasFocus())
+        ctlTask->setFocus();
+    else if (task && !ctlTask->hasFocus())
+        ctlNote->setFocus();
+    return false;
+}
+
+void frmEditTodo::cmdOK_Click() {
+    ctlDateDue->Commit();
+    ctlDateCompleted->Commit();
+    if (Storable()) accept();
+}
+
+void frmEditTodo::cmdEsc_Click() {
+    if (recordChanged && !session_.ending) {
+        Box box = MessageBox(20, BoxIcon::Question);
+        box.buttons = Buttons::YesNo;
+        box.standard = Answer::No;  // it loses nothing
+        if (session_.ports.prompter.Ask(box) != Answer::Yes) {
+            // "No" stores, so it is held to the same rules as the button that says so.
+            if (session_.ending || Storable()) QDialog::reject();
+            return;
+        }
+    }
+    recordChanged = false;
+    QDialog::reject();
+}
+
+void frmEditTodo::reject() {
+    cmdEsc_Click();
+}
+
+void frmEditTodo::cmdEditCat_Click() {
+    const std::int32_t before = category_;
+    kit::frmEditCategories form(session_, store::Section::Todo, this);
+    const bool stored = form.exec() == QDialog::Accepted;
+    if (session_.ending) return;
+    FillCategories(stored ? form.LastWorkedOn(before) : before);
+    if (category_ != before) Changed();
+}
+
+}  // namespace bmr::tasks

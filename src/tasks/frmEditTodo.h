@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QDialog>
+#include <array>
+#include <functional>
+
+#include "tasks/duepicker.h"
+#include "tasks/task.h"
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QRadioButton;
+class QToolButton;
+
+namespace bmr::kit {
+class DateEdit;
+}
+
+namespace bmr::tasks {
+
+/// The editor of one task. It takes values and gives values; whether they are to be stored tells
+/// `recordChanged`, which stays set when the form is left by "No" to discarding.
+class frmEditTodo final : public QDialog {
+    Q_OBJECT
+
+  public:
+    frmEditTodo(store::Session& session, const EditorValues& values, bool isNew, QWidget* parent = nullptr);
+    ~frmEditTodo() override;
+
+    bool recordChanged = false;
+    EditorValues Values() const;
+
+    /// The editor comes up as if its values had been changed already (a store of them failed).
+    void MarkChanged();
+
+    void reject() override;
+
+  private:
+    void BuildTexts();
+    void BuildChoices();
+    void BuildDates();
+    void Lay(bool isNew);
+    void recordToEditor(const EditorValues& values);
+    void FillCategories(std::int32_t number);
+    void Changed();
+    void ShowPickers();
+    void DueChanged(std::optional<Day> date);
+    void CompletedChanged(std::optional<Day> date);
+    /// Marks in words what cannot be stored; true when everything can.
+    bool Storable();
+    void cmdOK_Click();
+    void cmdEsc_Click();
+    void cmdEditCat_Click();
+
+    store::Session& session_;
+    DatePickers pickers_;
+    std::int32_t category_ = store::Category::Unfiled;  ///< as last chosen, the editor's own entry apart
+    bool crlf_ = true;                                  ///< line ends of the note as they are kept
+    bool filling_ = false;                              ///< controls are set by us
+    bool refused_ = false;                              ///< the last try to store found what cannot be
+
+    QLineEdit* ctlTask;
+    QLabel* lblTaskError;
+    QPlainTextEdit* ctlNote;
+    QLabel* lblNoteError;
+    std::array<QRadioButton*, 3> ctlPri{};
+    QCheckBox* ctlPrivate;
+    QComboBox* cboCategory;
+    QToolButton* cmdEditCat;
+    kit::DateEdit* ctlDateDue;
+    kit::DateEdit* ctlDateCompleted;
+    QPushButton* cmdOK;
+    QPushButton* cmdEsc;
+};
+
+}  // namespace bmr::tasks

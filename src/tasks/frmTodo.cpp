@@ -1,0 +1,307 @@
+#include "tasks/frmTodo.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStackedLayout>
+#include <QTimer>
+
+#include "base/languageus.h"
+#include "kit/categorycombo.h"
+#include "kit/emptystate.h"
+#include "kit/failure.h"
+#include "kit/frmEditCategories.h"
+#include "kit/recordlistview.h"
+#include "kit/strip.h"
+#include "kit/words.h"
+#include "tasks/frmEditTodo.h"
+#include "tasks/todomodel.h"
+
+namespace bmr::tasks {
+
+using store::Category;
+
+namespace {
+
+/// Place of the task list among the last-used categories.
+constexpr std::size_t kLastCategory = 3;
+
+QString Counted(qsizetype count, const QString& one, const QString& many) {
+    return count == 1 ? one : many.arg(QLocale().toString(count));
+}
+
+}  // namespace
+
+frmTodo::frmTodo(store::Session& session, QWidget* parent)
+    : SectionForm(parent), session_(session), model_(new TodoModel(session, this)) {
+    setObjectName("frmTodo");
+    setWindowTitle("TASKS");
+    BuildActions();
+    BuildMenu();
+    BuildPopup();
+    BuildFilter();
+    BuildList();
+    Lay();
+    const bool lastUsed = session_.settings.CatShow == 0;
+    FillCategories(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
+    showListitems();
+    TodoList->SelectFirst();
+}
+
+frmTodo::~frmTodo() {
+    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(category_);
+}
+
+QList<QAction*> frmTodo::ToolActions() {
+    return {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, nullptr, mnuTodoCompleted};
+}
+
+void frmTodo::showEvent(QShowEvent* event) {
+    SectionForm::showEvent(event);
+    TellStatus();
+}
+
+void frmTodo::FillCategories(std::int32_t number) {
+    store::CategoryList list = store::FillCategories(session_, store::Section::Todo, true, true, true);
+    kit::FillCategoryCombo(*cboCategories, list);
+    kit::SelectCategory(*cboCategories, number);
+    category_ = kit::SelectedCategory(*cboCategories);
+    model_->SetCategories(std::move(list));
+}
+
+void frmTodo::showListitems() {
+    if (!session_.DatabaseOpen || session_.ending) return;
+    const TaskFilter filter{.showCompleted = ShowCompleted->isChecked(), .category = category_};
+    int error = 0;
+    TodoList->Rebuild([&] { error = model_->Rebuild(filter, search_.toStdString(), order_); });
+    kit::TellFailure(session_, error, tr("The tasks could not be read."));
+    ShowEmptyState();
+    TellStatus();
+}
+
+void frmTodo::RebuildAndSelect(std::int32_t key) {
+    showListitems();
+    TodoList->SelectKey(key);
+}
+
+std::optional<std::int32_t> frmTodo::Selected() const {
+    const std::int32_t key = TodoList->SelectedKey();
+    if (key == kit::RecordListView::kNoKey) return std::nullopt;
+    return key;
+}
+
+void frmTodo::Refresh() {
+    const std::int32_t key = TodoList->SelectedKey();
+    FillCategories(category_);
+    RebuildAndSelect(key);
+}
+
+void frmTodo::SetSearch(const QString& text) {
+    if (text.trimmed() == search_) return;
+    search_ = text.trimmed();
+    RebuildAndSelect(TodoList->SelectedKey());
+}
+
+void frmTodo::SelectRecord(std::int32_t fPK) {
+    if (model_->RowOf(fPK) < 0) {
+        const auto task = LoadSelected(session_, fPK);
+        if (!task) return;
+        if (task->completed && !ShowCompleted->isChecked()) ShowCompleted->setChecked(true);
+        search_.clear();
+        if (category_ != Category::All && category_ != task->category) FillCategories(Category::All);
+        showListitems();
+    }
+    TodoList->SelectKey(fPK);
+}
+
+void frmTodo::cboCategories_Click() {
+    const std::int32_t chosen = kit::SelectedCategory(*cboCategories);
+    if (chosen == Category::Edit) return cmdEditCat_Click(true);
+    category_ = chosen;
+    RebuildAndSelect(TodoList->SelectedKey());
+}
+
+void frmTodo::ShowAllCategories() {
+    FillCategories(Category::All);
+    RebuildAndSelect(TodoList->SelectedKey());
+}
+
+void frmTodo::ShowCompleted_Click() {
+    session_.settings.TodoShowCompleted = ShowCompleted->isChecked() ? 1 : 0;
+    RebuildAndSelect(TodoList->SelectedKey());
+}
+
+void frmTodo::cmdEditCat_Click(bool fromCombo) {
+    kit::frmEditCategories form(session_, store::Section::Todo, this);
+    editing_ = true;
+    const bool stored = form.exec() == QDialog::Accepted;
+    editing_ = false;
+    if (session_.ending || !session_.DatabaseOpen) return;
+    const std::int32_t key = TodoList->SelectedKey();
+    FillCategories(stored && !fromCombo ? form.LastWorkedOn(category_) : category_);
+    RebuildAndSelect(key);
+}
+
+void frmTodo::cmdAdd_Click() {
+    EditRecord(ClearRecord(category_));
+}
+
+void frmTodo::mnuTodoEdit_Click() {
+    if (model_->rowCount() == 0) return;
+    EditRecord(RecordToEdit(session_, Selected(), category_));
+}
+
+void frmTodo::EditRecord(Task task) {
+    if (editing_) return;
+    EditorValues values =
+        RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
+    const std::int32_t keyBefore = task.key;
+    bool done = false;
+    bool gone = false;
+    editing_ = true;
+    for (bool again = false; !done && !gone; again = true) {
+        frmEditTodo editor(session_, values, task.key == store::kNewRecord, this);
+        if (again) editor.MarkChanged();
+        editor.exec();
+        if (session_.ending || !session_.DatabaseOpen) break;
+        recordChanged->setChecked(editor.recordChanged);
+        done = !recordChanged->isChecked();
+        if (done) break;
+        values = editor.Values();
+        EditorToRecord(values, task);
+        done = Store(task, gone);  // what could not be stored stays in the editor
+    }
+    editing_ = false;
+    const bool stored = recordChanged->isChecked() && done;
+    recordChanged->setChecked(false);
+    if (session_.ending || !session_.DatabaseOpen) return;
+    FillCategories(category_);
+    if (!stored) return;
+    showListitems();
+    TodoList->SelectKey(keyBefore);  // the key before the store: after an add no row has it
+    if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
+}
+
+bool frmTodo::Store(Task& task, bool& gone) {
+    const auto outcome = WriteRecord(session_, task);
+    if (outcome.error == 0) return true;
+    gone = outcome.error == -16;
+    kit::TellFailure(session_, outcome.error, tr("The task was not stored."));
+    return false;
+}
+
+void frmTodo::AddQuickly() {
+    const QString typed = txtQuickAdd->text().trimmed();
+    if (typed.isEmpty()) return;
+    if (const QString why = kit::RefusalOf(typed); !why.isEmpty()) {
+        strip_->Say(why, kit::Strip::Kind::Warning);
+        return;
+    }
+    Task task = ClearRecord(category_);
+    task.task = kit::FromQString(typed);
+    bool gone = false;
+    if (!Store(task, gone)) return;
+    txtQuickAdd->clear();
+    strip_->Clear();
+    showListitems();
+    TodoList->ShowKey(task.key);
+    if (model_->RowOf(task.key) < 0)
+        strip_->Say(tr("Added. The search hides the new task."), kit::Strip::Kind::Note);
+}
+
+void frmTodo::Tick(std::int32_t key, bool checked) {
+    const TickOutcome outcome = SetCompleted(session_, key, checked);
+    kit::TellFailure(session_, outcome.error, tr("The task was not stored."));
+    if (outcome.error != 0 || outcome.rebuild || !outcome.record)
+        showListitems();
+    else
+        model_->Update(*outcome.record);
+    TodoList->SelectKey(key);
+    TellStatus();
+}
+
+void frmTodo::mnuCompleted_Click() {
+    if (const auto key = Selected()) Tick(*key, true);
+}
+
+void frmTodo::mnuTodoPriority_Click(int Index) {
+    const auto key = Selected();
+    if (!key) return;
+    kit::TellFailure(session_, SetPriority(session_, *key, Index), tr("The task was not stored."));
+    RebuildAndSelect(*key);
+}
+
+void frmTodo::mnuTodoDeleteItem_Click() {
+    const auto key = Selected();
+    const int row = TodoList->SelectedRow();
+    const Bytes text = key ? kit::FromQString(model_->TaskText(row)) : Bytes();
+    const auto outcome = DeleteItem(session_, key, text);
+    kit::TellFailure(session_, outcome.error, tr("The task was not deleted."));
+    if (!outcome.rebuild) return;
+    showListitems();
+    TodoList->PutCursor(row);
+}
+
+void frmTodo::mnuTodoDeleteCompleted_Click() {
+    const auto outcome = DeleteCompleted(session_);
+    kit::TellFailure(session_, outcome.error, tr("The tasks were not deleted."));
+    if (outcome.rebuild) showListitems();
+}
+
+void frmTodo::mnuTodoDeleteAll_Click() {
+    const auto outcome = DeleteAll(session_, model_->rowCount() == 0);
+    kit::TellFailure(session_, outcome.error, tr("The tasks were not deleted."));
+    if (outcome.rebuild) showListitems();
+}
+
+void frmTodo::ColumnClick(int column) {
+    order_ = SortOrderOfColumn(column + 1);
+    kit::TellFailure(session_, model_->SortBy(order_), tr("The tasks could not be sorted."));
+    const bool standard = order_.subItem == SubItem::SortKey;
+    TodoList->header()->setSortIndicator(standard ? -1 : column,
+                                         order_.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+void frmTodo::ShowPopup(const QPoint& at) {
+    if (!Selected()) {
+        QApplication::beep();
+        return;
+    }
+    mnuTodoRC->popup(at);
+}
+
+void frmTodo::ShowEmptyState() {
+    const bool any = model_->rowCount() > 0;
+    stack_->setCurrentIndex(any ? 0 : 1);
+    setFocusProxy(any ? static_cast<QWidget*>(TodoList) : txtQuickAdd);
+    if (any) return;
+    QList<QAction*> offers;
+    if (!search_.isEmpty()) {
+        if (category_ != Category::All) offers << actShowAll;
+        if (!ShowCompleted->isChecked()) offers << actShowCompleted;
+        empty_->Set("edit-find", tr("Nothing for “%1” in Tasks.").arg(search_), offers);
+        return;
+    }
+    offers << mnuTodoNew;
+    if (category_ != Category::All) offers << actShowAll;
+    if (!ShowCompleted->isChecked()) offers << actShowCompleted;
+    const bool open = !ShowCompleted->isChecked();
+    const QString where = category_ != Category::All ? tr("No tasks in this category.")
+                          : open                     ? tr("No open tasks.")
+                                                     : tr("No tasks yet.");
+    empty_->Set("view-pim-tasks", where, offers);
+}
+
+void frmTodo::TellStatus() {
+    const int count = model_->rowCount();
+    QString text = Counted(count, tr("1 task"), tr("%1 tasks"));
+    if (const int overdue = model_->CountOverdue())
+        text += ", " + tr("%1 overdue").arg(QLocale().toString(overdue));
+    if (Selected()) text += ", " + tr("1 selected");
+    emit StatusChanged(text);
+}
+
+}  // namespace bmr::tasks

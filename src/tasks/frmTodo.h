@@ -1,0 +1,114 @@
+#pragma once
+
+#include "kit/sectionform.h"
+#include "tasks/tasklist.h"
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QPushButton;
+class QStackedLayout;
+class QToolButton;
+
+namespace bmr::kit {
+class EmptyState;
+class RecordListView;
+class Strip;
+}  // namespace bmr::kit
+
+namespace bmr::tasks {
+
+class TodoModel;
+
+/// The to-do section: the list, its filter, a line for quick entries, and the operations that menus call.
+class frmTodo final : public SectionForm {
+    Q_OBJECT
+
+  public:
+    explicit frmTodo(store::Session& session, QWidget* parent = nullptr);
+    ~frmTodo() override;
+
+    QMenu* SectionMenu() override { return mnuTodo; }
+    QList<QAction*> ToolActions() override;
+    void Refresh() override;
+    void SetSearch(const QString& text) override;
+    void SelectRecord(std::int32_t fPK) override;
+    bool Editing() const override { return editing_; }
+
+    /// Rebuilds the list from the store; nothing is selected afterwards.
+    void showListitems();
+
+    // The operations that the menus call.
+    void cmdAdd_Click();
+    void mnuTodoEdit_Click();
+    void mnuTodoDeleteItem_Click();
+    void mnuTodoDeleteCompleted_Click();
+    void mnuTodoDeleteAll_Click();
+    void mnuCompleted_Click();
+    void mnuTodoPriority_Click(int Index);
+    /// Carries no action: the entries for the due date change nothing.
+    void mnuTodoDueDate_Click() {}
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void BuildActions();
+    void BuildMenu();
+    void BuildPopup();
+    void BuildFilter();
+    void BuildList();
+    void Lay();
+    QAction* MakeAction(const char* name, const QString& text, const char* icon, void (frmTodo::*slot)());
+
+    void FillCategories(std::int32_t number);
+    void cboCategories_Click();
+    void ShowCompleted_Click();
+    void cmdEditCat_Click(bool fromCombo);
+    void ColumnClick(int column);
+    void ShowPopup(const QPoint& at);
+    void Tick(std::int32_t key, bool checked);
+    void AddQuickly();
+    void ShowAllCategories();
+
+    void EditRecord(Task task);
+    /// Stores; tells of what went wrong. False when the record still waits to be stored.
+    bool Store(Task& task, bool& gone);
+    std::optional<std::int32_t> Selected() const;
+    void RebuildAndSelect(std::int32_t key);
+    void ShowEmptyState();
+    void TellStatus();
+
+    store::Session& session_;
+    TodoModel* model_;
+    SortOrder order_;
+    std::int32_t category_ = store::Category::All;  ///< as last chosen, the entry that opens the editor apart
+    QString search_;
+    bool editing_ = false;
+
+    QMenu* mnuTodo;
+    QMenu* mnuTodoRC;
+    QAction* mnuTodoNew;
+    QAction* mnuTodoEdit;
+    QAction* mnuTodoDeleteSelected;
+    QAction* mnuTodoDeleteCompleted;
+    QAction* mnuTodoDeleteAll;
+    QAction* mnuTodoCompleted;
+    QAction* actShowAll;
+    QAction* actShowCompleted;
+
+    QComboBox* cboCategories;
+    QCheckBox* ShowCompleted;
+    QCheckBox* recordChanged;
+    QToolButton* cmdEditCat;
+    QPushButton* cmdAdd;
+    QPushButton* cmdEdit;
+    QPushButton* cmdDelete;
+    QLineEdit* txtQuickAdd;
+    kit::RecordListView* TodoList;
+    kit::EmptyState* empty_;
+    kit::Strip* strip_;
+    QStackedLayout* stack_;
+};
+
+}  // namespace bmr::tasks

@@ -1,0 +1,247 @@
+#include <QActionGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStackedLayout>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "kit/emptystate.h"
+#include "kit/icons.h"
+#include "kit/recordlistview.h"
+#include "kit/strip.h"
+#include "kit/theme.h"
+#include "tasks/frmTodo.h"
+#include "tasks/todomodel.h"
+
+// How the screen of the to-do section is put together; what it does stands in frmTodo.cpp.
+namespace bmr::tasks {
+
+namespace {
+
+constexpr const char* kPriorities[] = {"&High", "&Normal", "&Low"};
+
+QMenu* AddMenu(QMenu& menu, const char* name, const QString& text) {
+    QMenu* sub = menu.addMenu(text);
+    sub->setObjectName(name);
+    sub->setToolTipsVisible(true);
+    return sub;
+}
+
+QPushButton* MakeButton(const char* name, QAction* action) {
+    auto* button = new QPushButton(action->icon(), action->iconText());
+    button->setObjectName(name);
+    button->setToolTip(action->toolTip());
+    QObject::connect(button, &QPushButton::clicked, action, &QAction::trigger);
+    return button;
+}
+
+}  // namespace
+
+QAction* frmTodo::MakeAction(const char* name, const QString& text, const char* icon,
+                             void (frmTodo::*slot)()) {
+    auto* action = new QAction(text, this);
+    action->setObjectName(name);
+    if (icon) action->setIcon(kit::Icon(icon));
+    if (slot) connect(action, &QAction::triggered, this, slot);
+    return action;
+}
+
+void frmTodo::BuildActions() {
+    mnuTodoNew = MakeAction("mnuTodoNew", tr("&New Task…"), "task-new", &frmTodo::cmdAdd_Click);
+    mnuTodoNew->setIconText(tr("New task"));
+    mnuTodoNew->setShortcut(QKeySequence::New);
+    mnuTodoEdit = MakeAction("mnuTodoEdit", tr("&Edit…"), "document-edit", &frmTodo::mnuTodoEdit_Click);
+    mnuTodoEdit->setIconText(tr("Edit"));
+    mnuTodoEdit->setShortcut(Qt::Key_F2);
+    mnuTodoDeleteSelected = MakeAction("mnuTodoDeleteSelected", tr("&Selected Task"), "edit-delete",
+                                       &frmTodo::mnuTodoDeleteItem_Click);
+    mnuTodoDeleteSelected->setIconText(tr("Delete"));
+    mnuTodoDeleteSelected->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Delete));
+    mnuTodoDeleteCompleted = MakeAction("mnuTodoDeleteCompleted", tr("All &Completed Tasks"), nullptr,
+                                        &frmTodo::mnuTodoDeleteCompleted_Click);
+    mnuTodoDeleteAll =
+        MakeAction("mnuTodoDeleteAll", tr("&All Tasks"), nullptr, &frmTodo::mnuTodoDeleteAll_Click);
+    mnuTodoCompleted =
+        MakeAction("mnuTodoCompleted", tr("&Completed"), "task-complete", &frmTodo::mnuCompleted_Click);
+    mnuTodoCompleted->setIconText(tr("Completed"));
+    mnuTodoCompleted->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+    actShowAll =
+        MakeAction("showAll", tr("Show all categories"), "view-list-details", &frmTodo::ShowAllCategories);
+    actShowCompleted = MakeAction("showCompleted", tr("Show completed"), "task-complete", nullptr);
+    connect(actShowCompleted, &QAction::triggered, this, [this] { ShowCompleted->click(); });
+    // Shortcuts act in this screen only, the main window's toolbar notwithstanding.
+    for (QAction* action : {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, mnuTodoCompleted}) {
+        action->setShortcutContext(Qt::WindowShortcut);
+        addAction(action);
+    }
+}
+
+void frmTodo::BuildMenu() {
+    mnuTodo = new QMenu(tr("&Task"), this);
+    mnuTodo->setObjectName("mnuTodo");
+    mnuTodo->setToolTipsVisible(true);
+    mnuTodo->addAction(mnuTodoNew);
+    mnuTodo->addAction(mnuTodoEdit);
+    QMenu* remove = AddMenu(*mnuTodo, "mnuTodoDelete", tr("&Delete"));
+    remove->setIcon(kit::Icon("edit-delete"));
+    remove->addAction(mnuTodoDeleteSelected);
+    remove->addSeparator();
+    remove->addAction(mnuTodoDeleteCompleted);
+    remove->addAction(mnuTodoDeleteAll);
+    mnuTodo->addSeparator();
+    mnuTodo->addAction(mnuTodoCompleted);
+    QMenu* priority = AddMenu(*mnuTodo, "mnuTodoPriority", tr("&Priority"));
+    for (int i = 0; i < 3; ++i)
+        priority->addAction(tr(kPriorities[i]), this, [this, i] { mnuTodoPriority_Click(i); });
+    mnuTodo->addSeparator();
+    QAction* categories = mnuTodo->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
+                                             [this] { cmdEditCat_Click(false); });
+    categories->setObjectName("mnuTodoEditCat");
+    QMenu* import = AddMenu(*mnuTodo, "mnuTodoImport", tr("&Import"));
+    QAction* palm = import->addAction("&Palm Todo-File");
+    palm->setObjectName("mnuTodoImportPalm");
+    palm->setEnabled(false);
+    palm->setToolTip(tr("Reading Palm files is not part of this version yet."));
+}
+
+void frmTodo::BuildPopup() {
+    mnuTodoRC = new QMenu("TodoList Rightclick", this);
+    mnuTodoRC->setObjectName("mnuTodoRC");
+    const auto add = [this](QMenu& menu, const char* name, const char* text, auto&& act) {
+        QAction* action = menu.addAction(text, this, act);
+        action->setObjectName(name);
+        return action;
+    };
+    add(*mnuTodoRC, "mnuTodoRCEdit", "&Edit", [this] {
+        mnuTodoEdit_Click();
+    })->setIcon(kit::Icon("document-edit"));
+    add(*mnuTodoRC, "mnuTodoRCCompleted", "&Completed", [this] {
+        mnuCompleted_Click();
+    })->setIcon(kit::Icon("task-complete"));
+    QMenu* priority = AddMenu(*mnuTodoRC, "mnuTodoRCPriority", "Priority...");
+    for (int i = 0; i < 3; ++i) {
+        const QByteArray name = "mnuTodoRCPriorityLevel" + QByteArray::number(i);
+        add(*priority, name.constData(), kPriorities[i], [this, i] { mnuTodoPriority_Click(i); });
+    }
+    QMenu* due = AddMenu(*mnuTodoRC, "mnuTodoRCDueDate", "Due Date...");
+    for (const auto& [name, text] :
+         {std::pair{"mnuTodoRCDueDateNoDate", "No Date"}, {"mnuTodoRCDueDateChooseDate", "Choose..."}})
+        add(*due, name, text, [this] { mnuTodoDueDate_Click(); });
+    add(*mnuTodoRC, "mnuTodoRCDeleteItem", "&Delete", [this] {
+        mnuTodoDeleteItem_Click();
+    })->setIcon(kit::Icon("edit-delete"));
+}
+
+void frmTodo::BuildFilter() {
+    cboCategories = new QComboBox;
+    cboCategories->setObjectName("cboCategories");
+    cboCategories->setAccessibleName(tr("Category"));
+    cboCategories->setMinimumWidth(fontMetrics().averageCharWidth() * 26);
+    cboCategories->setMaxVisibleItems(24);
+    connect(cboCategories, &QComboBox::activated, this, &frmTodo::cboCategories_Click);
+    cmdEditCat = new QToolButton;
+    cmdEditCat->setObjectName("cmdEditCat");
+    cmdEditCat->setIcon(kit::Icon("configure"));
+    cmdEditCat->setAutoRaise(true);
+    cmdEditCat->setFocusPolicy(Qt::StrongFocus);
+    cmdEditCat->setToolTip(tr("Edit categories"));
+    cmdEditCat->setAccessibleName(tr("Edit categories"));
+    connect(cmdEditCat, &QToolButton::clicked, this, [this] { cmdEditCat_Click(false); });
+    ShowCompleted = new QCheckBox(tr("&Show completed"));
+    ShowCompleted->setObjectName("ShowCompleted");
+    ShowCompleted->setChecked(session_.settings.TodoShowCompleted == 1);
+    connect(ShowCompleted, &QCheckBox::clicked, this, &frmTodo::ShowCompleted_Click);
+    recordChanged = new QCheckBox(this);
+    recordChanged->setObjectName("recordChanged");
+    recordChanged->hide();
+
+    cmdAdd = MakeButton("cmdAdd", mnuTodoNew);
+    cmdEdit = MakeButton("cmdEdit", mnuTodoEdit);
+    cmdDelete = MakeButton("cmdDelete", mnuTodoDeleteSelected);
+    txtQuickAdd = new QLineEdit;
+    txtQuickAdd->setObjectName("txtQuickAdd");
+    txtQuickAdd->setPlaceholderText(tr("Type a task and press Return"));
+    txtQuickAdd->setAccessibleName(tr("New task"));
+    txtQuickAdd->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
+    connect(txtQuickAdd, &QLineEdit::returnPressed, this, &frmTodo::AddQuickly);
+}
+
+void frmTodo::BuildList() {
+    TodoList = new kit::RecordListView;
+    TodoList->setObjectName("TodoList");
+    TodoList->setAccessibleName(tr("Tasks"));
+    TodoList->setFrameShape(QFrame::NoFrame);
+    TodoList->SetModel(model_);
+    QHeaderView* header = TodoList->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setSectionResizeMode(SubItem::Task, QHeaderView::Stretch);
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    // Told widths at the least; a column must show its caption and, where it holds dates, a wide one.
+    constexpr int kUnitsPerPixel = 15;
+    const QFontMetrics metrics = header->fontMetrics();
+    const int date = metrics.horizontalAdvance(QLocale().toString(QDate(2088, 12, 28), QLocale::ShortFormat));
+    for (int column = 1; column < SubItem::SortKey; ++column) {
+        const Column& told = kColumns[static_cast<std::size_t>(column)];
+        const bool holdsDates = column == SubItem::DueDate || column == SubItem::ExecDate;
+        const int words = std::max(metrics.horizontalAdvance(told.header), holdsDates ? date : 0);
+        const int scaled = told.width / kUnitsPerPixel * metrics.height() / 16;
+        header->resizeSection(column, std::max(scaled, words + 2 * kit::Space::Margin + kit::Space::Tight));
+    }
+    TodoList->KeepColumns("tasks");
+    connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
+    connect(TodoList, &kit::RecordListView::EditWanted, this, &frmTodo::mnuTodoEdit_Click);
+    connect(TodoList, &kit::RecordListView::DeleteWanted, this, &frmTodo::mnuTodoDeleteItem_Click);
+    connect(TodoList, &kit::RecordListView::MenuWanted, this, &frmTodo::ShowPopup);
+    connect(TodoList, &kit::RecordListView::KeySelected, this, &frmTodo::TellStatus);
+    connect(TodoList, &kit::RecordListView::TickWanted, this, [this] {
+        if (const auto key = Selected()) Tick(*key, !model_->RowAt(TodoList->SelectedRow()).completed);
+    });
+    // The view is still in the click that ticks: rebuild when it has come back from it.
+    connect(model_, &TodoModel::Ticked, this, &frmTodo::Tick, Qt::QueuedConnection);
+}
+
+void frmTodo::Lay() {
+    using kit::Space;
+    strip_ = new kit::Strip;
+    empty_ = new kit::EmptyState;
+    auto* label = new QLabel(tr("Cate&gory"));
+    label->setBuddy(cboCategories);
+    auto* filter = new QHBoxLayout;
+    filter->setContentsMargins(Space::Margin, Space::Row, Space::Margin, Space::Row);
+    filter->setSpacing(Space::Row);
+    filter->addWidget(label);
+    filter->addWidget(cboCategories);
+    filter->addWidget(cmdEditCat);
+    filter->addSpacing(Space::Row);
+    filter->addWidget(ShowCompleted);
+    filter->addStretch();
+    auto* bottom = new QHBoxLayout;
+    bottom->setContentsMargins(Space::Margin, Space::Row, Space::Margin, Space::Row);
+    bottom->setSpacing(Space::Row);
+    bottom->addWidget(txtQuickAdd, 1);
+    for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete})
+        bottom->addWidget(button);
+    stack_ = new QStackedLayout;
+    stack_->addWidget(TodoList);
+    stack_->addWidget(empty_);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(filter);
+    column->addWidget(strip_);
+    column->addLayout(stack_, 1);
+    column->addLayout(bottom);
+    setFocusProxy(TodoList);
+    QWidget* order[] = {cboCategories, cmdEditCat, ShowCompleted, TodoList,
+                        txtQuickAdd,   cmdAdd,     cmdEdit,       cmdDelete};
+    for (std::size_t i = 1; i < std::size(order); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
+}  // namespace bmr::tasks

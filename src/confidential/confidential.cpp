@@ -137,7 +137,7 @@ std::string ConfidentialListSql(std::int32_t kind) {
     return OrderedStatement(std::string("fPK, fEtx,fT1, fR1, ") + store::kBucketColumn + " AS X, fG1", kind);
 }
 
-Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kind) {
+Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kind, std::string_view search) {
     std::unordered_set<std::int32_t> hidden;
     if (!session.ShowPrivate) {
         auto found =
@@ -145,12 +145,21 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kin
         if (!found) return found.error();
         hidden = std::move(*found);
     }
-    // The rows and the order of the told statement, without carrying the texts through the engine's sort.
+    std::unordered_set<std::int32_t> found;
+    if (!search.empty()) {
+        auto matching = store::RecordsWithText(session, Section::Confidential,
+                                               " And fG1=" + std::to_string(kind), search);
+        if (!matching) return matching.error();
+        found = std::move(*matching);
+    }
+    // The rows and the order of the list's statement, without carrying the texts through the engine's sort.
     auto cursor = session.ProgramDb->Select(OrderedStatement("fPK", kind));
     if (!cursor) return cursor.error();
     std::vector<std::int32_t> keys;
-    while (cursor->Next())
-        if (!hidden.contains(cursor->Int(0))) keys.push_back(cursor->Int(0));
+    while (cursor->Next()) {
+        const std::int32_t key = cursor->Int(0);
+        if (!hidden.contains(key) && (search.empty() || found.contains(key))) keys.push_back(key);
+    }
     if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
     return keys;
 }

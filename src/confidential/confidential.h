@@ -49,7 +49,9 @@ std::optional<Record> FetchRecord(store::Session& session, std::int32_t key);
 std::string ConfidentialListSql(std::int32_t kind);
 
 /// The keys of a kind in alphabetical order, private ones left out while `ShowPrivate` is false.
-Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int32_t kind);
+/// With `search` only records whose name holds it, without regard to case; that deciphers every name.
+Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int32_t kind,
+                                              std::string_view search = {});
 
 /// The name (n0) of a record: one field deciphered.
 Bytes RecordName(store::Session& session, std::int32_t fPK);

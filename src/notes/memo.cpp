@@ -152,7 +152,7 @@ int AddMemos(Session& session, std::vector<Memo>& memos) {
     return 0;
 }
 
-Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category) {
+Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category, std::string_view search) {
     const std::string clauses = store::CategoryClause(category);
     std::unordered_set<std::int32_t> hidden;
     if (!session.ShowPrivate) {
@@ -160,11 +160,20 @@ Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category) 
         if (!found) return found.error();
         hidden = std::move(*found);
     }
+    std::unordered_set<std::int32_t> found;
+    if (!search.empty()) {
+        auto matching = store::RecordsWithText(session, Section::Memo, clauses, search);
+        if (!matching) return matching.error();
+        found = std::move(*matching);
+    }
     auto cursor = session.ProgramDb->Select(OrderedKeys("fPK, fG1", clauses));
     if (!cursor) return cursor.error();
     std::vector<MemoRow> rows;
-    while (cursor->Next())
-        if (!hidden.contains(cursor->Int(0))) rows.push_back({cursor->Int(0), cursor->Int(1)});
+    while (cursor->Next()) {
+        const std::int32_t key = cursor->Int(0);
+        if (!hidden.contains(key) && (search.empty() || found.contains(key)))
+            rows.push_back({key, cursor->Int(1)});
+    }
     if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
     return rows;
 }

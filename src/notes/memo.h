@@ -53,7 +53,9 @@ struct MemoRow {
 
 /// The list in alphabetical order. While `ShowPrivate` is false every payload is tested and private memos are
 /// left out; else no payload is opened.
-Result<std::vector<MemoRow>> ListMemos(store::Session& session, std::int32_t category);
+/// With `search` only memos whose subject holds it, without regard to case; that deciphers every subject.
+Result<std::vector<MemoRow>> ListMemos(store::Session& session, std::int32_t category,
+                                       std::string_view search = {});
 
 /// The subject of a memo: one field deciphered.
 Bytes MemoSubject(store::Session& session, std::int32_t fPK);

@@ -35,28 +35,46 @@ void PrivateBatch::Test(Session& session, std::uint8_t section,
     });
 }
 
-Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::uint8_t section,
-                                                        const std::string& clauses) {
-    auto cursor = session.ProgramDb->Select("SELECT fPK, fEtx FROM tt WHERE fSec=" + std::to_string(section) +
-                                            clauses + kOwnerAccess);
+Result<std::unordered_set<std::int32_t>> RecordsWhere(
+    Session& session, std::uint8_t section, const std::string& clauses, const std::string& column,
+    const std::function<bool(std::string_view plain)>& test) {
+    auto cursor = session.ProgramDb->Select(
+        "SELECT fPK, " + column + " FROM tt WHERE fSec=" + std::to_string(section) + clauses + kOwnerAccess);
     if (!cursor) return cursor.error();
     std::unordered_set<std::int32_t> found;
     PrivateBatch batch;
     std::vector<std::int32_t> keys;
-    const auto test = [&] {
-        batch.Test(session, section, [&](std::size_t index, bool isPrivate) {
-            if (isPrivate) found.insert(keys[index]);
+    const auto testBatch = [&] {
+        batch.Decipher(session, [&](std::size_t index, std::string_view plain) {
+            if (test(plain)) found.insert(keys[index]);
         });
         keys.clear();
     };
     while (cursor->Next()) {
         keys.push_back(cursor->Int(0));
         batch.Add(cursor->Bytes(1));
-        if (batch.Full()) test();
+        if (batch.Full()) testBatch();
     }
     if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
-    test();
+    testBatch();
     return found;
+}
+
+Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::uint8_t section,
+                                                        const std::string& clauses) {
+    return RecordsWhere(session, section, clauses, "fEtx",
+                        [section](std::string_view plain) { return IsPayloadPrivate(plain, section); });
+}
+
+Result<std::unordered_set<std::int32_t>> RecordsWithText(Session& session, std::uint8_t section,
+                                                         const std::string& clauses, std::string_view text) {
+    const Bytes wanted = LowerCase(text);
+    return RecordsWhere(session, section, clauses, "fT1", [&wanted](std::string_view plain) {
+        Bytes lower = LowerCase(TrimBlanks(plain));
+        const bool found = lower.find(wanted) != Bytes::npos;
+        cry::WipeString(lower);
+        return found;
+    });
 }
 
 }  // namespace bmr::store

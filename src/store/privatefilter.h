@@ -20,11 +20,12 @@ class PrivateBatch {
     void Add(std::string_view text);
     /// True when enough has come together: test before more is added.
     bool Full() const { return size_ >= kMostBytes; }
-    /// Deciphers what was added, gives each plain payload in order, and starts anew. `index` counts from 0
-    /// within this batch; `plain` is valid only inside the call.
+    /// Deciphers what was added and hands over each plain text, in order, then starts anew. `index` counts
+    /// from 0 within this batch; `plain` lives only inside the call.
     void Decipher(Session& session,
                   const std::function<void(std::size_t index, std::string_view plain)>& each);
-    /// The same, but tells for each whether it is private or cannot be read.
+    /// Deciphers what was added, tells for each, in order, whether it is private or cannot be read, and
+    /// starts anew. `index` counts from 0 within this batch.
     void Test(Session& session, std::uint8_t section,
               const std::function<void(std::size_t index, bool isPrivate)>& each);
 
@@ -35,9 +36,19 @@ class PrivateBatch {
     std::size_t size_ = 0;
 };
 
+/// The keys of a section's records, among the rows that meet `clauses` (" And fG1 = 3", or ""), whose
+/// deciphered `column` passes `test`. Opens every row, in batches.
+Result<std::unordered_set<std::int32_t>> RecordsWhere(
+    Session& session, std::uint8_t section, const std::string& clauses, const std::string& column,
+    const std::function<bool(std::string_view plain)>& test);
+
 /// The keys of a section's records that are private or cannot be read, among the rows that meet `clauses` ("
 /// And fG1 = 3", or ""). Opens every payload, in batches.
 Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::uint8_t section,
                                                         const std::string& clauses);
+
+/// The keys of a section's records whose list text (fT1) holds `text`, without regard to case.
+Result<std::unordered_set<std::int32_t>> RecordsWithText(Session& session, std::uint8_t section,
+                                                         const std::string& clauses, std::string_view text);
 
 }  // namespace bmr::store

@@ -1,0 +1,260 @@
+#include "notes/frmNotepad.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QLabel>
+#include <QLocale>
+#include <QPlainTextEdit>
+#include <QStackedLayout>
+
+#include "base/languageus.h"
+#include "kit/categorycombo.h"
+#include "kit/emptystate.h"
+#include "kit/failure.h"
+#include "kit/frmEditCategories.h"
+#include "kit/recordlistview.h"
+#include "kit/words.h"
+#include "notes/frmEditNotepad.h"
+#include "notes/memomodel.h"
+
+namespace bmr::notes {
+
+using store::Category;
+
+namespace {
+
+/// Place of the memo pad among the last-used categories.
+constexpr std::size_t kLastCategory = 2;
+
+QString ShortDate(DateValue date) {
+    const auto day = YearMonthDay(DayOf(date));
+    return QLocale().toString(
+        QDate(static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
+              static_cast<int>(static_cast<unsigned>(day.day()))),
+        QLocale::ShortFormat);
+}
+
+}  // namespace
+
+frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
+    : SectionForm(parent), session_(session), model_(new MemoModel(session, this)) {
+    setObjectName("frmNotepad");
+    setWindowTitle("Memo");
+    BuildActions();
+    BuildMenu();
+    BuildList();
+    BuildPad();
+    Lay();
+    const bool lastUsed = session_.settings.CatShow == 0;
+    FillCategories(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
+    Rebuild(store::kNewRecord);
+    listSelect->SelectFirst();
+}
+
+frmNotepad::~frmNotepad() {
+    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(category_);
+}
+
+QList<QAction*> frmNotepad::ToolActions() {
+    return {mnuMemoAdd, mnuMemoEdit, mnuMemoDeleteSelected};
+}
+
+void frmNotepad::showEvent(QShowEvent* event) {
+    SectionForm::showEvent(event);
+    TellStatus();
+}
+
+void frmNotepad::FillCategories(std::int32_t number) {
+    categories_ = store::FillCategories(session_, store::Section::Memo, true, true, true);
+    kit::FillCategoryCombo(*cboCategories, categories_);
+    kit::SelectCategory(*cboCategories, number);
+    category_ = kit::SelectedCategory(*cboCategories);
+}
+
+void frmNotepad::Rebuild(std::int32_t key) {
+    if (!session_.DatabaseOpen || session_.ending) return;
+    HidePad();
+    int error = 0;
+    listSelect->Rebuild([&] { error = model_->Rebuild(category_, search_); });
+    kit::TellFailure(session_, error, tr("The memos could not be read."));
+    ShowEmptyState();
+    listSelect->SelectKey(key);
+    if (listSelect->SelectedKey() != kit::RecordListView::kNoKey) ShowMemo(listSelect->SelectedKey());
+    TellStatus();
+}
+
+void frmNotepad::Refresh() {
+    const std::int32_t key = listSelect->SelectedKey();
+    FillCategories(category_);
+    Rebuild(key);
+}
+
+void frmNotepad::SetSearch(const QString& text) {
+    if (text.trimmed() == search_) return;
+    search_ = text.trimmed();
+    Rebuild(listSelect->SelectedKey());
+}
+
+void frmNotepad::SelectRecord(std::int32_t fPK) {
+    if (model_->RowOf(fPK) < 0) {
+        const auto memo = FetchMemo(session_, fPK);
+        if (!memo) return;
+        search_.clear();
+        if (category_ != Category::All && category_ != memo->category) FillCategories(memo->category);
+        Rebuild(fPK);
+    }
+    listSelect->SelectKey(fPK);
+}
+
+void frmNotepad::HidePad() {
+    padFrame->hide();
+    txtSubject->clear();
+    txtInput->clear();
+    mnuMemoEdit->setEnabled(false);
+    mnuMemoDeleteSelected->setEnabled(false);
+}
+
+void frmNotepad::ShowMemo(std::int32_t key) {
+    auto memo = key == kit::RecordListView::kNoKey ? std::nullopt : FetchMemo(session_, key);
+    if (!memo) return HidePad();
+    txtSubject->setText(kit::ToQString(memo->subject));
+    txtInput->setPlainText(kit::ToQString(memo->body).replace("\r\n", "\n"));
+    ctlPrivate->setVisible(memo->isPrivate);
+    cboCategory->setText(kit::ToQString(store::CategoryName(categories_, memo->category)));
+    ctlDateCreated->setText("Date created: " + ShortDate(memo->dateCreated));
+    ctlLastModified->setText("Last modified: " + ShortDate(memo->dateLastModified));
+    cry::WipeString(memo->body);
+    padFrame->show();
+    mnuMemoEdit->setEnabled(true);
+    mnuMemoDeleteSelected->setEnabled(true);
+}
+
+void frmNotepad::cboCategories_Click() {
+    const std::int32_t chosen = kit::SelectedCategory(*cboCategories);
+    if (chosen == Category::Edit) return cmdEditCat_Click(true);
+    category_ = chosen;
+    Rebuild(listSelect->SelectedKey());
+}
+
+void frmNotepad::ShowAllCategories() {
+    FillCategories(Category::All);
+    Rebuild(listSelect->SelectedKey());
+}
+
+void frmNotepad::cmdEditCat_Click(bool fromCombo) {
+    kit::frmEditCategories form(session_, store::Section::Memo, this);
+    editing_ = true;
+    const bool stored = form.exec() == QDialog::Accepted;
+    editing_ = false;
+    if (session_.ending || !session_.DatabaseOpen) return;
+    const std::int32_t key = listSelect->SelectedKey();
+    FillCategories(stored && !fromCombo ? form.LastWorkedOn(category_) : category_);
+    Rebuild(key);
+}
+
+void frmNotepad::cmdAdd_Click() {
+    if (editing_) return;
+    QString subject;
+    for (;;) {
+        const auto typed = session_.ports.prompter.InputBox("Memo", "Enter subject:", subject.toStdString());
+        if (session_.ending || !typed || typed->empty()) return;
+        subject = QString::fromStdString(*typed);
+        const QString why = kit::RefusalOf(subject);
+        if (why.isEmpty()) break;
+        Box box;
+        box.text = why.toStdString();
+        box.icon = BoxIcon::Warning;
+        session_.ports.prompter.Ask(box);
+    }
+    Memo memo = ClearMemo(session_, category_);
+    memo.subject = kit::FromQString(subject);
+    EditRecord(std::move(memo));
+}
+
+void frmNotepad::cmdEdit_Click() {
+    const std::int32_t key = listSelect->SelectedKey();
+    if (key == kit::RecordListView::kNoKey || editing_) return;
+    auto memo = FetchMemo(session_, key);
+    if (!memo) return cmdAdd_Click();
+    EditRecord(std::move(*memo));
+}
+
+void frmNotepad::EditRecord(Memo memo) {
+    const bool isNew = memo.key == store::kNewRecord;
+    bool stored = false;
+    editing_ = true;
+    // A new memo has its subject already: closed without another change it is stored all the same.
+    for (bool again = isNew; !stored; again = true) {
+        frmEditNotepad editor(session_, memo, this);
+        editor.recordChanged = again;
+        editor.exec();
+        if (session_.ending || !session_.DatabaseOpen) break;
+        recordChanged->setChecked(editor.recordChanged);
+        if (!recordChanged->isChecked()) break;
+        memo = editor.Value();
+        stored = Store(memo);  // what could not be stored stays in the editor
+    }
+    editing_ = false;
+    recordChanged->setChecked(false);
+    if (session_.ending || !session_.DatabaseOpen) return;
+    const std::int32_t shown = listSelect->SelectedKey();
+    FillCategories(stored && category_ != Category::All ? memo.category : category_);
+    if (stored)
+        Rebuild(memo.key);
+    else
+        ShowMemo(shown);
+}
+
+bool frmNotepad::Store(Memo& memo) {
+    const int error = WriteMemo(session_, memo);
+    kit::TellFailure(session_, error, tr("The memo was not stored."));
+    return error == 0;
+}
+
+void frmNotepad::cmdDelete_Click() {
+    const std::int32_t key = listSelect->SelectedKey();
+    if (key == kit::RecordListView::kNoKey) return;
+    const int row = listSelect->SelectedRow();
+    const Box box = ConfirmDelete(27, DeleteMemoText(kit::FromQString(model_->Subject(row))));
+    if (session_.ports.prompter.Ask(box) != Answer::Ok) return;
+    kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The memo was not deleted."));
+    Rebuild(store::kNewRecord);
+    listSelect->SelectFirst();
+}
+
+void frmNotepad::mnuMemoDeleteAll_Click(bool oneCategory) {
+    if (model_->rowCount() == 0) return;
+    const int first = oneCategory ? 102 : 80;
+    for (const int number : {first, 81})
+        if (session_.ports.prompter.Ask(ConfirmDelete(number, Msg(number))) != Answer::Ok) return;
+    const int error = DeleteMemos(session_, oneCategory ? category_ : Category::All);
+    kit::TellFailure(session_, error, tr("The memos were not deleted."));
+    Rebuild(store::kNewRecord);
+    listSelect->SelectFirst();
+}
+
+void frmNotepad::ShowEmptyState() {
+    const bool any = model_->rowCount() > 0;
+    stack_->setCurrentIndex(any ? 0 : 1);
+    setFocusProxy(any ? static_cast<QWidget*>(listSelect) : empty_);
+    if (any) return;
+    QList<QAction*> offers;
+    const bool filtered = category_ != Category::All;
+    if (search_.isEmpty()) offers << mnuMemoAdd;
+    if (filtered) offers << actShowAll;
+    if (!search_.isEmpty())
+        empty_->Set("edit-find", tr("Nothing for “%1” in Memo.").arg(search_), offers);
+    else
+        empty_->Set("view-pim-notes", filtered ? tr("No memos in this category.") : tr("No memos yet."),
+                    offers);
+}
+
+void frmNotepad::TellStatus() {
+    const int count = model_->rowCount();
+    QString text = count == 1 ? tr("1 memo") : tr("%1 memos").arg(QLocale().toString(count));
+    if (!session_.ShowPrivate) text += ", " + tr("private ones hidden");
+    emit StatusChanged(text);
+}
+
+}  // namespace bmr::notes

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "kit/sectionform.h"
+#include "notes/memo.h"
+#include "store/categories.h"
+
+class QCheckBox;
+class QComboBox;
+class QFrame;
+class QLabel;
+class QPlainTextEdit;
+class QPushButton;
+class QStackedLayout;
+class QToolButton;
+
+namespace bmr::kit {
+class EmptyState;
+class RecordListView;
+}  // namespace bmr::kit
+
+namespace bmr::notes {
+
+class MemoModel;
+
+/// The memo section: subjects in alphabetical order at the left, the chosen memo at the right.
+class frmNotepad final : public SectionForm {
+    Q_OBJECT
+
+  public:
+    explicit frmNotepad(store::Session& session, QWidget* parent = nullptr);
+    ~frmNotepad() override;
+
+    QMenu* SectionMenu() override { return mnuMemo; }
+    QList<QAction*> ToolActions() override;
+    void Refresh() override;
+    void SetSearch(const QString& text) override;
+    void SelectRecord(std::int32_t fPK) override;
+    bool Editing() const override { return editing_; }
+
+    // The operations that the menus call.
+    void cmdAdd_Click();
+    void cmdEdit_Click();
+    void cmdDelete_Click();
+    void mnuMemoDeleteAll_Click(bool oneCategory);
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    QAction* MakeAction(const char* name, const QString& text, const char* icon, void (frmNotepad::*slot)());
+    void BuildActions();
+    void BuildMenu();
+    void BuildList();
+    void BuildPad();
+    void Lay();
+
+    void FillCategories(std::int32_t number);
+    void cboCategories_Click();
+    void cmdEditCat_Click(bool fromCombo);
+    void ShowAllCategories();
+    void Rebuild(std::int32_t key);
+    void ShowMemo(std::int32_t key);
+    void HidePad();
+    void ShowEmptyState();
+    void TellStatus();
+    void EditRecord(Memo memo);
+    bool Store(Memo& memo);
+
+    store::Session& session_;
+    MemoModel* model_;
+    store::CategoryList categories_;
+    std::int32_t category_ = store::Category::All;
+    QString search_;
+    bool editing_ = false;
+
+    QMenu* mnuMemo;
+    QAction* mnuMemoAdd;
+    QAction* mnuMemoEdit;
+    QAction* mnuMemoDeleteSelected;
+    QAction* mnuMemoDeleteCategory;
+    QAction* mnuMemoDeleteAll;
+    QAction* actShowAll;
+
+    QComboBox* cboCategories;
+    QToolButton* cmdEditCat;
+    QPushButton* cmdAdd;
+    QPushButton* cmdEdit;
+    QPushButton* cmdDelete;
+    QCheckBox* recordChanged;
+    kit::RecordListView* listSelect;
+    kit::EmptyState* empty_;
+    QStackedLayout* stack_;
+
+    QFrame* padFrame;
+    QLabel* txtSubject;
+    QPlainTextEdit* txtInput;
+    QLabel* ctlPrivate;
+    QLabel* cboCategory;
+    QLabel* ctlDateCreated;
+    QLabel* ctlLastModified;
+};
+
+}  // namespace bmr::notes

@@ -1,0 +1,143 @@
+#include "notes/frmNotepad.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "kit/recordlistview.h"
+#include "store/record_put.h"
+#include "support/store.h"
+
+namespace bmr::notes {
+namespace {
+
+/// Works the next dialog that comes up, by its controls' names.
+void OnDialog(const std::function<void(QDialog&)>& work) {
+    QTimer::singleShot(0, qApp, [work] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        work(*dialog);
+    });
+}
+
+class Notepad : public testing::Test {
+  protected:
+    Notepad() {
+        store.session.ShowPrivate = true;
+        form = std::make_unique<frmNotepad>(store.session);
+        form->resize(900, 600);
+        form->show();
+    }
+    template <class T>
+    T& Find(const char* name) {
+        T* found = form->findChild<T*>(name);
+        if (!found) throw std::runtime_error(name);
+        return *found;
+    }
+    void Add(const std::string& subject, const std::string& body, std::int32_t category = 0) {
+        store.prompter.inputs.push_back(subject);
+        OnDialog([&](QDialog& editor) {
+            auto* combo = editor.findChild<QComboBox*>("cboCategory");
+            if (const int at = combo->findData(category); at >= 0) {
+                combo->setCurrentIndex(at);
+                emit combo->activated(at);
+            }
+            editor.findChild<QPlainTextEdit*>("ctlNote")->setPlainText(QString::fromStdString(body));
+            editor.findChild<QPushButton*>("cmdOK")->click();
+        });
+        form->cmdAdd_Click();
+    }
+    QStringList Subjects() {
+        QStringList subjects;
+        const auto* model = list().model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            subjects << model->index(row, 0).data().toString();
+        return subjects;
+    }
+    kit::RecordListView& list() { return Find<kit::RecordListView>("listSelect"); }
+
+    test::TempStore store;
+    std::unique_ptr<frmNotepad> form;
+};
+
+TEST_F(Notepad, ADayOfUse) {
+    Add("Wine list", "red\nwhite");
+    Add("Garden", "roses");
+    EXPECT_EQ(Subjects(), (QStringList{"Garden", "Wine list"}));
+    EXPECT_EQ(Find<QLabel>("txtSubject").text(), "Garden");
+    list().SelectFirst();
+    OnDialog([](QDialog& editor) {
+        editor.findChild<QLineEdit*>("ctlSubject")->setText("Zen garden");
+        QTest::keyClick(editor.windowHandle(), Qt::Key_Return, Qt::ControlModifier);
+    });
+    form->cmdEdit_Click();
+    EXPECT_EQ(Subjects(), (QStringList{"Wine list", "Zen garden"}));
+    EXPECT_EQ(Find<QLabel>("txtSubject").text(), "Zen garden");
+    form->SetSearch("WINE");
+    EXPECT_EQ(Subjects(), (QStringList{"Wine list"}));
+    form->SetSearch("");
+    list().SelectFirst();
+    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText(), "red\nwhite");
+    store.prompter.Expect(27, Answer::Ok);
+    form->cmdDelete_Click();
+    EXPECT_EQ(Subjects(), (QStringList{"Zen garden"}));
+    store.prompter.Expect(80, Answer::Ok).Expect(81, Answer::Cancel);
+    form->mnuMemoDeleteAll_Click(false);
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=14"), 1);
+}
+
+TEST_F(Notepad, CancellingTheInputBoxAddsNothing) {
+    store.prompter.inputs.push_back(std::nullopt);
+    form->cmdAdd_Click();
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=14"), 0);
+    EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+}
+
+TEST_F(Notepad, AMemoThatIsTooLongIsToldBeforeItIsCut) {
+    Add("Long", "short");
+    list().SelectFirst();
+    store.prompter.Expect(0, Answer::No);
+    OnDialog([&](QDialog& editor) {
+        auto* note = editor.findChild<QPlainTextEdit*>("ctlNote");
+        note->setPlainText(QString(70000, 'x'));
+        editor.findChild<QPushButton*>("cmdOK")->click();
+        EXPECT_TRUE(editor.isVisible());  // No goes back, with the whole text
+        EXPECT_EQ(note->toPlainText().size(), 70000);
+        store.prompter.Expect(0, Answer::Yes);
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdEdit_Click();
+    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText().size(),
+              static_cast<qsizetype>(store::kLongestText));
+}
+
+TEST_F(Notepad, WhatTheFormatCannotHoldIsMarkedAndNotStored) {
+    Add("Plain", "text");
+    list().SelectFirst();
+    store.prompter.Expect(20, Answer::Yes);
+    OnDialog([](QDialog& editor) {
+        auto* note = editor.findChild<QPlainTextEdit*>("ctlNote");
+        note->setPlainText(QString::fromUtf8("caf\xC3\xA9 \xE5\xAD\x97 \xF0\x9F\x98\x80!"));
+        const auto marks = note->extraSelections();
+        ASSERT_EQ(marks.size(), 2);
+        EXPECT_EQ(marks[0].cursor.selectedText(), QString::fromUtf8("\xE5\xAD\x97"));
+        EXPECT_EQ(marks[1].cursor.selectedText(), QString::fromUtf8("\xF0\x9F\x98\x80"));
+        editor.findChild<QPushButton*>("cmdOK")->click();
+        EXPECT_TRUE(editor.isVisible());
+        EXPECT_FALSE(editor.findChild<QLabel*>("lblNoteError")->text().isEmpty());
+        editor.findChild<QPushButton*>("cmdEsc")->click();
+    });
+    form->cmdEdit_Click();
+    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText(), "text");
+}
+
+}  // namespace
+}  // namespace bmr::notes

@@ -1,0 +1,275 @@
+#include "confidential/frmClassified.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QContextMenuEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QPlainTextEdit>
+#include <QStackedLayout>
+#include <QToolButton>
+
+#include "base/languageus.h"
+#include "confidential/frmEditConfidential.h"
+#include "confidential/recordmodel.h"
+#include "kit/emptystate.h"
+#include "kit/failure.h"
+#include "kit/recordlistview.h"
+#include "kit/words.h"
+#include "shell/helpers.h"
+
+namespace bmr::confidential {
+
+namespace {
+
+/// A masked value shows as a row of marks of one length, so that not even its length is seen.
+const QString kMask = QString(10, '?');
+
+}  // namespace
+
+frmClassified::frmClassified(store::Session& session, Outside outside, QWidget* parent)
+    : SectionForm(parent),
+      session_(session),
+      outside_(std::move(outside)),
+      model_(new RecordModel(session, this)) {
+    setObjectName("frmClassified");
+    setWindowTitle("CONFIDENTIAL");
+    BuildActions();
+    auto* columns = new QHBoxLayout(this);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->setSpacing(0);
+    columns->addWidget(BuildKinds());
+    columns->addWidget(BuildList(), 35);
+    columns->addWidget(BuildPad(), 65);
+    HidePad();
+    ListSelect->setEnabled(false);
+    mnuAdd->setEnabled(false);
+    ShowEmptyState();
+    setFocusProxy(cat[1]);
+}
+
+frmClassified::~frmClassified() {
+    WipeRecord(record_);
+}
+
+QList<QAction*> frmClassified::ToolActions() {
+    return {mnuAdd, mnuEdit, mnuDelete, nullptr, mnuCopySecret};
+}
+
+void frmClassified::showEvent(QShowEvent* event) {
+    SectionForm::showEvent(event);
+    TellStatus();
+}
+
+void frmClassified::cat_Click(int Index) {
+    if (Index == 0) return;
+    currentKind = Index;
+    mnuAdd->setEnabled(true);
+    cat[static_cast<std::size_t>(Index)]->setChecked(true);
+    const Kind& kind = *CurrentKind();
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const bool used = i < kind.FieldCount();
+        rows_[i].lblTxt->setText(
+            QString::fromUtf8(kind.captions[i].data(), static_cast<int>(kind.captions[i].size())));
+        rows_[i].lblTxt->setVisible(used);
+        rows_[i].txtCtl->parentWidget()->setVisible(used);
+    }
+    lblCategory->setText("Category:  " + QString::fromStdString(std::string(kind.caption)).toUpper());
+    listSelect_Initialize(store::kNewRecord);
+    cat[static_cast<std::size_t>(Index)]->setFocus();
+}
+
+void frmClassified::listSelect_Initialize(std::int32_t key) {
+    if (currentKind == 0 || !session_.DatabaseOpen || session_.ending) return;
+    HidePad();
+    int error = 0;
+    ListSelect->Rebuild([&] { error = model_->Rebuild(currentKind, search_); });
+    kit::TellFailure(session_, error, tr("The records could not be read."));
+    ListSelect->setEnabled(model_->rowCount() > 0);
+    ShowEmptyState();
+    if (key != store::kNewRecord && model_->RowOf(key) >= 0)
+        ListSelect->SelectKey(key);
+    else
+        ListSelect->SelectFirst();
+    ShowRecord(ListSelect->SelectedKey());
+    TellStatus();
+}
+
+void frmClassified::Refresh() {
+    listSelect_Initialize(ListSelect->SelectedKey());
+}
+
+void frmClassified::SetSearch(const QString& text) {
+    if (text.trimmed() == search_) return;
+    search_ = text.trimmed();
+    listSelect_Initialize(ListSelect->SelectedKey());
+}
+
+void frmClassified::SelectRecord(std::int32_t fPK) {
+    auto record = FetchRecord(session_, fPK);
+    if (!record) return;
+    search_.clear();
+    if (record->kind != currentKind) cat_Click(record->kind);
+    WipeRecord(*record);
+    listSelect_Initialize(fPK);
+}
+
+void frmClassified::HidePad() {
+    WipeRecord(record_);
+    record_.key = store::kNewRecord;
+    for (const Row& row : rows_)
+        row.txtCtl->clear();
+    txtTall_->clear();
+    txtNotes->clear();
+    padFrame->hide();
+    for (QAction* action : {mnuEdit, mnuDelete, mnuCopySecret})
+        action->setEnabled(false);
+}
+
+void frmClassified::ShowRecord(std::int32_t key) {
+    auto record = key == kit::RecordListView::kNoKey ? std::nullopt : FetchRecord(session_, key);
+    if (!record) return HidePad();
+    WipeRecord(record_);
+    record_ = std::move(*record);
+    ShowFields();
+    const auto day = YearMonthDay(DayOf(record_.dateLastModified));
+    lblLastModified->setText("Last modified: " +
+                             QLocale().toString(QDate(static_cast<int>(day.year()),
+                                                      static_cast<int>(static_cast<unsigned>(day.month())),
+                                                      static_cast<int>(static_cast<unsigned>(day.day()))),
+                                                QLocale::ShortFormat));
+    ctlPrivate->setVisible(record_.isPrivate);
+    padFrame->show();
+    for (QAction* action : {mnuEdit, mnuDelete})
+        action->setEnabled(true);
+    bool secret = false;
+    for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
+        secret = secret || (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty());
+    mnuCopySecret->setEnabled(secret);
+}
+
+QString frmClassified::FieldText(std::size_t i) const {
+    return kit::ToQString(record_.n[i]);
+}
+
+void frmClassified::ShowFields() {
+    const Kind& kind = *CurrentKind();
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const bool used = i < kind.FieldCount();
+        const bool filled = used && !record_.n[i].empty();
+        const bool masked = used && IsMaskedCaption(kind.captions[i]) && !chkPlainPW->isChecked();
+        const bool tall = i == 1 && kind.height > 1;
+        rows_[i].txtCtl->setText(masked && filled ? kMask : FieldText(i));
+        rows_[i].txtCtl->setCursorPosition(0);
+        rows_[i].txtCtl->setVisible(!tall);
+        rows_[i].copy->setVisible(filled);
+        rows_[i].open->setVisible(filled && IsUrlCaption(kind.captions[i]));
+    }
+    txtTall_->setVisible(kind.height > 1);
+    txtTall_->setFixedHeight(fontMetrics().lineSpacing() * kind.height + 12);
+    txtTall_->setPlainText(FieldText(1).replace("\r\n", "\n"));
+    txtNotes->setPlainText(kit::ToQString(record_.notes).replace("\r\n", "\n"));
+}
+
+void frmClassified::chkPlainPW_Click() {
+    if (record_.key != store::kNewRecord) ShowFields();
+}
+
+void frmClassified::cmdAdd_Click() {
+    if (currentKind == 0 || editing_) return;
+    Record record;
+    record.kind = currentKind;
+    EditRecord(std::move(record));
+}
+
+void frmClassified::cmdEdit_Click() {
+    if (model_->rowCount() == 0 || editing_) return;
+    auto record = FetchRecord(session_, ListSelect->SelectedKey());
+    if (record) EditRecord(std::move(*record));
+}
+
+void frmClassified::EditRecord(Record record) {
+    const std::int32_t shown = ListSelect->SelectedKey();
+    bool stored = false;
+    editing_ = true;
+    for (bool again = false; !stored; again = true) {
+        frmEditConfidential editor(session_, record, this);
+        editor.changed = again;
+        if (padFrame->isVisible()) editor.Cover(*padFrame);
+        const bool kept = editor.exec() == QDialog::Accepted && editor.changed;
+        if (session_.ending || !session_.DatabaseOpen || !kept) break;
+        WipeRecord(record);
+        record = editor.Value();
+        const int error = SaveRecord(session_, record);
+        kit::TellFailure(session_, error, tr("The record was not stored."));
+        stored = error == 0;  // what could not be stored stays in the editor
+    }
+    editing_ = false;
+    const std::int32_t key = record.key;
+    WipeRecord(record);
+    if (session_.ending || !session_.DatabaseOpen) return;
+    if (stored)
+        listSelect_Initialize(key);
+    else
+        ShowRecord(shown);
+}
+
+void frmClassified::cmdDelete_Click() {
+    const std::int32_t key = ListSelect->SelectedKey();
+    if (model_->rowCount() == 0 || key == kit::RecordListView::kNoKey) return;
+    if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteRecordText(record_.n[0]))) != Answer::Ok) return;
+    kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The record was not deleted."));
+    listSelect_Initialize(store::kNewRecord);
+}
+
+void frmClassified::CopyField(std::size_t i) {
+    if (outside_.copy && !record_.n[i].empty()) outside_.copy(FieldText(i));
+}
+
+void frmClassified::OpenField(std::size_t i) {
+    if (outside_.web) outside_.web(FieldText(i).toStdString());
+}
+
+void frmClassified::FieldMenu(std::size_t i, const QPoint& at) {
+    if (record_.n[i].empty()) return;
+    QMenu menu;
+    const QString text = FieldText(i);
+    menu.addAction(tr("&Copy"), this, [this, i] { CopyField(i); });
+    QAction* noBlanks = menu.addAction(tr("Copy (no &spaces)"), this, [this, text] {
+        outside_.copy(QString::fromStdString(shell::WithoutBlanks(text.toStdString())));
+    });
+    noBlanks->setEnabled(text.contains(' '));
+    std::string address = text.toStdString();
+    if (shell::ValidEmail(address))
+        menu.addAction(tr("&Mail …"), this, [this, address] { outside_.mail(address); });
+    if (IsUrlCaption(CurrentKind()->captions[i]))
+        menu.addAction(tr("Open &web page"), this, [this, i] { OpenField(i); });
+    menu.exec(at);
+}
+
+void frmClassified::ShowEmptyState() {
+    const bool any = model_->rowCount() > 0;
+    stack_->setCurrentIndex(any ? 0 : 1);
+    if (any) return;
+    if (currentKind == 0)
+        empty_->Set("object-locked", tr("Choose a kind of record at the left."), {});
+    else if (!search_.isEmpty())
+        empty_->Set("edit-find", tr("Nothing for “%1” among these records.").arg(search_), {});
+    else
+        empty_->Set("object-locked", tr("No records of this kind yet."), {mnuAdd});
+}
+
+void frmClassified::TellStatus() {
+    if (currentKind == 0) {
+        emit StatusChanged({});
+        return;
+    }
+    const int count = model_->rowCount();
+    QString text = count == 1 ? tr("1 record") : tr("%1 records").arg(QLocale().toString(count));
+    if (!session_.ShowPrivate) text += ", " + tr("private ones hidden");
+    emit StatusChanged(text);
+}
+
+}  // namespace bmr::confidential

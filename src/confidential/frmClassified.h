@@ -1,0 +1,122 @@
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include "confidential/confidential.h"
+#include "confidential/kinds.h"
+#include "kit/sectionform.h"
+
+class QAbstractButton;
+class QCheckBox;
+class QFormLayout;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QStackedLayout;
+class QToolButton;
+
+namespace bmr::kit {
+class EmptyState;
+class RecordListView;
+}  // namespace bmr::kit
+
+namespace bmr::confidential {
+
+class RecordModel;
+
+/// What the section asks of the program around it. Texts are UTF-8.
+struct Outside {
+    std::function<void(const QString& secret)> copy;  ///< through the clipboard guard
+    std::function<void(const std::string& address)> web;
+    std::function<void(const std::string& address)> mail;
+};
+
+/// The confidential section: sixteen kinds, the records of the chosen kind, and the chosen record.
+class frmClassified final : public SectionForm {
+    Q_OBJECT
+
+  public:
+    frmClassified(store::Session& session, Outside outside, QWidget* parent = nullptr);
+    ~frmClassified() override;
+
+    QMenu* SectionMenu() override { return mnuConfidential; }
+    QList<QAction*> ToolActions() override;
+    void Refresh() override;
+    void SetSearch(const QString& text) override;
+    void SelectRecord(std::int32_t fPK) override;
+    bool Editing() const override { return editing_; }
+
+    void cat_Click(int Index);
+    void cmdAdd_Click();
+    void cmdEdit_Click();
+    void cmdDelete_Click();
+    void chkPlainPW_Click();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    struct Row {
+        QLabel* lblTxt;
+        QLineEdit* txtCtl;
+        QToolButton* copy;
+        QToolButton* open;
+    };
+
+    QAction* MakeAction(const char* name, const QString& text, const char* icon,
+                        void (frmClassified::*slot)());
+    void BuildActions();
+    QWidget* BuildKinds();
+    QWidget* BuildList();
+    QWidget* BuildPad();
+    void BuildRow(QFormLayout& form, std::size_t i);
+
+    void listSelect_Initialize(std::int32_t key);
+    void ShowRecord(std::int32_t key);
+    void ShowFields();
+    void HidePad();
+    void EditRecord(Record record);
+    void CopyField(std::size_t i);
+    void OpenField(std::size_t i);
+    void FieldMenu(std::size_t i, const QPoint& at);
+    void ShowEmptyState();
+    void TellStatus();
+    const Kind* CurrentKind() const { return ConfidentialKindFields(currentKind); }
+    QString FieldText(std::size_t i) const;
+
+    store::Session& session_;
+    Outside outside_;
+    RecordModel* model_;
+    std::int32_t currentKind = 0;
+    Record record_;  ///< what the pad shows; wiped with it
+    QString search_;
+    bool editing_ = false;
+
+    QMenu* mnuConfidential;
+    QAction* mnuAdd;
+    QAction* mnuEdit;
+    QAction* mnuDelete;
+    QAction* mnuCopySecret;
+
+    std::array<QAbstractButton*, 17> cat{};
+    kit::RecordListView* ListSelect;
+    kit::EmptyState* empty_;
+    QStackedLayout* stack_;
+    QFrame* padFrame;
+    QLabel* lblCategory;
+    QLabel* lblLastModified;
+    QLabel* ctlPrivate;
+    std::array<Row, 5> rows_{};
+    QPlainTextEdit* txtTall_;  ///< the second field where it is several lines high
+    QLabel* lblNotes;
+    QPlainTextEdit* txtNotes;
+    QCheckBox* chkPlainPW;
+    QPushButton* cmdAdd;
+    QPushButton* cmdEdit;
+    QPushButton* cmdDelete;
+};
+
+}  // namespace bmr::confidential

@@ -1,0 +1,265 @@
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStackedLayout>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "confidential/frmClassified.h"
+#include "confidential/recordmodel.h"
+#include "kit/emptystate.h"
+#include "kit/formparts.h"
+#include "kit/icons.h"
+#include "kit/recordlistview.h"
+#include "kit/theme.h"
+
+// How the screen of the confidential section is put together; what it does stands in frmClassified.cpp.
+namespace bmr::confidential {
+
+using kit::Space;
+
+namespace {
+
+QString Text(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QToolButton* FieldButton(const QString& name, const char* icon, const QString& tip) {
+    auto* button = new QToolButton;
+    button->setObjectName(name);
+    button->setIcon(kit::Icon(icon));
+    button->setAutoRaise(true);
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    button->setFocusPolicy(Qt::StrongFocus);
+    return button;
+}
+
+/// The chosen kind stands on yellow, in light and in dark windows.
+constexpr const char* kKindStyle =
+    "QPushButton { text-align: left; padding: 4px 8px; border: none; border-radius: 4px; }"
+    "QPushButton:hover { background: palette(midlight); }"
+    "QPushButton:focus { border: 1px solid palette(highlight); }"
+    "QPushButton:checked { background: #ffff00; color: #1b1b1b; }";
+
+}  // namespace
+
+QAction* frmClassified::MakeAction(const char* name, const QString& text, const char* icon,
+                                   void (frmClassified::*slot)()) {
+    auto* action = new QAction(kit::Icon(icon), text, this);
+    action->setObjectName(name);
+    if (slot) connect(action, &QAction::triggered, this, slot);
+    action->setShortcutContext(Qt::WindowShortcut);
+    addAction(action);
+    return action;
+}
+
+void frmClassified::BuildActions() {
+    mnuAdd =
+        MakeAction("mnuConfidentialAdd", tr("&New Record …"), "document-new", &frmClassified::cmdAdd_Click);
+    mnuAdd->setIconText(tr("New Record"));
+    mnuAdd->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    mnuEdit =
+        MakeAction("mnuConfidentialEdit", tr("&Edit …"), "document-edit", &frmClassified::cmdEdit_Click);
+    mnuEdit->setIconText(tr("Edit"));
+    mnuEdit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    mnuDelete =
+        MakeAction("mnuConfidentialDelete", tr("&Delete …"), "edit-delete", &frmClassified::cmdDelete_Click);
+    mnuDelete->setIconText(tr("Delete"));
+    mnuDelete->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+    mnuCopySecret = MakeAction("mnuConfidentialCopySecret", tr("Copy &Secret"), "edit-copy", nullptr);
+    mnuCopySecret->setIconText(tr("Copy secret"));
+    mnuCopySecret->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    connect(mnuCopySecret, &QAction::triggered, this, [this] {
+        for (std::size_t i = 0; i < rows_.size(); ++i)
+            if (rows_[i].txtCtl->hasFocus()) return CopyField(i);
+        for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
+            if (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty()) return CopyField(i);
+    });
+    mnuConfidential = new QMenu(tr("&Confidential"), this);
+    mnuConfidential->setObjectName("mnuConfidential");
+    mnuConfidential->addActions({mnuAdd, mnuEdit, mnuDelete});
+    mnuConfidential->addSeparator();
+    mnuConfidential->addAction(mnuCopySecret);
+}
+
+QWidget* frmClassified::BuildKinds() {
+    auto* panel = new QWidget;
+    auto* column = new QVBoxLayout(panel);
+    column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
+    column->setSpacing(0);
+    auto* group = new QButtonGroup(this);
+    const auto make = [&](int index, const QString& caption) {
+        auto* button = new QPushButton(caption, panel);
+        button->setObjectName(QString("cat%1").arg(index));
+        button->setCheckable(true);
+        button->setStyleSheet(kKindStyle);
+        button->setAutoDefault(false);
+        group->addButton(button, index);
+        cat[static_cast<std::size_t>(index)] = button;
+        return button;
+    };
+    make(0, "default")->hide();
+    cat[0]->setChecked(true);
+    std::string_view heading;
+    int headings = 0;
+    for (const Kind& kind : ConfidentialKinds()) {
+        if (kind.group != heading) {
+            heading = kind.group;
+            auto* label = new QLabel(Text(heading));
+            label->setObjectName(QString("lblMainCategory%1").arg(headings));
+            QFont font = label->font();
+            font.setPointSizeF(font.pointSizeF() * kit::kSmallText);
+            font.setBold(true);
+            label->setFont(font);
+            if (headings++ > 0) column->addSpacing(Space::Row);
+            column->addWidget(label);
+        }
+        QPushButton* button = make(kind.number, Text(kind.caption));
+        button->setToolTip(Text(kind.toolTip));
+        column->addWidget(button);
+    }
+    column->addStretch();
+    connect(group, &QButtonGroup::idClicked, this, &frmClassified::cat_Click);
+    auto* scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(panel);
+    scroll->setFixedWidth(panel->sizeHint().width() + Space::Group);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    return scroll;
+}
+
+QWidget* frmClassified::BuildList() {
+    ListSelect = new kit::RecordListView;
+    ListSelect->setObjectName("ListSelect");
+    ListSelect->setAccessibleName(tr("Records"));
+    ListSelect->setFrameShape(QFrame::NoFrame);
+    ListSelect->setHeaderHidden(true);
+    ListSelect->SetModel(model_);
+    connect(ListSelect, &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
+    connect(ListSelect, &kit::RecordListView::EditWanted, this, &frmClassified::cmdEdit_Click);
+    connect(ListSelect, &kit::RecordListView::DeleteWanted, this, &frmClassified::cmdDelete_Click);
+    connect(ListSelect, &kit::RecordListView::MenuWanted, this,
+            [this](const QPoint& at) { mnuConfidential->popup(at); });
+    empty_ = new kit::EmptyState;
+    auto* lists = new QWidget;
+    stack_ = new QStackedLayout(lists);
+    stack_->addWidget(ListSelect);
+    stack_->addWidget(empty_);
+    cmdAdd = kit::MakeButton("cmdAdd", mnuAdd);
+    cmdEdit = kit::MakeButton("cmdEdit", mnuEdit);
+    cmdDelete = kit::MakeButton("cmdDelete", mnuDelete);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(Space::Row);
+    for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete})
+        buttons->addWidget(button);
+    buttons->addStretch();
+    auto* panel = new QWidget;
+    panel->setMinimumWidth(240);
+    auto* column = new QVBoxLayout(panel);
+    column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
+    column->setSpacing(Space::Row);
+    column->addWidget(lists, 1);
+    column->addLayout(buttons);
+    return panel;
+}
+
+void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {
+    Row& row = rows_[i];
+    const QString number = QString::number(i);
+    row.lblTxt = new QLabel;
+    row.lblTxt->setObjectName("lblTxt" + number);
+    row.txtCtl = new QLineEdit;
+    row.txtCtl->setObjectName("txtCtl" + number);
+    row.txtCtl->setReadOnly(true);
+    row.txtCtl->setContextMenuPolicy(Qt::CustomContextMenu);
+    row.copy =
+        FieldButton("copy" + number, "edit-copy", tr("Copy; gone from the clipboard after 30 seconds"));
+    row.open = FieldButton("open" + number, "internet-web-browser", tr("Open the web page"));
+    connect(row.txtCtl, &QWidget::customContextMenuRequested, this,
+            [this, i](const QPoint& at) { FieldMenu(i, rows_[i].txtCtl->mapToGlobal(at)); });
+    connect(row.copy, &QToolButton::clicked, this, [this, i] { CopyField(i); });
+    connect(row.open, &QToolButton::clicked, this, [this, i] { OpenField(i); });
+    auto* field = new QWidget;
+    auto* line = new QHBoxLayout(field);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(Space::Tight);
+    line->addWidget(row.txtCtl, 1);
+    if (i == 1) {
+        txtTall_ = new QPlainTextEdit;
+        txtTall_->setObjectName("txtTall");
+        txtTall_->setReadOnly(true);
+        txtTall_->setTabChangesFocus(true);
+        txtTall_->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(txtTall_, &QWidget::customContextMenuRequested, this,
+                [this](const QPoint& at) { FieldMenu(1, txtTall_->mapToGlobal(at)); });
+        line->addWidget(txtTall_, 1);
+    }
+    line->addWidget(row.open, 0, Qt::AlignTop);
+    line->addWidget(row.copy, 0, Qt::AlignTop);
+    form.addRow(row.lblTxt, field);
+}
+
+QWidget* frmClassified::BuildPad() {
+    padFrame = new QFrame;
+    padFrame->setObjectName("padFrame");
+    lblCategory = kit::MakeHeading("lblCategory");
+    ctlPrivate = new QLabel;
+    ctlPrivate->setObjectName("ctlPrivate");
+    ctlPrivate->setPixmap(kit::Icon("object-locked").pixmap(16, 16));
+    ctlPrivate->setToolTip("Private");
+    ctlPrivate->setAccessibleName("Private");
+    auto* form = new QFormLayout;
+    form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    form->setHorizontalSpacing(Space::Row);
+    form->setVerticalSpacing(Space::Row);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    for (std::size_t i = 0; i < rows_.size(); ++i)
+        BuildRow(*form, i);
+    chkPlainPW = new QCheckBox("Show Plain Password");
+    chkPlainPW->setObjectName("chkPlainPW");
+    connect(chkPlainPW, &QCheckBox::toggled, this, &frmClassified::chkPlainPW_Click);
+    lblNotes = new QLabel("Notes:");
+    lblNotes->setObjectName("lblNotes");
+    txtNotes = new QPlainTextEdit;
+    txtNotes->setObjectName("txtNotes");
+    txtNotes->setAccessibleName(tr("Notes"));
+    txtNotes->setReadOnly(true);
+    txtNotes->setTabChangesFocus(true);
+    lblLastModified = new QLabel;
+    lblLastModified->setObjectName("lblLastModified");
+    lblLastModified->setForegroundRole(QPalette::PlaceholderText);
+
+    auto* head = new QHBoxLayout;
+    head->addWidget(lblCategory, 1);
+    head->addWidget(ctlPrivate, 0, Qt::AlignTop);
+    auto* column = new QVBoxLayout(padFrame);
+    column->setContentsMargins(Space::Group, Space::Margin, Space::Group, Space::Margin);
+    column->setSpacing(Space::Row);
+    column->addLayout(head);
+    column->addLayout(form);
+    column->addWidget(chkPlainPW);
+    column->addSpacing(Space::Row);
+    column->addWidget(lblNotes);
+    column->addWidget(txtNotes, 1);
+    column->addWidget(lblLastModified);
+    auto* right = new QWidget;
+    right->setMinimumWidth(320);
+    right->setBackgroundRole(QPalette::Base);
+    right->setAutoFillBackground(true);
+    auto* whole = new QVBoxLayout(right);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(padFrame);
+    return right;
+}
+
+}  // namespace bmr::confidential

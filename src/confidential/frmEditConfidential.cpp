@@ -1,0 +1,235 @@
+#include "confidential/frmEditConfidential.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QToolButton>
+
+#include "base/languageus.h"
+#include "confidential/frmGenerate.h"
+#include "confidential/kinds.h"
+#include "kit/formparts.h"
+#include "kit/guards.h"
+#include "kit/icons.h"
+#include "kit/theme.h"
+#include "kit/words.h"
+#include "store/record_put.h"
+
+namespace bmr::confidential {
+
+using kit::Space;
+
+frmEditConfidential::frmEditConfidential(store::Session& session, const Record& record, QWidget* parent)
+    : QDialog(parent), session_(session), record_(record) {
+    setObjectName("frmEditConfidential");
+    const Kind& kind = *ConfidentialKindFields(record.kind);
+    setWindowTitle(QString::fromStdString(std::string(kind.caption)));
+    singleLineField1 = kind.height == 1;
+    BuildFields();
+    Lay();
+    filling_ = true;
+    for (std::size_t i = 0; i < txtCtl.size(); ++i)
+        txtCtl[i]->setText(kit::ToQString(record.n[i]));
+    tmpTxt->setPlainText(kit::ToQString(record.n[1]).replace("\r\n", "\n"));
+    txtNotes->setPlainText(kit::ToQString(record.notes).replace("\r\n", "\n"));
+    ctlPrivate->setChecked(record.isPrivate);
+    filling_ = false;
+    kit::GuardDialog(*this);
+    txtCtl[0]->setFocus();
+}
+
+frmEditConfidential::~frmEditConfidential() {
+    WipeRecord(record_);
+}
+
+void frmEditConfidential::BuildFields() {
+    const Kind& kind = *ConfidentialKindFields(record_.kind);
+    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+        const QString caption = QString::fromStdString(std::string(kind.captions[i]));
+        txtCtl[i] = new QLineEdit(this);
+        txtCtl[i]->setObjectName(QString("txtCtl%1").arg(i));
+        txtCtl[i]->setAccessibleName(caption);
+        txtCtl[i]->installEventFilter(this);
+        connect(txtCtl[i], &QLineEdit::textChanged, this, &frmEditConfidential::Changed);
+        if (!IsMaskedCaption(kind.captions[i])) continue;
+        dice_[i] = new QToolButton(this);
+        dice_[i]->setObjectName(QString("dice%1").arg(i));
+        dice_[i]->setIcon(kit::Icon("password-generate"));
+        dice_[i]->setToolTip(tr("Make a password"));
+        dice_[i]->setAccessibleName(tr("Make a password"));
+        dice_[i]->setFocusPolicy(Qt::StrongFocus);
+        connect(dice_[i], &QToolButton::clicked, this, [this, i] { Generate(i); });
+    }
+    const auto block = [this](const char* name, const QString& caption) {
+        auto* edit = new QPlainTextEdit(this);
+        edit->setObjectName(name);
+        edit->setAccessibleName(caption);
+        edit->setTabChangesFocus(true);
+        connect(edit, &QPlainTextEdit::textChanged, this, &frmEditConfidential::Changed);
+        return edit;
+    };
+    tmpTxt = block("tmpTxt", QString::fromStdString(std::string(kind.captions[1])));
+    tmpTxt->setFixedHeight(fontMetrics().lineSpacing() * kind.height + 12);
+    tmpTxt->installEventFilter(this);
+    txtNotes = block("txtNotes", tr("Notes"));
+    ctlPrivate = new QCheckBox("Private");
+    ctlPrivate->setObjectName("ctlPrivate");
+    connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditConfidential::Changed);
+    lblError = kit::MakeErrorLine("lblError");
+}
+
+void frmEditConfidential::Lay() {
+    const Kind& kind = *ConfidentialKindFields(record_.kind);
+    auto* heading = kit::MakeHeading("lblCategory");
+    heading->setText("Category:  " + QString::fromStdString(std::string(kind.caption)).toUpper());
+    auto* form = new QFormLayout;
+    form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    form->setHorizontalSpacing(Space::Row);
+    form->setVerticalSpacing(Space::Row);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+        const bool used = i < kind.FieldCount();
+        const bool tall = i == 1 && !singleLineField1;
+        txtCtl[i]->setVisible(used && !tall);
+        if (!used) continue;
+        auto* field = new QWidget;
+        auto* line = new QHBoxLayout(field);
+        line->setContentsMargins(0, 0, 0, 0);
+        line->setSpacing(Space::Tight);
+        line->addWidget(tall ? static_cast<QWidget*>(tmpTxt) : txtCtl[i], 1);
+        if (dice_[i]) line->addWidget(dice_[i]);
+        auto* label = kit::MakeLabel(QString::fromStdString(std::string(kind.captions[i])), txtCtl[i]);
+        label->setObjectName(QString("lblTxt%1").arg(i));
+        form->addRow(label, field);
+    }
+    tmpTxt->setVisible(!singleLineField1);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+    cmdOK = buttons->button(QDialogButtonBox::Save);
+    cmdOK->setObjectName("cmdOK");
+    cmdOK->setToolTip(tr("Ctrl+Return"));
+    cmdOK->setAutoDefault(false);
+    cmdEsc = buttons->button(QDialogButtonBox::Cancel);
+    cmdEsc->setObjectName("cmdEsc");
+    cmdEsc->setAutoDefault(false);
+    connect(cmdOK, &QPushButton::clicked, this, &frmEditConfidential::cmdOK_Click);
+    connect(cmdEsc, &QPushButton::clicked, this, &frmEditConfidential::reject);
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter})
+        connect(new QShortcut(QKeySequence(Qt::CTRL | key), this), &QShortcut::activated, this,
+                &frmEditConfidential::cmdOK_Click);
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(Space::Group, Space::Margin, Space::Group, Space::Margin);
+    column->setSpacing(Space::Row);
+    column->addWidget(heading);
+    column->addLayout(form);
+    column->addWidget(lblError);
+    column->addWidget(new QLabel("Notes:"));
+    column->addWidget(txtNotes, 1);
+    column->addWidget(ctlPrivate);
+    column->addWidget(buttons);
+    resize(qMax(560, fontMetrics().averageCharWidth() * 80), fontMetrics().lineSpacing() * 30);
+}
+
+void frmEditConfidential::Cover(const QWidget& pad) {
+    const QSize wanted = pad.size().expandedTo(minimumSizeHint());
+    setGeometry(QRect(pad.mapToGlobal(QPoint(0, 0)), wanted));
+}
+
+Record frmEditConfidential::Value() const {
+    Record record = record_;
+    const Kind& kind = *ConfidentialKindFields(record.kind);
+    const auto bytes = [](const QString& text) { return kit::FromQString(text); };
+    for (std::size_t i = 0; i < kind.FieldCount(); ++i)
+        record.n[i] = bytes(txtCtl[i]->text());
+    if (!singleLineField1) record.n[1] = bytes(tmpTxt->toPlainText().replace("\n", "\r\n"));
+    record.notes = bytes(txtNotes->toPlainText().replace("\n", "\r\n"));
+    record.isPrivate = ctlPrivate->isChecked();
+    return record;
+}
+
+void frmEditConfidential::Changed() {
+    if (filling_) return;
+    changed = true;
+    kit::MarkUnmappable(*txtNotes);
+    if (lblError->isVisible()) Storable();
+}
+
+bool frmEditConfidential::Storable() {
+    QStringList texts{tmpTxt->toPlainText(), txtNotes->toPlainText()};
+    for (const QLineEdit* edit : txtCtl)
+        texts << edit->text();
+    QString why;
+    for (const QString& text : texts)
+        if (why.isEmpty()) why = kit::RefusalOf(text);
+    const auto length = static_cast<std::size_t>(txtNotes->toPlainText().replace("\n", "\r\n").size());
+    if (why.isEmpty() && length > store::kLongestText)
+        why = tr("The notes have %1 characters; %2 can be stored.")
+                  .arg(QLocale().toString(static_cast<qulonglong>(length)),
+                       QLocale().toString(static_cast<qulonglong>(store::kLongestText)));
+    lblError->setText(why);
+    lblError->setVisible(!why.isEmpty());
+    return why.isEmpty();
+}
+
+void frmEditConfidential::cmdOK_Click() {
+    if (Storable()) accept();
+}
+
+void frmEditConfidential::reject() {
+    if (changed && !session_.ending) {
+        Box box = MessageBox(20, BoxIcon::Question);
+        box.buttons = Buttons::YesNo;
+        box.standard = Answer::No;  // No stays: nothing is lost
+        if (session_.ports.prompter.Ask(box) != Answer::Yes && !session_.ending) return;
+    }
+    changed = false;
+    QDialog::reject();
+}
+
+void frmEditConfidential::MoveOn(std::size_t from) {
+    QWidget* next = txtNotes;
+    if (from == 0 && !singleLineField1)
+        next = tmpTxt;
+    else if (from + 1 < txtCtl.size() && txtCtl[from + 1]->isVisible())
+        next = txtCtl[from + 1];
+    next->setFocus(Qt::TabFocusReason);
+}
+
+bool frmEditConfidential::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool tab = key->key() == Qt::Key_Tab && key->modifiers() == Qt::NoModifier;
+        const bool enter = (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
+                           (key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+        if (watched == tmpTxt && tab) {
+            MoveOn(1);
+            return true;
+        }
+        for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+            if (watched != txtCtl[i] || !(tab || enter)) continue;
+            // Tab stops at the dice on its way, or nobody without a mouse could reach them.
+            if (tab && dice_[i])
+                dice_[i]->setFocus(Qt::TabFocusReason);
+            else
+                MoveOn(i);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmEditConfidential::Generate(std::size_t i) {
+    frmGenerate form(session_.ports.random, this);
+    if (form.exec() != QDialog::Accepted || session_.ending) return;
+    txtCtl[i]->setText(form.Password());
+    txtCtl[i]->setFocus();
+}
+
+}  // namespace bmr::confidential

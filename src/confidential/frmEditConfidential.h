@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QDialog>
+#include <array>
+
+#include "confidential/confidential.h"
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QToolButton;
+
+namespace bmr::confidential {
+
+/// The dialog over the pad: every value in the open, whatever the pad masks. It stores nothing; `changed`
+/// tells whether its values are to be stored once it has closed.
+class frmEditConfidential final : public QDialog {
+    Q_OBJECT
+
+  public:
+    frmEditConfidential(store::Session& session, const Record& record, QWidget* parent = nullptr);
+    ~frmEditConfidential() override;
+
+    bool changed = false;
+    Record Value() const;
+
+    /// Takes the place of the pad on the screen.
+    void Cover(const QWidget& pad);
+
+    void reject() override;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void BuildFields();
+    void Lay();
+    void Changed();
+    bool Storable();
+    void cmdOK_Click();
+    void MoveOn(std::size_t from);
+    void Generate(std::size_t i);
+
+    store::Session& session_;
+    Record record_;
+    bool singleLineField1 = true;
+    bool filling_ = false;
+
+    std::array<QLineEdit*, 5> txtCtl{};
+    std::array<QToolButton*, 5> dice_{};
+    QPlainTextEdit* tmpTxt;
+    QPlainTextEdit* txtNotes;
+    QLabel* lblError;
+    QCheckBox* ctlPrivate;
+    QPushButton* cmdOK;
+    QPushButton* cmdEsc;
+};
+
+}  // namespace bmr::confidential

@@ -1,0 +1,162 @@
+#include "confidential/frmClassified.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include "kit/recordlistview.h"
+#include "support/store.h"
+
+namespace bmr::confidential {
+namespace {
+
+void OnDialog(const std::function<void(QDialog&)>& work) {
+    QTimer::singleShot(0, qApp, [work] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        work(*dialog);
+    });
+}
+
+void Type(QDialog& editor, const char* name, const QString& text) {
+    editor.findChild<QLineEdit*>(name)->setText(text);
+}
+
+class Classified : public testing::Test {
+  protected:
+    Classified() {
+        store.session.ShowPrivate = true;
+        Outside outside;
+        outside.copy = [this](const QString& secret) { copied = secret; };
+        outside.web = [this](const std::string& address) { opened = address; };
+        form = std::make_unique<frmClassified>(store.session, std::move(outside));
+        form->resize(1000, 700);
+        form->show();
+    }
+    template <class T>
+    T& Find(const std::string& name) {
+        T* found = form->findChild<T*>(QString::fromStdString(name));
+        if (!found) throw std::runtime_error(name);
+        return *found;
+    }
+    void AddLogin(const QString& name, const QString& password) {
+        OnDialog([=](QDialog& editor) {
+            Type(editor, "txtCtl0", name);
+            Type(editor, "txtCtl1", "https://example.org");
+            Type(editor, "txtCtl3", password);
+            editor.findChild<QPushButton*>("cmdOK")->click();
+        });
+        form->cmdAdd_Click();
+    }
+    QStringList Names() {
+        QStringList names;
+        const auto* model = Find<kit::RecordListView>("ListSelect").model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            names << model->index(row, 0).data().toString();
+        return names;
+    }
+
+    test::TempStore store;
+    std::unique_ptr<frmClassified> form;
+    QString copied;
+    std::string opened;
+};
+
+TEST_F(Classified, NothingIsShownUntilAKindIsChosen) {
+    form->cat_Click(0);
+    form->cmdAdd_Click();  // ignored: no dialog comes
+    EXPECT_FALSE(Find<QPushButton>("cmdAdd").isEnabled());
+    EXPECT_FALSE(Find<kit::RecordListView>("ListSelect").isEnabled());
+    EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+}
+
+TEST_F(Classified, APasswordIsMaskedOnThePadCopiedAsItIsAndOpenInTheDialog) {
+    form->cat_Click(1);
+    AddLogin("Library", "hunter2");
+    AddLogin("Allotment", "rosebud");
+    EXPECT_EQ(Names(), (QStringList{"Allotment", "Library"}));
+    auto& password = Find<QLineEdit>("txtCtl3");
+    EXPECT_EQ(password.text(), QString(10, '?'));
+    Find<QToolButton>("copy3").click();
+    EXPECT_EQ(copied, "rosebud");
+    Find<QToolButton>("open1").click();
+    EXPECT_EQ(opened, "https://example.org");
+    Find<QCheckBox>("chkPlainPW").click();
+    EXPECT_EQ(password.text(), "rosebud");
+    Find<QCheckBox>("chkPlainPW").click();
+    EXPECT_EQ(password.text(), QString(10, '?'));
+    OnDialog([](QDialog& editor) {
+        EXPECT_EQ(editor.findChild<QLineEdit*>("txtCtl3")->text(), "rosebud");
+        Type(editor, "txtCtl0", "Zoo");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdEdit_Click();
+    EXPECT_EQ(Names(), (QStringList{"Library", "Zoo"}));
+    EXPECT_EQ(Find<QLineEdit>("txtCtl0").text(), "Zoo");  // the selection followed its record
+    store.prompter.Expect(79, Answer::Ok);
+    form->cmdDelete_Click();
+    EXPECT_EQ(Names(), (QStringList{"Library"}));
+}
+
+TEST_F(Classified, CancellingANewRecordShowsNoHalfMadeOne) {
+    form->cat_Click(5);
+    store.prompter.Expect(20, Answer::No).Expect(20, Answer::Yes);
+    OnDialog([](QDialog& editor) {
+        Type(editor, "txtCtl0", "Bank");
+        editor.findChild<QPushButton*>("cmdEsc")->click();
+        EXPECT_TRUE(editor.isVisible());  // No stays
+        editor.findChild<QPushButton*>("cmdEsc")->click();
+    });
+    form->cmdAdd_Click();
+    EXPECT_TRUE(Names().isEmpty());
+    EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+}
+
+TEST_F(Classified, AHighFieldKeepsItsLinesAndTabAndEnterGoTheToldWay) {
+    form->cat_Click(5);
+    OnDialog([](QDialog& editor) {
+        QApplication::setActiveWindow(&editor);
+        auto* name = editor.findChild<QLineEdit*>("txtCtl0");
+        name->setFocus();
+        QTest::keyClick(name, Qt::Key_Return);
+        auto* high = editor.findChild<QPlainTextEdit*>("tmpTxt");
+        EXPECT_EQ(editor.focusWidget(), high);
+        high->setPlainText("Long Lane 1\nOld Town");
+        QTest::keyClick(high, Qt::Key_Tab);
+        EXPECT_EQ(editor.focusWidget()->objectName(), "txtCtl2");
+        auto* last = editor.findChild<QLineEdit*>("txtCtl4");
+        last->setFocus();
+        QTest::keyClick(last, Qt::Key_Tab);
+        EXPECT_EQ(editor.focusWidget()->objectName(), "txtNotes");
+        name->setText("Bank");
+        QTest::keyClick(editor.windowHandle(), Qt::Key_Return, Qt::ControlModifier);
+    });
+    form->cmdAdd_Click();
+    EXPECT_EQ(Find<QPlainTextEdit>("txtTall").toPlainText(), "Long Lane 1\nOld Town");
+}
+
+TEST_F(Classified, TheDiceFillAPassword) {
+    form->cat_Click(1);
+    OnDialog([](QDialog& editor) {
+        OnDialog([](QDialog& dice) { dice.findChild<QPushButton*>("cmdOK")->click(); });
+        editor.findChild<QToolButton*>("dice3")->click();
+        EXPECT_EQ(editor.findChild<QLineEdit*>("txtCtl3")->text().size(), 20);
+        EXPECT_EQ(editor.findChild<QToolButton*>("dice2"), nullptr);
+        Type(editor, "txtCtl0", "Made");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdAdd_Click();
+    EXPECT_EQ(Names(), (QStringList{"Made"}));
+}
+
+}  // namespace
+}  // namespace bmr::confidential

@@ -24,6 +24,7 @@
 #include "shell/helpers.h"
 #include "shell/timeout.h"
 #include "store/session.h"
+#include "tasks/frmTodo.h"
 
 namespace {
 
@@ -43,6 +44,9 @@ void TellFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
 app::SectionTable Sections(kit::ClipboardGuard& clipboard, Desktop& desktop) {
     using store::Section;
     app::SectionTable table;
+    table[Section::Todo] = [](store::Session& session, QWidget* parent) {
+        return new tasks::frmTodo(session, parent);
+    };
     table[Section::Memo] = [](store::Session& session, QWidget* parent) {
         return new notes::frmNotepad(session, parent);
     };

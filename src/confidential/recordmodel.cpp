@@ -1,5 +1,7 @@
 #include "confidential/recordmodel.h"
 
+#include <QVariant>
+
 #include "crypto/cry.h"
 #include "kit/words.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include "confidential/confidential.h"
 #include "kit/recordlistmodel.h"
 

@@ -339,7 +339,7 @@ TEST(Damage, FlippedBitsNeverBringItDown) {
     PatientPrompter prompter;
     Session session{{prompter, sitting.clock, sitting.random, sitting.registry}};
     int opened = 0;
-    constexpr int kFlips = 150;
+    constexpr int kFlips = 100;
     for (int flip = 0; flip < kFlips; ++flip) {
         std::string bad = whole;
         // Half of them in the first page, where the file's own structure is.

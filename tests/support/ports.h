@@ -17,7 +17,7 @@ namespace bmr::test {
 /// Stands still until a test moves it.
 class FixedClock final : public Clock {
   public:
-    explicit FixedClock(DateValue now = {46347.5}) : now(now) {}  // 21 November 2026, noon
+    explicit FixedClock(DateValue at = {46347.5}) : now(at) {}  // 21 November 2026, noon
     DateValue Now() const override { return now; }
     std::int64_t MonotonicMs() const override { return monotonic; }
 

@@ -42,6 +42,7 @@ void ForgetDatabase(Session& session) {
     session.SectionCode = Section::None;
     session.PinPassed = 0;
     session.CalendarDirty = false;
+    session.bucketOrder.Clear();
 }
 
 /// The end of an opening that failed; gives `error` back.

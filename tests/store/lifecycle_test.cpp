@@ -269,6 +269,7 @@ TEST(CloseDatabase, FailedWriteIsToldAndTheKeysGoAllTheSame) {
     sitting.Close();
     ASSERT_EQ(sitting.Open(), 0);
     sitting.session.settings.Idle = 9;
+    sitting.session.bucketOrder.changes = 7;
     const std::string before = test::FileBytes(sitting.file);
 
     rlimit old{};
@@ -285,6 +286,7 @@ TEST(CloseDatabase, FailedWriteIsToldAndTheKeysGoAllTheSame) {
     EXPECT_GT(error, 0);
     EXPECT_TRUE(sitting.session.cipher.Keystring.empty());
     EXPECT_FALSE(sitting.session.ProgramDb);
+    EXPECT_EQ(sitting.session.bucketOrder.changes, -1);  // it belongs to the one file
     EXPECT_TRUE(test::FileBytes(sitting.file) == before);
     ASSERT_EQ(sitting.Open(), 0);
     EXPECT_EQ(sitting.session.settings.Idle, 5);

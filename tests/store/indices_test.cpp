@@ -27,7 +27,8 @@ TEST(BucketKeys, StayInTheirBucketAndInItsColumnX) {
     EXPECT_EQ(BucketBounds("\xC4pfel").low, BucketBounds("Apfel").low);
     EXPECT_EQ(BucketBounds("").low, 0);
     EXPECT_EQ(BucketBounds("  Ab ").low, BucketBounds("Ab").low);
-    for (const auto& entry : test::LoadVectors("format.json")["BucketKey"]) {
+    const auto vectors = test::LoadVectors("format.json");
+    for (const auto& entry : vectors["BucketKey"]) {
         const SpreadRange bounds = BucketBounds(test::Hex(entry["text"]));
         EXPECT_EQ(bounds.low, entry["low"].get<std::int32_t>());
         EXPECT_EQ(bounds.high, entry["high"].get<std::int32_t>());

@@ -164,7 +164,7 @@ QWidget* frmClassified::BuildList() {
         buttons->addWidget(button);
     buttons->addStretch();
     auto* panel = new QWidget;
-    panel->setMinimumWidth(240);
+    panel->setMinimumWidth(fontMetrics().averageCharWidth() * 48);
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
     column->setSpacing(Space::Row);
@@ -204,8 +204,8 @@ void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {
                 [this](const QPoint& at) { FieldMenu(1, txtTall_->mapToGlobal(at)); });
         line->addWidget(txtTall_, 1);
     }
-    line->addWidget(row.open, 0, Qt::AlignTop);
-    line->addWidget(row.copy, 0, Qt::AlignTop);
+    line->addWidget(row.open);
+    line->addWidget(row.copy);
     form.addRow(row.lblTxt, field);
 }
 

@@ -92,6 +92,8 @@ class BmrStyle final : public QProxyStyle {
         if (hint == SH_FormLayoutLabelAlignment) return Qt::AlignRight | Qt::AlignVCenter;
         if (hint == SH_FormLayoutFormAlignment) return Qt::AlignLeft | Qt::AlignTop;
         if (hint == SH_ItemView_ActivateItemOnSingleClick) return 0;
+        if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+            return 0;  // words are clear, and the stock icons not ours
         return QProxyStyle::styleHint(hint, option, widget, data);
     }
 

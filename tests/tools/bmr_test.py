@@ -7,8 +7,10 @@ import json
 import os
 import pathlib
 import pty
+import resource
 import select
 import shutil
+import signal
 import sqlite3
 import stat
 import subprocess
@@ -23,7 +25,7 @@ PASS = "Blue kettle 7 – Ü"
 FOREIGN_PASS = "correct Horse 9"
 
 
-def call(program, *args, secret=PASS):
+def call(program, *args, secret=PASS, **kwargs):
     """Runs a program that reads `secret` from a descriptor of its own."""
     args = [str(a) for a in args]
     reader, writer = os.pipe()
@@ -31,7 +33,7 @@ def call(program, *args, secret=PASS):
     os.close(writer)
     try:
         return subprocess.run([program, *args, "--passphrase-fd", str(reader)], pass_fds=[reader],
-                              capture_output=True, encoding="utf-8", timeout=120)
+                              capture_output=True, encoding="utf-8", timeout=120, **kwargs)
     finally:
         os.close(reader)
 
@@ -223,6 +225,19 @@ class BadFiles(Base):
         self.bmr("list", "todo", status=1)
         other.close()
         self.bmr("list", "todo")
+
+    def test_a_full_disk_leaves_the_file_as_it_was(self):
+        self.bmr("new")
+        before = self.file.read_bytes()
+        def no_growth():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (len(before), len(before)))
+        done = call(BMR, "add", self.file, "todo", "--task", "x", "--note", "y" * 60000, preexec_fn=no_growth)
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stderr, r"\Abmr: [^\n]+\n\Z")
+        self.assertEqual(self.file.read_bytes(), before)
+        self.assertEqual(list(self.folder.iterdir()), [self.file])
+        self.bmr("check")
 
     def test_a_newer_one_is_left_alone(self):
         self.bmr("new")

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTimer>
@@ -65,7 +66,7 @@ frmMDI::frmMDI(Parts parts)
     for (const auto& [code, factory] : parts_.sections)
         column_->SetAvailable(code, true);
 
-    resize(1180, 760);
+    resize(QSize(1180, 760).boundedTo(screen()->availableSize() * 0.96));  // a scaled screen has less room
     ShowWithoutDatabase();
 }
 

@@ -101,8 +101,8 @@ class BareDatabase {
   public:
     explicit BareDatabase(const std::filesystem::path& path) {
         if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK) throw std::runtime_error("bare open");
-        for (const char* pragma :
-             {"PRAGMA synchronous=EXTRA", "PRAGMA secure_delete=ON", "PRAGMA locking_mode=EXCLUSIVE"})
+        for (const char* pragma : {"PRAGMA synchronous=EXTRA", "PRAGMA secure_delete=ON",
+                                   "PRAGMA journal_size_limit=0", "PRAGMA locking_mode=EXCLUSIVE"})
             Run(pragma);
     }
     ~BareDatabase() { sqlite3_close(db_); }

@@ -11,7 +11,7 @@ BUILD_PACKAGES=(
 TEST_PACKAGES=(
   clang libclang-rt-14-dev ccache mold python3
   libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb openbox libxcb-record0-dev fonts-inter
+  xvfb openbox dbus at-spi2-core libxcb-record0-dev fonts-inter
 )
 
 need_packages() {

@@ -65,5 +65,15 @@ def main(command):
             end(server)
 
 
+def patiently(command):
+    """Three programs and a window manager share one clock here. Where the machine was too busy to let them keep time, each
+    gets another try on a fresh screen; a fault that is always there fails each time."""
+    for last in (False, False, True):
+        status = main(command)
+        if status in (0, SKIP) or last:
+            return status
+        print("once more, on a fresh screen", flush=True)
+
+
 if __name__ == "__main__":
-    sys.exit(accessible(sys.argv[2:]) if sys.argv[1] == "--accessible" else main(sys.argv[1:]))
+    sys.exit(accessible(sys.argv[2:]) if sys.argv[1] == "--accessible" else patiently(sys.argv[1:]))

@@ -140,7 +140,7 @@ void frmClassified::ShowRecord(std::int32_t key) {
                                                       static_cast<int>(static_cast<unsigned>(day.month())),
                                                       static_cast<int>(static_cast<unsigned>(day.day()))),
                                                 QLocale::ShortFormat));
-    ctlPrivate->setVisible(record_.isPrivate);
+    ctlPrivate->setChecked(record_.isPrivate);
     padFrame->show();
     for (QAction* action : {mnuEdit, mnuDelete})
         action->setEnabled(true);
@@ -181,6 +181,8 @@ void frmClassified::cmdAdd_Click() {
     if (currentKind == 0 || editing_) return;
     Record record;
     record.kind = currentKind;
+    HidePad();
+    padFrame->show();  // empty behind the dialog that covers it
     EditRecord(std::move(record));
 }
 
@@ -191,7 +193,9 @@ void frmClassified::cmdEdit_Click() {
 }
 
 void frmClassified::EditRecord(Record record) {
+    const bool isNew = record.key == store::kNewRecord;
     const std::int32_t shown = ListSelect->SelectedKey();
+    const Bytes nameBefore = record.n[0];
     bool stored = false;
     editing_ = true;
     for (bool again = false; !stored; again = true) {
@@ -208,12 +212,22 @@ void frmClassified::EditRecord(Record record) {
     }
     editing_ = false;
     const std::int32_t key = record.key;
+    const bool renamed = nameBefore != record.n[0];
     WipeRecord(record);
     if (session_.ending || !session_.DatabaseOpen) return;
-    if (stored)
+    if (stored && (isNew || renamed))
         listSelect_Initialize(key);
-    else
+    else if (!isNew)
         ShowRecord(shown);
+    else
+        ShowNothing();
+}
+
+void frmClassified::ShowNothing() {
+    HidePad();
+    ListSelect->SelectKey(kit::RecordListView::kNoKey);
+    ListSelect->setEnabled(model_->rowCount() > 0);
+    TellStatus();
 }
 
 void frmClassified::cmdDelete_Click() {

@@ -78,6 +78,7 @@ class frmClassified final : public SectionForm {
     void ShowRecord(std::int32_t key);
     void ShowFields();
     void HidePad();
+    void ShowNothing();
     void EditRecord(Record record);
     void CopyField(std::size_t i);
     void OpenField(std::size_t i);
@@ -108,7 +109,7 @@ class frmClassified final : public SectionForm {
     QFrame* padFrame;
     QLabel* lblCategory;
     QLabel* lblLastModified;
-    QLabel* ctlPrivate;
+    QCheckBox* ctlPrivate;
     std::array<Row, 5> rows_{};
     QPlainTextEdit* txtTall_;  ///< the second field where it is several lines high
     QLabel* lblNotes;

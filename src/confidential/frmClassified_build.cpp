@@ -213,11 +213,10 @@ QWidget* frmClassified::BuildPad() {
     padFrame = new QFrame;
     padFrame->setObjectName("padFrame");
     lblCategory = kit::MakeHeading("lblCategory");
-    ctlPrivate = new QLabel;
+    ctlPrivate = new QCheckBox("Private");
     ctlPrivate->setObjectName("ctlPrivate");
-    ctlPrivate->setPixmap(kit::Icon("object-locked").pixmap(16, 16));
-    ctlPrivate->setToolTip("Private");
-    ctlPrivate->setAccessibleName("Private");
+    ctlPrivate->setAttribute(Qt::WA_TransparentForMouseEvents);  // the pad shows; the dialog changes
+    ctlPrivate->setFocusPolicy(Qt::NoFocus);
     auto* form = new QFormLayout;
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
     form->setHorizontalSpacing(Space::Row);

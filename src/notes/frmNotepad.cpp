@@ -120,6 +120,7 @@ void frmNotepad::ShowMemo(std::int32_t key) {
     if (!memo) return HidePad();
     txtSubject->setText(kit::ToQString(memo->subject));
     txtInput->setPlainText(kit::ToQString(memo->body).replace("\r\n", "\n"));
+    ctlPrivate->setChecked(memo->isPrivate);
     ctlPrivate->setVisible(memo->isPrivate);
     cboCategory->setText(kit::ToQString(store::CategoryName(categories_, memo->category)));
     ctlDateCreated->setText("Date created: " + ShortDate(memo->dateCreated));

@@ -94,7 +94,7 @@ class frmNotepad final : public SectionForm {
     QFrame* padFrame;
     QLabel* txtSubject;
     QPlainTextEdit* txtInput;
-    QLabel* ctlPrivate;
+    QCheckBox* ctlPrivate;
     QLabel* cboCategory;
     QLabel* ctlDateCreated;
     QLabel* ctlLastModified;

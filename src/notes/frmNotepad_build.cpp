@@ -121,11 +121,11 @@ void frmNotepad::BuildPad() {
     txtInput->setReadOnly(true);
     txtInput->setFrameShape(QFrame::NoFrame);
     txtInput->setTabChangesFocus(true);
-    ctlPrivate = new QLabel;
+    ctlPrivate = new QCheckBox(tr("Private"));
     ctlPrivate->setObjectName("ctlPrivate");
-    ctlPrivate->setPixmap(kit::Icon("object-locked").pixmap(16, 16));
-    ctlPrivate->setToolTip(tr("Private"));
-    ctlPrivate->setAccessibleName(tr("Private"));
+    ctlPrivate->setIcon(kit::Icon("object-locked"));
+    ctlPrivate->setAttribute(Qt::WA_TransparentForMouseEvents);  // the pad shows; the editor changes
+    ctlPrivate->setFocusPolicy(Qt::NoFocus);
     cboCategory = new QLabel;
     cboCategory->setObjectName("cboCategory");
     cboCategory->setTextFormat(Qt::PlainText);

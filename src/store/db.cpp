@@ -47,7 +47,7 @@ int Database::Execute(std::string_view statement) {
     int number = 0;
     {
         auto query =
-            engine.PrepareWith((*plan)->index, [&](auto index) { return translated.WithIndex(index); });
+            engine.PrepareWith((*plan)->ways.toAll, [&](auto index) { return translated.WithIndex(index); });
         number = query ? engine.Write(*query) : query.error().number;
     }
     if (number == 0) impl_->affected = sqlite3_changes64(engine.handle());
@@ -70,7 +70,7 @@ Result<std::unique_ptr<Recordset>> Database::OpenRecordset(std::string_view text
     const bool dynaset = type == RecordsetType::Dynaset && !statement.grouped;
     impl->source = !dynaset ? RowSource::Copied : table ? RowSource::Table : RowSource::Keys;
     if (impl->source != RowSource::Table) {
-        auto query = engine->PrepareWith((*plan)->index, [&](auto index) {
+        auto query = engine->PrepareWith((*plan)->ways.toAll, [&](auto index) {
             return dynaset ? statement.RowNumbers(index) : statement.WithIndex(index);
         });
         if (!query) return query.error();
@@ -95,7 +95,8 @@ Result<Cursor> Database::Select(std::string_view text) {
     const Translated& statement = (*plan)->statement;
     if (statement.kind != Translated::Kind::Select)
         return Error{engine.Fail(EngineNumber::BadStatement, "Only a selection gives rows."), LastError()};
-    auto query = engine.PrepareWith((*plan)->index, [&](auto index) { return statement.WithIndex(index); });
+    auto query =
+        engine.PrepareWith((*plan)->ways.toFirst, [&](auto index) { return statement.WithIndex(index); });
     if (!query) return query.error();
     return Cursor(std::make_unique<Cursor::Impl>(Cursor::Impl{std::move(*query), 0, impl_->engine}));
 }

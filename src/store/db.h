@@ -33,6 +33,9 @@ class Cursor;
 /// One open file with the table `tt`: exclusive lock, rollback journal with synchronous=EXTRA, secure delete.
 /// The only place that knows the engine. Statements are in the dialect of `store/dialect`. Methods that can
 /// fail return the engine's number (0 for none); the engine's words stand in `LastError`.
+///
+/// While it is open, this process must not open the file by any other means: closing such a handle would drop
+/// the lock. Recordsets and cursors that outlive it give no rows any more.
 class Database {
   public:
     /// Opens for reading and writing, exclusively; a file that is no database or is damaged gives 3049.
@@ -58,7 +61,8 @@ class Database {
     Result<std::unique_ptr<Recordset>> OpenRecordset(std::string_view text,
                                                      RecordsetType type = RecordsetType::Dynaset);
 
-    /// Forward-only reading of a statement, without copies: for lists and scans.
+    /// Forward-only reading of a statement, without copies: for lists and scans. Rows that are written while
+    /// it reads may or may not be met.
     Result<Cursor> Select(std::string_view statement);
 
     /// Bracket for changes of several rows. Nested calls count: only the outermost commits; a rollback inside
@@ -188,7 +192,8 @@ class Recordset {
 /// was when nothing could be won.
 [[nodiscard]] int RepairDatabase(const std::filesystem::path& path, std::string* detail = nullptr);
 
-/// Puts `source` in the place of `target`: fsync of the file, rename, fsync of the folder.
+/// Puts `source` in the place of `target`: fsync of the file, rename, fsync of the folder. A journal that was
+/// left beside `target` is played back and removed first. Neither file may be open.
 [[nodiscard]] int ReplaceFile(const std::filesystem::path& source, const std::filesystem::path& target);
 
 }  // namespace bmr::store

@@ -18,11 +18,17 @@
 
 namespace bmr::store {
 
-/// A translated statement and the way in that was chosen for it.
+/// The indexes that a statement takes; empty: the library's own choice.
+struct Ways {
+    std::string toAll;    ///< quickest to the last row
+    std::string toFirst;  ///< quickest to the first rows, in order
+};
+
+/// A translated statement and the ways in that were chosen for it.
 struct Plan {
     Translated statement;
-    std::string index;           ///< empty: the engine's own choice
-    std::int64_t changesAt = 0;  ///< the connection's changes when it was chosen
+    Ways ways;
+    std::int64_t changesAt = 0;  ///< the connection's changes when they were chosen
 };
 
 /// One connection: the file's lock, the transactions, the cache of prepared statements. Shared by a Database
@@ -51,7 +57,7 @@ class Engine : public std::enable_shared_from_this<Engine> {
 
     Result<std::shared_ptr<const Plan>> PlanOf(std::string_view statement);
     /// The narrowest way in to rows that meet all `ranges`, counted and not guessed.
-    std::string ChooseIndex(const std::vector<IndexRange>& ranges, const std::string& orderedBy);
+    Ways ChooseWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy);
 
     int Begin();
     int Commit();

@@ -30,7 +30,7 @@ Result<std::shared_ptr<const Plan>> Engine::PlanOf(std::string_view statement) {
     if (!translated) return Error{Fail(translated.error().number, translated.error().detail), lastError_};
     auto plan = std::make_shared<Plan>();
     plan->statement = std::move(*translated);
-    plan->index = ChooseIndex(plan->statement.ranges, plan->statement.orderedBy);
+    plan->ways = ChooseWays(plan->statement.ranges, plan->statement.orderedBy);
     plan->changesAt = changes;
     if (plans_.size() >= kPlans) plans_.clear();
     plans_[text] = plan;
@@ -54,21 +54,23 @@ std::int64_t Engine::CountAll() {
 
 // The library would guess, and its guesses are wrong for this table: fSub is nearly the same in all rows, a
 // range of days is far narrower than its section, and a section may be three rows or nearly all.
-std::string Engine::ChooseIndex(const std::vector<IndexRange>& ranges, const std::string& orderedBy) {
+Ways Engine::ChooseWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy) {
     std::vector<IndexRange> candidates;
     for (const auto& range : ranges) {
-        if (range.column == "fPK" && range.low == range.high) return IndexOn("fPK");
+        if (range.column == "fPK" && range.low == range.high) return {IndexOn("fPK"), IndexOn("fPK")};
         if (range.column != "fSub") candidates.push_back(range);
     }
-    if (candidates.empty()) return "";
-    const bool oneWay = candidates.size() == 1 && candidates.front().low == candidates.front().high;
-    if (oneWay && (orderedBy.empty() || IndexOn(orderedBy).empty()))
-        return IndexOn(candidates.front().column);
+    if (candidates.empty()) return {};
+    const std::string order = IndexOn(orderedBy);
+    const std::string only = IndexOn(candidates.front().column);
+    if (candidates.size() == 1 && candidates.front().low == candidates.front().high && order.empty())
+        return {only, only};
 
     // Counting in growing steps costs little more than the narrowest has rows.
     const IndexRange* narrowest = nullptr;
     std::int64_t rows = 0;
     for (std::int64_t limit = 256; narrowest == nullptr; limit *= 8) {
+        if (limit > (std::int64_t{1} << 33)) return {};  // no index that can be read
         for (const auto& candidate : candidates) {
             const std::int64_t counted = Count(candidate, limit);
             if (counted < limit && (narrowest == nullptr || counted < rows)) {
@@ -76,13 +78,11 @@ std::string Engine::ChooseIndex(const std::vector<IndexRange>& ranges, const std
                 rows = counted;
             }
         }
-        if (limit > (std::int64_t{1} << 33)) return "";  // the index cannot be read
     }
-    // Where most rows qualify anyway, walking them in order saves the sort.
-    if (rows > kQuickSort && !IndexOn(orderedBy).empty() && orderedBy != narrowest->column &&
-        rows * 4 >= CountAll())
-        return IndexOn(orderedBy);
-    return IndexOn(narrowest->column);
+    const std::string best = IndexOn(narrowest->column);
+    // Where many rows qualify anyway, walking them in order gives the first ones without a sort.
+    const bool walk = rows > kQuickSort && !order.empty() && rows * 4 >= CountAll();
+    return {best, walk ? order : best};
 }
 
 }  // namespace bmr::store

@@ -114,7 +114,7 @@ std::optional<Query> Recordset::Impl::Matches(std::string_view what, std::string
         engine->Fail(translated.error().number, translated.error().detail);
         return std::nullopt;
     }
-    auto query = engine->PrepareWith(engine->ChooseIndex(translated->ranges, ""), [&](auto index) {
+    auto query = engine->PrepareWith(engine->ChooseWays(translated->ranges, "").toAll, [&](auto index) {
         return "SELECT " + std::string(what) + " FROM main.tt" +
                (index.empty() ? "" : " INDEXED BY \"" + std::string(index) + "\"") + " WHERE " +
                translated->sql;

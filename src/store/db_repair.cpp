@@ -105,13 +105,6 @@ std::filesystem::path FreeNameBeside(const std::filesystem::path& path) {
 }  // namespace
 
 int RepairDatabase(const std::filesystem::path& path, std::string* detail) {
-    // The engine takes an empty file for a database to begin and would write its first page.
-    auto journal = path;
-    journal += "-journal";
-    std::error_code ignored;  // what cannot be looked at, the opening tells
-    if (std::filesystem::is_regular_file(path, ignored) && std::filesystem::is_empty(path, ignored) &&
-        !std::filesystem::exists(journal, ignored))
-        return Tell(detail, EngineNumber::Damaged, "The file is empty.");
     const auto opened = Engine::Open(path, Engine::Purpose::Repair);
     if (!opened) return Tell(detail, opened.error().number, opened.error().detail);
     Engine& engine = **opened;

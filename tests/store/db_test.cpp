@@ -395,6 +395,43 @@ TEST(Store, CopyToAnotherFileStandsOrFallsWithTheTransaction) {
     EXPECT_EQ(Rows(*db, "tt")->RecordCount(), 1);
 }
 
+TEST(Store, TakesTheIndexThatTheRowsAskFor) {
+    const TempFolder folder;
+    ASSERT_EQ(CreateStore(folder / "a.bmr"), 0);
+    const std::string inOrder = "SELECT fPK FROM tt WHERE fSec=15 ORDER BY fR1";
+    const auto engine = Engine::Open(folder / "a.bmr", Engine::Purpose::Use);
+    ASSERT_TRUE(engine);
+    const auto ways = [&](const std::string& statement) {
+        const auto plan = (*engine)->PlanOf(statement);
+        return plan ? (*plan)->ways.toAll + " " + (*plan)->ways.toFirst : (*engine)->lastError();
+    };
+    EXPECT_EQ(ways(inOrder), "fSec fSec");
+    ASSERT_EQ((*engine)->Begin(), 0);
+    auto insert = (*engine)->Prepare("INSERT INTO tt (fPK, fSec, fR1, fR3) VALUES (?1, ?2, ?3, ?1)");
+    for (int i = 1; i <= 6000; ++i) {
+        insert->Bind(1, std::int64_t{i});
+        insert->Bind(2, std::int64_t{i <= 3 ? 1 : i <= 1000 ? 12 : 15});
+        insert->Bind(3, std::int64_t{i * 7919 % 6000});
+        ASSERT_EQ((*engine)->Write(*insert), 0);
+    }
+    ASSERT_EQ((*engine)->Commit(), 0);
+    EXPECT_EQ(ways(inOrder), "fSec fR1") << "chosen anew after many changes";
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=1 ORDER BY fR1"), "fSec fSec");
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=15 And fPK=7 ORDER BY fR1"), "PrimaryKey PrimaryKey");
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=1 And fSub=0"), "fSec fSec");
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=12 And fR3 Between 500 And 520 ORDER BY fR1"), "fR3 fR3");
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=1 And fR3 Between 1 And 5000"), "fSec fSec");
+    EXPECT_EQ(ways("DELETE * FROM tt WHERE fSec=15 And fR3 < 40"), "fR3 fR3");
+    EXPECT_EQ(ways("SELECT fSec FROM tt GROUP BY fSec HAVING fSec>10;"), " ");
+
+    auto rows = (*engine)->Prepare((*(*engine)->PlanOf(inOrder))->statement.WithIndex("fR1"));
+    ASSERT_TRUE(rows);
+    for (int i = 0; i < 50; ++i)
+        ASSERT_TRUE(rows->Step());
+    EXPECT_EQ(sqlite3_stmt_status(rows->handle(), SQLITE_STMTSTATUS_SORT, 0), 0);
+    EXPECT_LT(sqlite3_stmt_status(rows->handle(), SQLITE_STMTSTATUS_VM_STEP, 0), 2000);
+}
+
 TEST(Store, CompactCopyHoldsTheSameRowsInLess) {
     const TempFolder folder;
     {

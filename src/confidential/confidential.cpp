@@ -1,6 +1,7 @@
 #include "confidential/confidential.h"
 
 #include "base/languageus.h"
+#include "store/bulkadd.h"
 #include "store/indices.h"
 #include "store/privatefilter.h"
 #include "store/record_get.h"
@@ -17,9 +18,11 @@ using store::Session;
 constexpr store::NoiseColumns kNoise{.t2 = true, .t3 = true, .r3 = true, .r4 = true};
 constexpr std::size_t kFieldCount = 9;
 
-void Touch(Session& session, Record& record) {
+/// `changed` is the day of the change, 0 for today.
+void Touch(Session& session, Record& record, DateValue changed) {
     record.userNumber = session.user.UserNumber;
-    record.dateLastModified = {static_cast<double>(session.ports.clock.Today().serial)};
+    record.dateLastModified =
+        changed.serial != 0 ? changed : DateValue{static_cast<double>(session.ports.clock.Today().serial)};
 }
 
 void FillRow(Session& session, Recordset& row, const Record& record, bool added, bool renamed) {
@@ -83,7 +86,7 @@ std::optional<Record> FetchRecord(Session& session, std::int32_t key) {
 }
 
 int SaveRecord(Session& session, Record& record) {
-    Touch(session, record);
+    Touch(session, record, {});
     bool renamed = false;
     const auto fill = [&](Recordset& row, bool added) {
         Bytes before = added ? Bytes() : cry::FieldCipher(session.cipher, 2, TextOf(row.Field("fT1")));
@@ -102,32 +105,17 @@ int SaveRecord(Session& session, Record& record) {
 }
 
 int AddRecords(Session& session, std::vector<Record>& records) {
-    store::Transaction transaction(*session.ProgramDb);
-    std::vector<Bytes> names;
-    names.reserve(records.size());
-    for (const Record& record : records)
-        names.push_back(record.n[0]);
-    std::vector<std::int32_t> positions;
-    int error = store::SpreadBuckets(session, Section::Confidential, names, positions);
-    for (Bytes& name : names)
-        cry::WipeString(name);
-    if (error != 0) return error;
-    auto table = session.ProgramDb->OpenRecordset("tt");
-    if (!table) return table.error().number;
-    std::vector<std::int32_t> keys(records.size());
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        Touch(session, records[i]);
-        Recordset& row = **table;
-        const bool named = !TrimBlanks(records[i].n[0]).empty();
-        row.AddNew();
-        row.SetField("fSec", std::int32_t{Section::Confidential});
-        row.SetField("AE", 1);
-        FillRow(session, row, records[i], true, named);
-        if (named) row.SetField("fR1", positions[i]);
-        if (error = row.Update(); error != 0) return error;
-        keys[i] = NumberOf(row.Field("fPK"));
-    }
-    if (error = transaction.Commit(); error != 0) return error;
+    for (Record& record : records)
+        Touch(session, record, record.dateLastModified);
+    store::BulkRecords bulk;
+    bulk.count = records.size();
+    bulk.text = [&](std::size_t i) -> const Bytes& { return records[i].n[0]; };
+    bulk.payload = [&](std::size_t i) { return EncodeConfidentialRecord(session, records[i]); };
+    bulk.fG1 = [&](std::size_t i) { return records[i].kind; };
+    bulk.placeNameless = false;
+    std::vector<std::int32_t> keys;
+    if (const int error = store::AddInBulk(session, Section::Confidential, bulk, keys); error != 0)
+        return error;
     for (std::size_t i = 0; i < records.size(); ++i)
         records[i].key = keys[i];
     return 0;
@@ -138,27 +126,18 @@ std::string ConfidentialListSql(std::int32_t kind) {
 }
 
 Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kind, std::string_view search) {
-    std::unordered_set<std::int32_t> hidden;
-    if (!session.ShowPrivate) {
-        auto found =
-            store::PrivateRecords(session, Section::Confidential, " And fG1=" + std::to_string(kind));
-        if (!found) return found.error();
-        hidden = std::move(*found);
-    }
-    std::unordered_set<std::int32_t> found;
-    if (!search.empty()) {
-        auto matching = store::RecordsWithText(session, Section::Confidential,
-                                               " And fG1=" + std::to_string(kind), search);
-        if (!matching) return matching.error();
-        found = std::move(*matching);
-    }
+    store::ListFilter filter;
+    if (const int error =
+            filter.Load(session, Section::Confidential, " And fG1=" + std::to_string(kind), search);
+        error != 0)
+        return Error{error, session.ProgramDb->LastError()};
     // The rows and the order of the list's statement, without carrying the texts through the engine's sort.
     auto cursor = session.ProgramDb->Select(OrderedStatement("fPK", kind));
     if (!cursor) return cursor.error();
     std::vector<std::int32_t> keys;
     while (cursor->Next()) {
         const std::int32_t key = cursor->Int(0);
-        if (!hidden.contains(key) && (search.empty() || found.contains(key))) keys.push_back(key);
+        if (filter.Shows(key)) keys.push_back(key);
     }
     if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
     return keys;

@@ -42,7 +42,8 @@ std::optional<Record> FetchRecord(store::Session& session, std::int32_t key);
 /// the engine's number.
 [[nodiscard]] int SaveRecord(store::Session& session, Record& record);
 
-/// Stores many new records in one transaction, their places in the alphabet worked out once. Sets the keys.
+/// Stores many new records in one transaction, their places in the alphabet worked out once. A day of change
+/// that is given stays, 0 becomes today. Sets the keys.
 [[nodiscard]] int AddRecords(store::Session& session, std::vector<Record>& records);
 
 /// The list's statement of a kind.

@@ -1,6 +1,7 @@
 #include "notes/memo.h"
 
 #include "base/languageus.h"
+#include "store/bulkadd.h"
 #include "store/categories.h"
 #include "store/indices.h"
 #include "store/privatefilter.h"
@@ -45,9 +46,11 @@ void FillMemoRow(Session& session, Recordset& row, Memo& memo, bool renamed) {
     store::FillColumns(row, kNoise, session.ports.random);
 }
 
-void Touch(Session& session, Memo& memo) {
+/// `changed` is the day of the change, 0 for today.
+void Touch(Session& session, Memo& memo, DateValue changed) {
     memo.userNumber = session.user.UserNumber;
-    memo.dateLastModified = {static_cast<double>(session.ports.clock.Today().serial)};
+    memo.dateLastModified =
+        changed.serial != 0 ? changed : DateValue{static_cast<double>(session.ports.clock.Today().serial)};
 }
 
 DateValue DateOf(const Value& value) {
@@ -99,7 +102,7 @@ std::optional<Memo> FetchMemo(Session& session, std::int32_t key) {
 }
 
 int WriteMemo(Session& session, Memo& memo) {
-    Touch(session, memo);
+    Touch(session, memo, {});
     bool renamed = true;
     const auto fill = [&](Recordset& row, bool added) {
         if (!added) {
@@ -121,31 +124,15 @@ int WriteMemo(Session& session, Memo& memo) {
 }
 
 int AddMemos(Session& session, std::vector<Memo>& memos) {
-    store::Transaction transaction(*session.ProgramDb);
-    std::vector<Bytes> subjects;
-    subjects.reserve(memos.size());
-    for (const Memo& memo : memos)
-        subjects.push_back(memo.subject);
-    std::vector<std::int32_t> positions;
-    int error = store::SpreadBuckets(session, Section::Memo, subjects, positions);
-    for (Bytes& subject : subjects)
-        cry::WipeString(subject);
-    if (error != 0) return error;
-    auto table = session.ProgramDb->OpenRecordset("tt");
-    if (!table) return table.error().number;
-    std::vector<std::int32_t> keys(memos.size());
-    for (std::size_t i = 0; i < memos.size(); ++i) {
-        Touch(session, memos[i]);
-        Recordset& row = **table;
-        row.AddNew();
-        row.SetField("fSec", std::int32_t{Section::Memo});
-        row.SetField("AE", 1);
-        FillMemoRow(session, row, memos[i], true);
-        row.SetField("fR1", positions[i]);
-        if (error = row.Update(); error != 0) return error;
-        keys[i] = NumberOf(row.Field("fPK"));
-    }
-    if (error = transaction.Commit(); error != 0) return error;
+    for (Memo& memo : memos)
+        Touch(session, memo, memo.dateLastModified);
+    store::BulkRecords records;
+    records.count = memos.size();
+    records.text = [&](std::size_t i) -> const Bytes& { return memos[i].subject; };
+    records.payload = [&](std::size_t i) { return EncodeMemo(session, memos[i]); };
+    records.fG1 = [&](std::size_t i) { return memos[i].category; };
+    std::vector<std::int32_t> keys;
+    if (const int error = store::AddInBulk(session, Section::Memo, records, keys); error != 0) return error;
     for (std::size_t i = 0; i < memos.size(); ++i)
         memos[i].key = keys[i];
     session.CalendarDirty = true;
@@ -154,25 +141,15 @@ int AddMemos(Session& session, std::vector<Memo>& memos) {
 
 Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category, std::string_view search) {
     const std::string clauses = store::CategoryClause(category);
-    std::unordered_set<std::int32_t> hidden;
-    if (!session.ShowPrivate) {
-        auto found = store::PrivateRecords(session, Section::Memo, clauses);
-        if (!found) return found.error();
-        hidden = std::move(*found);
-    }
-    std::unordered_set<std::int32_t> found;
-    if (!search.empty()) {
-        auto matching = store::RecordsWithText(session, Section::Memo, clauses, search);
-        if (!matching) return matching.error();
-        found = std::move(*matching);
-    }
+    store::ListFilter filter;
+    if (const int error = filter.Load(session, Section::Memo, clauses, search); error != 0)
+        return Error{error, session.ProgramDb->LastError()};
     auto cursor = session.ProgramDb->Select(OrderedKeys("fPK, fG1", clauses));
     if (!cursor) return cursor.error();
     std::vector<MemoRow> rows;
     while (cursor->Next()) {
         const std::int32_t key = cursor->Int(0);
-        if (!hidden.contains(key) && (search.empty() || found.contains(key)))
-            rows.push_back({key, cursor->Int(1)});
+        if (filter.Shows(key)) rows.push_back({key, cursor->Int(1)});
     }
     if (cursor->error() != 0) return Error{cursor->error(), session.ProgramDb->LastError()};
     return rows;

@@ -41,8 +41,8 @@ std::optional<Memo> FetchMemo(store::Session& session, std::int32_t key);
 /// 0, -16 when the key belongs to another section (nothing written), or the engine's number.
 [[nodiscard]] int WriteMemo(store::Session& session, Memo& memo);
 
-/// Stores many new memos in one transaction, their places in the alphabet worked out once. For imports. Sets
-/// the keys.
+/// Stores many new memos in one transaction, their places in the alphabet worked out once. For imports, which
+/// bring the days of their changes; 0 becomes today. Sets the keys.
 [[nodiscard]] int AddMemos(store::Session& session, std::vector<Memo>& memos);
 
 /// One line of the list: no text is deciphered to build it.

@@ -77,4 +77,19 @@ Result<std::unordered_set<std::int32_t>> RecordsWithText(Session& session, std::
     });
 }
 
+int ListFilter::Load(Session& session, std::uint8_t section, const std::string& clauses,
+                     std::string_view search) {
+    searching_ = !search.empty();
+    const auto keep = [](const Result<std::unordered_set<std::int32_t>>& keys,
+                         std::unordered_set<std::int32_t>& kept) {
+        if (!keys) return keys.error().number;
+        kept = *keys;
+        return 0;
+    };
+    if (!session.ShowPrivate)
+        if (const int error = keep(PrivateRecords(session, section, clauses), hidden_); error != 0)
+            return error;
+    return searching_ ? keep(RecordsWithText(session, section, clauses, search), matching_) : 0;
+}
+
 }  // namespace bmr::store

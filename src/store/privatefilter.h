@@ -51,4 +51,21 @@ Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::u
 Result<std::unordered_set<std::int32_t>> RecordsWithText(Session& session, std::uint8_t section,
                                                          const std::string& clauses, std::string_view text);
 
+/// Which rows of a section a list shows: no private ones while `ShowPrivate` is false (else no payload is
+/// opened), and only those with `search` in their list text, where it is not empty.
+class ListFilter {
+  public:
+    /// 0 or the engine's number.
+    [[nodiscard]] int Load(Session& session, std::uint8_t section, const std::string& clauses,
+                           std::string_view search);
+    bool Shows(std::int32_t fPK) const {
+        return !hidden_.contains(fPK) && (!searching_ || matching_.contains(fPK));
+    }
+
+  private:
+    std::unordered_set<std::int32_t> hidden_;
+    std::unordered_set<std::int32_t> matching_;
+    bool searching_ = false;
+};
+
 }  // namespace bmr::store

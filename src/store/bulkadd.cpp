@@ -1,0 +1,77 @@
+#include "store/bulkadd.h"
+
+#include <algorithm>
+
+#include "store/indices.h"
+#include "store/record_put.h"
+
+namespace bmr::store {
+namespace {
+
+/// Enough for the batch cipher to fill its lanes on every core, few enough to hold the longest memos.
+constexpr std::size_t kChunk = 512;
+
+constexpr NoiseColumns kNoise{.t2 = true, .t3 = true, .r3 = true, .r4 = true};
+
+/// Payload and name of the records from `first` to before `last`, one behind the other.
+std::vector<Bytes> Encipher(Session& session, const BulkRecords& records, std::size_t first,
+                            std::size_t last) {
+    std::vector<Bytes> payloads;
+    std::vector<std::string_view> plain;
+    payloads.reserve(last - first);
+    for (std::size_t i = first; i < last; ++i) {
+        plain.emplace_back(payloads.emplace_back(records.payload(i)));
+        plain.emplace_back(records.text(i));
+    }
+    std::vector<Bytes> ciphered = cry::EncipherBatch(session.cipher, plain);
+    for (Bytes& payload : payloads)
+        cry::WipeString(payload);
+    return ciphered;
+}
+
+int Positions(Session& session, std::uint8_t section, const BulkRecords& records,
+              std::vector<std::int32_t>& positions) {
+    std::vector<Bytes> texts;
+    texts.reserve(records.count);
+    for (std::size_t i = 0; i < records.count; ++i)
+        texts.push_back(records.text(i));
+    const int error = SpreadBuckets(session, section, texts, positions);
+    for (Bytes& text : texts)
+        cry::WipeString(text);
+    return error;
+}
+
+}  // namespace
+
+int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records,
+              std::vector<std::int32_t>& keys) {
+    RandomSource& random = session.ports.random;
+    Transaction transaction(*session.ProgramDb);
+    if (transaction.error() != 0) return transaction.error();
+    std::vector<std::int32_t> positions;
+    if (const int error = Positions(session, section, records, positions); error != 0) return error;
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    Recordset& row = **table;
+    keys.assign(records.count, 0);
+    std::vector<Bytes> ciphered;
+    for (std::size_t i = 0; i < records.count; ++i) {
+        if (i % kChunk == 0) ciphered = Encipher(session, records, i, std::min(i + kChunk, records.count));
+        row.AddNew();
+        row.SetField("fSec", std::int32_t{section});
+        row.SetField("AE", 1);
+        row.SetField("fG1", records.fG1(i));
+        row.SetField("fEtx", std::move(ciphered[i % kChunk * 2]));
+        row.SetField("fT1", std::move(ciphered[i % kChunk * 2 + 1]));
+        if (records.placeNameless || !TrimBlanks(records.text(i)).empty()) {
+            row.SetField("fR1", positions[i]);
+            row.SetField("fR2", BucketKey(records.text(i), random));
+        }
+        FillColumns(row, kNoise, random);
+        if (const int error = row.Update(); error != 0) return error;
+        keys[i] = NumberOf(row.Field("fPK"));
+    }
+    return transaction.Commit();
+}
+
+}  // namespace bmr::store

@@ -14,6 +14,7 @@ class CommandLine {
         AddReaders();
         AddWriters();
         AddWholeFile();
+        AddGenerator();
     }
 
     int Run(int argc, char** argv) { return bmr::tools::RunMain(app_, argc, argv); }
@@ -41,6 +42,11 @@ class CommandLine {
         return command;
     }
 
+    CLI::App* Plain(CLI::App* command) {
+        command->add_flag("--plain", options_.plain, "Passwords and PINs in the text too (JSON has them)");
+        return command;
+    }
+
     CLI::App* Key(CLI::App* command) {
         command->add_option("FPK", options_.fPK, "The record's key")->required();
         return ShowPrivate(command);
@@ -49,25 +55,60 @@ class CommandLine {
     void AddReaders() {
         Json(Command("info", "Tell what the database holds", bmr::tools::RunInfo));
         CLI::App* list = ShowPrivate(Json(Command("list", "List a section", bmr::tools::RunList)));
-        list->add_option("SECTION", options_.section, "todo")->required();
+        list->add_option("SECTION", options_.section, "todo, memo, confidential or another section")
+            ->required();
         list->add_option("--category", options_.category, "Only this category");
+        list->add_option("--kind", options_.kind, "Only this kind of confidential records, 1 to 16");
         list->add_flag("--all", options_.all, "Completed tasks too");
-        Key(Json(Command("show", "Show one record", bmr::tools::RunShow)));
-        ShowPrivate(Json(Command("dump", "Show every record of every section", bmr::tools::RunDump)));
+        Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
+        Plain(ShowPrivate(Json(Command("dump", "Show every record of every section", bmr::tools::RunDump))));
     }
 
     void AddWriters() {
         CLI::App* add = Command("add", "Add a record", bmr::tools::RunAdd);
-        add->add_option("SECTION", options_.section, "todo")->required();
-        add->add_option("--task", options_.task, "The task in one line")->required();
-        add->add_option("--note", options_.note, "A note of any length");
-        add->add_option("--due", options_.due, "Due date, YYYY-MM-DD");
-        add->add_option("--priority", options_.priority, "high, normal or low")
+        add->add_option("SECTION", options_.section, "todo, memo or confidential")->required();
+        add->add_option("--task", options_.task, "todo: the task in one line");
+        add->add_option("--note", options_.note, "todo: a note of any length");
+        add->add_option("--due", options_.due, "todo: due date, YYYY-MM-DD");
+        add->add_option("--priority", options_.priority, "todo: high, normal (as without it) or low")
             ->check(CLI::IsMember({"high", "normal", "low"}));
-        add->add_option("--category", options_.category, "A category that exists");
+        add->add_option("--subject", options_.subject, "memo: the subject in one line");
+        add->add_option("--body", options_.body, "memo: the text");
+        add->add_option("--category", options_.category, "todo, memo: a category that exists");
+        AddConfidential(add);
         add->add_flag("--private", options_.makePrivate, "Make it a private record");
         Key(Command("done", "Tick a task", bmr::tools::RunDone));
         Key(Command("delete", "Delete a record", bmr::tools::RunDelete));
+    }
+
+    void AddConfidential(CLI::App* add) {
+        add->add_option("--kind", options_.kind, "confidential: the kind, 1 to 16");
+        for (std::size_t i = 0; i < options_.n.size(); ++i)
+            add->add_option("--n" + std::to_string(i), options_.n[i],
+                            "confidential: this field of the kind, unless it is a password or a PIN");
+        add->add_option("--notes", options_.notes, "confidential: notes of any length");
+        add->add_option("--secret-fd", options_.secretFd,
+                        "confidential: read passwords and PINs from this file descriptor, a line for each in "
+                        "the order of the fields. Without it the terminal asks.");
+    }
+
+    void AddGenerator() {
+        CLI::App* generate = app_.add_subcommand("generate", "Print a new password, and its strength");
+        auto& recipe = options_.recipe;
+        CLI::Option* words =
+            generate->add_option("--words", recipe.words, "So many words in place of characters")
+                ->check(CLI::Range(2, 20));
+        const auto only = [words](CLI::Option* option) { option->excludes(words); };
+        only(generate->add_option("--length", recipe.length, "Characters")
+                 ->check(CLI::Range(4, 128))
+                 ->capture_default_str());
+        only(generate->add_flag("!--no-lower", recipe.lower, "No small letters"));
+        only(generate->add_flag("!--no-upper", recipe.upper, "No capitals"));
+        only(generate->add_flag("!--no-digits", recipe.digits, "No digits"));
+        only(generate->add_flag("!--no-punctuation", recipe.punctuation, "No other characters"));
+        only(generate->add_flag("--readable", recipe.readable,
+                                "Nothing that is easily mistaken: 0 O o 1 l I |"));
+        generate->callback([this] { bmr::tools::RunGenerate(options_); });
     }
 
     void AddWholeFile() {

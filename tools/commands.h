@@ -1,8 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+
+#include "confidential/generator.h"
 
 namespace bmr::tools {
 
@@ -19,11 +23,24 @@ struct Options {
     std::string category;
     std::int32_t fPK = 0;
 
-    std::string task;
-    std::string note;
-    std::string due;
-    std::string priority = "normal";
+    /// Show secrets in tables too.
+    bool plain = false;
+
+    /// What `add` was given; each belongs to one section.
+    std::optional<std::string> task;
+    std::optional<std::string> note;
+    std::optional<std::string> due;
+    std::optional<std::string> priority;
+    std::optional<std::string> subject;
+    std::optional<std::string> body;
+    std::array<std::optional<std::string>, 5> n;
+    std::optional<std::string> notes;
+    /// Kind of confidential record, for `add` and `list`.
+    std::optional<std::int32_t> kind;
+    int secretFd = -1;
     bool makePrivate = false;
+
+    confidential::PasswordRecipe recipe;
 };
 
 /// Each runs one command, prints to standard output and throws `Failure`.
@@ -38,5 +55,6 @@ void RunDelete(const Options& options);
 void RunPasswd(const Options& options);
 void RunCompact(const Options& options);
 void RunCheck(const Options& options);
+void RunGenerate(const Options& options);
 
 }  // namespace bmr::tools

@@ -4,6 +4,7 @@
 
 #include "base/languageus.h"
 #include "commands.h"
+#include "confidential/kinds.h"
 #include "listtable.h"
 #include "recordjson.h"
 #include "recordkinds.h"
@@ -16,17 +17,38 @@ namespace {
 std::string ConditionOf(store::Session& session, const Options& options, std::uint8_t section) {
     std::string condition = "fSec=" + std::to_string(section);
     if (section == store::Section::Todo && !options.all) condition += " And fF3 = False";
+    if (options.kind) {
+        if (section != store::Section::Confidential) throw Failure("--kind is for confidential records.");
+        if (confidential::ConfidentialKindFields(*options.kind) == nullptr)
+            throw Failure("There is no kind " + std::to_string(*options.kind) + ".");
+        condition += " And fG1=" + std::to_string(*options.kind);
+    }
+    if (!options.category.empty() && section == store::Section::Confidential)
+        throw Failure("Confidential records have kinds in place of categories: use --kind.");
     if (!options.category.empty())
         condition += store::CategoryClause(CategoryByName(session, section, options.category));
     return condition;
 }
 
-/// Name and value of each field on a line of its own; further lines of a text are indented below it.
-void PrintRecord(const Json& json) {
+/// The caption that a kind gives to one of its fields n0 to n4, empty for other fields and unknown kinds.
+std::string CaptionOf(const Json& json, const std::string& name) {
+    if (!json.contains("kind") || name.size() != 2 || name[0] != 'n' || name[1] < '0' || name[1] > '4')
+        return {};
+    const auto* kind = confidential::ConfidentialKindFields(json["kind"]["number"].get<std::int32_t>());
+    if (kind == nullptr) return "PIN or other";  // of a kind that is not known here: might be a secret
+    return std::string(kind->captions[static_cast<std::size_t>(name[1] - '0')]);
+}
+
+/// Name and value of each field on a line of its own; further lines of a text are indented below it. Secrets
+/// show a mask that does not tell their length.
+void PrintRecord(const Json& json, bool plain) {
     for (const auto& [name, value] : json.items()) {
         std::string text = value.is_string() ? value.get<std::string>() : value.dump();
         if (name == "category") text = value["name"].get<std::string>();
-        std::cout << name << ":";
+        if (name == "kind") text = value["number"].dump() + " " + value["caption"].get<std::string>();
+        const std::string caption = CaptionOf(json, name);
+        if (!plain && !text.empty() && confidential::IsMaskedCaption(caption)) text = "????????";
+        std::cout << name << (caption.empty() ? "" : " (" + caption + ")") << ":";
         for (std::size_t at = 0; at <= text.size();) {
             const std::size_t end = std::min(text.find('\n', at), text.size());
             std::cout << (at == 0 ? " " : "    ") << Printable(text.substr(at, end - at)) << '\n';
@@ -68,7 +90,7 @@ void RunShow(const Options& options) {
                                  if (options.json)
                                      std::cout << DumpLine(json, 2) << '\n';
                                  else
-                                     PrintRecord(json);
+                                     PrintRecord(json, options.plain);
                              }));
     if (!shown) throw Failure(Msg(31));
 }
@@ -87,7 +109,7 @@ void RunDump(const Options& options) {
                 std::cout << (first ? "[\n" : ",\n") << DumpLine(json);
             } else {
                 if (!first) std::cout << '\n';
-                PrintRecord(json);
+                PrintRecord(json, options.plain);
             }
             first = false;
         });

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "base/buckets.h"
+#include "confidential/kinds.h"
+#include "store/indices.h"
 #include "tasks/task.h"
 #include "terminal.h"
 
@@ -28,6 +30,8 @@ bool Flag(const Json& record, const char* name) {
 }
 
 std::string CategoryText(const Json& record) {
+    if (record.contains("kind"))
+        return record["kind"]["number"].dump() + " " + Text(record["kind"], "caption");
     return record.contains("category") ? record["category"]["name"].get<std::string>() : std::string();
 }
 
@@ -39,6 +43,9 @@ std::string FaultText(const Json& record) {
 std::string Headline(const RecordKind& kind, const Row& row, const Json& record) {
     if (record.contains("fault")) return FaultText(record);
     if (kind.fSec == store::Section::Address) return ToUtf8(TrimBlanks(row.listText));
+    // The first text that is not empty might be a memo's body or a password.
+    if (kind.fSec == store::Section::Memo) return Text(record, "Subject");
+    if (kind.fSec == store::Section::Confidential) return Text(record, "n0");
     for (const FieldRule& rule : kind.fields) {
         const bool text = rule.tag == store::FieldTag::Text || rule.tag == store::FieldTag::Memo;
         if (text && rule.shape == Shape::Plain && !Text(record, rule.name).empty())
@@ -64,6 +71,7 @@ Cells TaskCells(const Json& record) {
 Cells HeaderOf(const RecordKind& kind) {
     if (kind.fSec == store::Section::Todo)
         return {"fPK", "Done", "Due Date", "Prty", "Priv", "Note", "Category", "Task"};
+    if (kind.fSec == store::Section::Confidential) return {"fPK", "Priv", "Kind", "Name"};
     return {"fPK", "Priv", "Category", std::string(kind.title)};
 }
 
@@ -85,13 +93,33 @@ std::string TaskSortKey(const Row& row, Day today) {
     return tasks::SortKey(task, today);
 }
 
+std::string Digits(std::int64_t number) {
+    const std::string digits = std::to_string(number);
+    return std::string(12 - digits.size(), '0') + digits;
+}
+
+/// The same for the sections that stand in alphabetical order by their keys; the kinds of confidential
+/// records come in the order of the screen.
+std::string AlphabeticalSortKey(const Row& row) {
+    const auto kinds = confidential::ConfidentialKinds();
+    std::int64_t place = 0;
+    if (row.fSec == store::Section::Confidential)
+        place = std::find_if(kinds.begin(), kinds.end(),
+                             [&](const auto& kind) { return kind.number == row.fG1.value_or(0); }) -
+                kinds.begin();
+    return Digits(place) + Digits(store::BucketOfKey(row.fR2)) + Digits(std::int64_t{row.fR1} + (1LL << 31));
+}
+
 }  // namespace
 
 void ListTable::Add(const Row& row, const Json& record) {
     const bool task = kind_.fSec == store::Section::Todo;
     Line line;
     const std::string headline = task ? std::string() : Headline(kind_, row, record);
-    line.sortKey = task ? TaskSortKey(row, today_) : UpperCase(ToBytes(headline).value_or(headline));
+    const bool byKeys = kind_.fSec == store::Section::Memo || kind_.fSec == store::Section::Confidential;
+    line.sortKey = task     ? TaskSortKey(row, today_)
+                   : byKeys ? AlphabeticalSortKey(row)
+                            : UpperCase(ToBytes(headline).value_or(headline));
     if (json_) {
         line.cells = {DumpLine(record)};
     } else {

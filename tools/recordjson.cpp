@@ -5,6 +5,7 @@
 
 #include "base/buckets.h"
 #include "calendar/calendar.h"
+#include "confidential/kinds.h"
 #include "recordkinds.h"
 #include "sitting.h"
 #include "store/categories.h"
@@ -69,6 +70,10 @@ void AddCategoryList(Json& json, std::string_view payload) {
 }
 
 void AddFields(Json& json, const RecordKind& kind, std::string_view payload) {
+    // These leave empty texts out of the payload; a reader of the JSON finds the same fields everywhere.
+    if (kind.fSec == Section::Confidential)
+        for (const FieldRule& rule : kind.fields)
+            if (rule.tag == FieldTag::Text || rule.tag == FieldTag::Memo) json[std::string(rule.name)] = "";
     store::PayloadReader reader(payload);
     store::RawField field;
     while (reader.Next(field)) {
@@ -93,10 +98,12 @@ void AddTaskColumns(Json& json, const Row& row) {
 
 void AddCategory(Json& json, const Row& row, CategoryNames& names) {
     const std::int32_t number = row.fG1.value_or(0);
-    if (row.fSec == Section::Confidential)
-        json["kind"] = number;
-    else if (row.fSec != Section::Calendar && row.fSec != Section::Diary)
+    if (row.fSec == Section::Confidential) {
+        const auto* kind = confidential::ConfidentialKindFields(number);
+        json["kind"] = {{"number", number}, {"caption", kind == nullptr ? "" : std::string(kind->caption)}};
+    } else if (row.fSec != Section::Calendar && row.fSec != Section::Diary) {
         json["category"] = {{"number", number}, {"name", names.Name(row.fSec, number)}};
+    }
 }
 
 void AddCurrentUser(Json& json, const store::Session& session, const Row& row) {

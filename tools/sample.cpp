@@ -35,7 +35,9 @@ constexpr std::array<std::string_view, 24> kSentences = {
 };
 
 constexpr SampleSection kSections[] = {
+    {store::Section::Memo, "memo", FillMemos},
     {store::Section::Todo, "todo", FillTasks},
+    {store::Section::Confidential, "confidential", FillConfidential},
 };
 
 }  // namespace

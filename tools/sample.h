@@ -60,5 +60,7 @@ struct SampleSection {
 std::span<const SampleSection> SampleSections();
 
 int FillTasks(SampleContext& context, std::int32_t records);
+int FillMemos(SampleContext& context, std::int32_t records);
+int FillConfidential(SampleContext& context, std::int32_t records);
 
 }  // namespace bmr::tools

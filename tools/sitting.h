@@ -45,7 +45,7 @@ class Sitting {
     void Check(int error);
 
   private:
-    PassphraseInput input_;
+    SecretInput input_;
     ToolPrompter prompter_;
     SystemClock clock_;
     cry::SystemRandom random_;

@@ -9,11 +9,11 @@ namespace bmr::tools {
 namespace {
 
 /// UTF-8 to code page 1252, leaving no copy behind.
-bool ToPage(const Secret& line, Secret& typed, std::string& problem) {
+bool ToPage(const Secret& line, const std::string& what, Secret& typed, std::string& problem) {
     auto bytes = ToBytes(line.view());
     if (!bytes) {
         const auto found = FindUnmappable(line.view());
-        problem = "The passphrase cannot be used: character " + std::to_string(found.front().position + 1) +
+        problem = "The " + what + " cannot be used: character " + std::to_string(found.front().position + 1) +
                   " is not in code page 1252.";
         return false;
     }
@@ -43,25 +43,25 @@ std::string Printable(const std::string& text) {
     return out;
 }
 
-bool PassphraseInput::ReadLine(const std::string& prompt, bool echo, Secret& line) {
+bool SecretInput::ReadLine(const std::string& prompt, bool echo, Secret& line) {
     const LineResult result = Interactive() ? ReadTerminalLine(prompt, echo, line) : ReadFdLine(fd_, line);
     if (result == LineResult::Read) return true;
     line.Wipe();
     if (result == LineResult::NoTerminal)
-        problem_ = "There is no terminal to ask for the passphrase: use --passphrase-fd.";
+        problem_ = "There is no terminal to ask for the " + what_ + ": use " + option_ + ".";
     else if (result == LineResult::TooLong)
-        problem_ = "The passphrase is too long.";
+        problem_ = "The " + what_ + " is too long.";
     else
         problem_ = Msg(45);
     return false;
 }
 
-bool PassphraseInput::Read(const std::string& prompt, Secret& typed) {
+bool SecretInput::Read(const std::string& prompt, Secret& typed) {
     Secret line;
-    return ReadLine(prompt, false, line) && ToPage(line, typed, problem_);
+    return ReadLine(prompt, false, line) && ToPage(line, what_, typed, problem_);
 }
 
-bool PassphraseInput::Confirm(const std::string& question) {
+bool SecretInput::Confirm(const std::string& question) {
     Secret line;
     return ReadLine(question + " [y/N] ", true, line) && !line.empty() &&
            (line.view()[0] == 'y' || line.view()[0] == 'Y');

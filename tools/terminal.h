@@ -12,11 +12,12 @@ void HardenProcess();
 /// `text` (UTF-8) on one line, every character that could steer a terminal replaced by "?".
 std::string Printable(const std::string& text);
 
-/// Where passphrases come from: the terminal, without echo, or lines of a file descriptor.
-class PassphraseInput {
+/// Where passphrases and other secrets come from: the terminal, without echo, or lines of a file descriptor.
+class SecretInput {
   public:
-    /// `fd` below 0 asks on the terminal.
-    explicit PassphraseInput(int fd) : fd_(fd) {}
+    /// `fd` below 0 asks on the terminal. `what` and `option` name the secret and its descriptor in problems.
+    explicit SecretInput(int fd, std::string what = "passphrase", std::string option = "--passphrase-fd")
+        : fd_(fd), what_(std::move(what)), option_(std::move(option)) {}
 
     /// A person sits there, who can be asked twice.
     bool Interactive() const { return fd_ < 0; }
@@ -33,6 +34,8 @@ class PassphraseInput {
   private:
     bool ReadLine(const std::string& prompt, bool echo, Secret& line);
     int fd_;
+    std::string what_;
+    std::string option_;
     std::string problem_;
 };
 

@@ -12,7 +12,7 @@ namespace bmr::tools {
 /// (no repair, no retry, no overwriting), and the words of the last box are kept for the error line.
 class ToolPrompter final : public Prompter {
   public:
-    explicit ToolPrompter(PassphraseInput& input) : input_(input) {}
+    explicit ToolPrompter(SecretInput& input) : input_(input) {}
 
     /// From now on the passphrase of the opening is kept, and given again when the same one is asked for:
     /// a person who changes it, or compacts the file, types it once.
@@ -37,7 +37,7 @@ class ToolPrompter final : public Prompter {
   private:
     bool AskNew(const PassphraseRequest& request, Secret& typed);
 
-    PassphraseInput& input_;
+    SecretInput& input_;
     bool keep_ = false;
     Secret current_;
     Box last_;

@@ -14,56 +14,10 @@ import signal
 import sqlite3
 import stat
 import subprocess
-import sys
-import tempfile
 import termios
 import time
-import unittest
 
-BMR, SAMPLEDB, ALTER, DATA = sys.argv[1:5]
-PASS = "Blue kettle 7 – Ü"
-FOREIGN_PASS = "correct Horse 9"
-
-
-def call(program, *args, secret=PASS, **kwargs):
-    """Runs a program that reads `secret` from a descriptor of its own."""
-    args = [str(a) for a in args]
-    reader, writer = os.pipe()
-    os.write(writer, secret if isinstance(secret, bytes) else (secret + "\n").encode())
-    os.close(writer)
-    try:
-        return subprocess.run([program, *args, "--passphrase-fd", str(reader)], pass_fds=[reader],
-                              capture_output=True, encoding="utf-8", timeout=120, **kwargs)
-    finally:
-        os.close(reader)
-
-
-class Base(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder)
-        self.file = self.folder / "plans.bmr"
-
-    def bmr(self, command, *args, file=None, secret=PASS, status=0):
-        done = call(BMR, command, file or self.file, *args, secret=secret)
-        self.assertEqual(done.returncode, status, f"bmr {command} {args}: {done.stdout}{done.stderr}")
-        if status:
-            self.assertRegex(done.stderr, r"\Abmr: [^\n]+\n\Z")
-        else:
-            self.assertEqual(done.stderr, "")
-        self.assertEqual(sorted(self.folder.glob("*-journal")), [])
-        return done.stdout if status == 0 else done.stderr
-
-    def listed(self, *args, **kwargs):
-        return json.loads(self.bmr("list", "todo", "--json", *args, **kwargs))
-
-    def sample(self, records, seed=1, file=None):
-        done = call(SAMPLEDB, file or self.file, "--records", records, "--seed", seed, "--today", "2026-11-21")
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
-
-    def rows(self, condition):
-        with sqlite3.connect(self.file) as db:
-            return db.execute(f"SELECT * FROM tt WHERE {condition} ORDER BY fPK").fetchall()
+from bmr_support import ALTER, BMR, DATA, FOREIGN_PASS, PASS, Base, call, main
 
 
 class ADay(Base):
@@ -305,6 +259,27 @@ class Samples(Base):
         bare = lambda rs: sorted(json.dumps(r, sort_keys=True) for r in (dict(r, fPK=0) for r in rs))
         self.assertEqual(bare(self.listed("--all", file=other)), bare(records))
 
+    def test_the_other_sections_are_whole_and_check_finds_what_stands_out_of_order(self):
+        self.sample(900, seed=3, sections=None)
+        self.assertEqual(json.loads(self.bmr("info", "--json"))["records"],
+                         {"Memo": 300, "Todo": 300, "Confidential": 300})
+        self.assertIn("all whole", self.bmr("check"))
+        memos = self.listed(section="memo")
+        self.assertGreater(len({m["Subject"] for m in memos}), 150)
+        self.assertTrue(all(m["DateCreated"] <= m["DateLastModified"] <= "2026-11-21" for m in memos))
+        secrets = self.listed(section="confidential")
+        self.assertGreater(len({r["kind"]["number"] for r in secrets}), 12)
+        self.assertTrue(any(r["n0"] == "" for r in secrets))
+        first, second = next((a, b) for a, b in zip(memos, memos[1:])
+                             if a["Subject"][:3] == b["Subject"][:3] and a["Subject"] < b["Subject"])
+        with sqlite3.connect(self.file) as db:
+            db.execute("UPDATE tt SET fR1 = (SELECT fR1 FROM tt WHERE fPK = ?) + 1 WHERE fPK = ?",
+                       (second["fPK"], first["fPK"]))
+        done = call(BMR, "check", self.file)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(f"fPK {first['fPK']}, fSec 14: out of alphabetical order",
+                      done.stdout)
+
     def test_private_records_follow_the_settings(self):
         self.sample(200)
         private = {r["fPK"] for r in self.listed("--all") if r["Private"]}
@@ -334,4 +309,4 @@ class Samples(Base):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0], *sys.argv[5:]], verbosity=1)
+    main()

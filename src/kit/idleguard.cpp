@@ -18,7 +18,7 @@ IdleGuard::IdleGuard(shell::TimeOut& timeOut, const Clock& clock, Steps steps, Q
 
 void IdleGuard::timerTimeout_Tick() {
     if (ending_) {
-        // Some loop still turns. All is wiped by now, so nothing is lost by the hard way.
+        // Some loop still turns. Nothing may be stored any more, so nothing is lost by the hard way.
         if (clock_.MonotonicMs() - endingSince_ >= kPatience) lastResort();
         return;
     }

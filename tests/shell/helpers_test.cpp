@@ -7,22 +7,7 @@
 namespace bmr::shell {
 namespace {
 
-class RecordingDesktop final : public Desktop {
-  public:
-    bool OpenWeb(const std::string& url) override { return Take("web " + url); }
-    bool OpenMail(const std::string& address) override { return Take("mail " + address); }
-    bool Dial(const std::string& number, const std::string& name) override {
-        return Take("dial " + number + " for " + name);
-    }
-    std::vector<std::string> asked;
-    bool works = true;
-
-  private:
-    bool Take(std::string what) {
-        asked.push_back(std::move(what));
-        return works;
-    }
-};
+using test::RecordingDesktop;
 
 TEST(Helpers, NumericOnlyCutsAtTheEndAlone) {
     EXPECT_EQ(NumericOnly("12.50 EUR", '.'), "12.50");

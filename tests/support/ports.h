@@ -124,4 +124,22 @@ class MapRegistry final : public Registry {
     std::map<std::string, std::string> values;
 };
 
+/// Starts nothing and remembers what it should have started.
+class RecordingDesktop final : public Desktop {
+  public:
+    bool OpenWeb(const std::string& url) override { return Take("web " + url); }
+    bool OpenMail(const std::string& address) override { return Take("mail " + address); }
+    bool Dial(const std::string& number, const std::string& name) override {
+        return Take("dial " + number + " for " + name);
+    }
+    std::vector<std::string> asked;
+    bool works = true;
+
+  private:
+    bool Take(std::string what) {
+        asked.push_back(std::move(what));
+        return works;
+    }
+};
+
 }  // namespace bmr::test

@@ -67,6 +67,37 @@ xcb_window_t XClient::NewWindow() const {
     return window;
 }
 
+std::string XClient::Property(xcb_window_t window, const std::string& name) const {
+    const auto cookie = xcb_get_property(connection_, 0, window, Atom(name), XCB_ATOM_ANY, 0, 256);
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection_, cookie, nullptr));
+    if (!reply) return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+xcb_window_t XClient::FindBelow(xcb_window_t window, const std::string& title) const {
+    const Reply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
+    if (!tree) return 0;
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+        if (Property(children[i], "_NET_WM_NAME") == title) return children[i];
+        if (const xcb_window_t found = FindBelow(children[i], title)) return found;
+    }
+    return 0;
+}
+
+xcb_window_t XClient::Find(const std::string& title) const {
+    return FindBelow(root_, title);
+}
+
+xcb_window_t XClient::Active() const {
+    const std::string value = Property(root_, "_NET_ACTIVE_WINDOW");
+    xcb_window_t window = 0;
+    if (value.size() >= sizeof window) std::memcpy(&window, value.data(), sizeof window);
+    return window;
+}
+
 std::uint8_t Typist::CodeOf(xcb_keysym_t keysym) const {
     const xcb_setup_t* setup = xcb_get_setup(connection());
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);

@@ -27,8 +27,15 @@ class XClient {
     /// Waits until the server has done all that was asked of it.
     void Sync() const;
     xcb_window_t NewWindow() const;
+    /// A window of that title, 0 when there is none.
+    xcb_window_t Find(const std::string& title) const;
+    /// The window that the window manager calls active.
+    xcb_window_t Active() const;
 
   private:
+    xcb_window_t FindBelow(xcb_window_t window, const std::string& title) const;
+    std::string Property(xcb_window_t window, const std::string& name) const;
+
     xcb_connection_t* connection_;
     xcb_window_t root_ = 0;
 };
@@ -45,9 +52,9 @@ class Typist : public XClient {
 };
 
 constexpr xcb_keysym_t kKeyShift = 0xFFE1;
+constexpr xcb_keysym_t kKeyControl = 0xFFE3;
 constexpr xcb_keysym_t kKeyAlt = 0xFFE9;
 constexpr xcb_keysym_t kKeyTab = 0xFF09;
-constexpr xcb_keysym_t kKeyEscape = 0xFF1B;
 constexpr xcb_keysym_t kKeyReturn = 0xFF0D;
 
 /// Collects key codes of presses on a thread of its own until it goes.

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/frmMDI.h"
+#include "app/signals.h"
+#include "base/clock.h"
+#include "kit/clipboardguard.h"
+#include "kit/guardedapplication.h"
+#include "kit/idleguard.h"
+#include "shell/timeout.h"
+#include "store/session.h"
+
+namespace bmr::app {
+
+/// The guards over a sitting, tied to the window that shows them: the idle end, the clipboard, and the
+/// signals by which the system asks the program to go.
+class Watch final {
+  public:
+    /// All must outlive this.
+    Watch(kit::GuardedApplication& application, store::Session& session, frmMDI& frame,
+          kit::ClipboardGuard& clipboard, const Clock& clock);
+    ~Watch();
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    kit::IdleGuard& Idle() { return idle_; }
+
+  private:
+    static kit::IdleGuard::Steps Steps(store::Session& session, frmMDI& frame,
+                                       kit::ClipboardGuard& clipboard);
+    void Connect(store::Session& session, frmMDI& frame, kit::ClipboardGuard& clipboard);
+
+    kit::GuardedApplication& application_;
+    shell::TimeOut timeOut_;
+    kit::IdleGuard idle_;
+    SignalWatch signals_;
+};
+
+}  // namespace bmr::app

@@ -1,0 +1,108 @@
+#include "app/watch.h"
+
+#include <QClipboard>
+#include <QLabel>
+
+#include "support/forms.h"
+#include "support/sitting.h"
+
+namespace bmr::app {
+namespace {
+
+struct WatchTest : testing::Test {
+    WatchTest()
+        : frame({sitting.session, {}, {sitting.folder.Path() / "documents"}}),
+          clipboard(*QApplication::clipboard(), sitting.random, sitting.clock),
+          watch(dynamic_cast<kit::GuardedApplication&>(*qApp), sitting.session, frame, clipboard,
+                sitting.clock) {}
+    ~WatchTest() override { sitting.session.ending = true; }
+
+    void Start(std::int16_t idle = 5) {
+        sitting.Make();
+        sitting.session.settings.Idle = idle;
+        sitting.Close();
+        sitting.prompter.Type(test::kPassphrase);
+        frame.Start(sitting.file);
+        ASSERT_TRUE(sitting.session.DatabaseOpen);
+        frame.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame));
+    }
+    QString Text(const char* label) { return test::Named<QLabel>(frame, label).text(); }
+
+    test::Sitting sitting;
+    frmMDI frame;
+    kit::ClipboardGuard clipboard;
+    Watch watch;
+};
+
+TEST_F(WatchTest, EndsAtTheLimitThroughAnOpenEditorWithNothingStored) {
+    Start();
+    clipboard.Copy("secret");
+    int unwound = 0;
+    QTimer::singleShot(0, &frame, [&] {
+        QDialog editor(&frame);
+        QTimer::singleShot(0, &editor, [&] {
+            watch.Idle().timerTimeout_Tick();
+            EXPECT_EQ(Text("autoshutoff"), "05:00");
+            sitting.clock.monotonic += 299'999;
+            watch.Idle().timerTimeout_Tick();
+            EXPECT_EQ(Text("autoshutoff"), "00:01");
+            EXPECT_TRUE(sitting.session.DatabaseOpen);
+
+            sitting.clock.monotonic += 1;
+            watch.Idle().timerTimeout_Tick();
+            EXPECT_EQ(unwound, 0);
+            EXPECT_FALSE(sitting.session.DatabaseOpen) << "closed before the dialogs go";
+            EXPECT_TRUE(sitting.session.cipher.Keystring.empty());
+            EXPECT_TRUE(sitting.session.ending);
+            EXPECT_EQ(QApplication::clipboard()->text(), "");
+        });
+        EXPECT_NE(editor.exec(), QDialog::Accepted);
+        ++unwound;
+    });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_EQ(unwound, 1);
+}
+
+TEST_F(WatchTest, TouchingTheWindowSetsTheCountBackAndTheSettingRules) {
+    Start(1);
+    sitting.clock.monotonic += 50'000;
+    watch.Idle().timerTimeout_Tick();
+    EXPECT_EQ(Text("autoshutoff"), "00:10");
+    QTest::keyClick(frame.windowHandle(), Qt::Key_Down);
+    sitting.clock.monotonic += 59'999;
+    watch.Idle().timerTimeout_Tick();
+    EXPECT_TRUE(sitting.session.DatabaseOpen);
+
+    sitting.clock.monotonic += 1;
+    QTimer::singleShot(0, &frame, [this] { watch.Idle().timerTimeout_Tick(); });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_FALSE(sitting.session.DatabaseOpen);
+}
+
+TEST_F(WatchTest, LimitZeroNeverEnds) {
+    Start(0);
+    EXPECT_EQ(Text("autoshutoff"), "");
+    for (int i = 0; i < 2; ++i) {
+        sitting.clock.monotonic += 24 * 3'600'000;
+        watch.Idle().timerTimeout_Tick();
+        EXPECT_FALSE(sitting.session.ending);
+        EXPECT_EQ(Text("autoshutoff"), "");
+        frame.CloseDatabase();
+    }
+}
+
+TEST_F(WatchTest, TheStatusBarCountsForTheClipboardAndClosingEmptiesIt) {
+    Start();
+    const auto& label = test::Named<QLabel>(frame, "clipboard");
+    EXPECT_FALSE(label.isVisible());
+    clipboard.Copy("secret");
+    EXPECT_TRUE(label.isVisible());
+    EXPECT_TRUE(label.text().contains("30")) << label.text().toStdString();
+    frame.CloseDatabase();
+    EXPECT_FALSE(label.isVisible());
+    EXPECT_EQ(QApplication::clipboard()->text(), "");
+}
+
+}  // namespace
+}  // namespace bmr::app

@@ -7,22 +7,20 @@
 #include "app/frmMDI.h"
 #include "app/hardening.h"
 #include "app/registry.h"
-#include "app/signals.h"
 #include "app/start.h"
+#include "app/watch.h"
 #include "confidential/frmClassified.h"
 #include "crypto/systemrandom.h"
 #include "kit/clipboardguard.h"
 #include "kit/frmPW.h"
 #include "kit/guardedapplication.h"
 #include "kit/guards.h"
-#include "kit/idleguard.h"
 #include "kit/platform.h"
 #include "kit/prompter.h"
 #include "kit/qtdesktop.h"
 #include "kit/theme.h"
 #include "notes/frmNotepad.h"
 #include "shell/helpers.h"
-#include "shell/timeout.h"
 #include "store/session.h"
 #include "tasks/frmTodo.h"
 
@@ -64,51 +62,6 @@ app::SectionTable Sections(kit::ClipboardGuard& clipboard, Desktop& desktop) {
     return table;
 }
 
-/// The guards over a sitting, tied to the window that shows them.
-class Watch {
-  public:
-    Watch(kit::GuardedApplication& application, store::Session& session, app::frmMDI& frame,
-          kit::ClipboardGuard& clipboard, const Clock& clock)
-        : application_(application),
-          timeOut_(clock),
-          idle_(timeOut_, clock, Steps(session, frame, clipboard)) {
-        application.SetOnActivity([this] { timeOut_.Activity(); });
-        timeOut_.StartActivityHooks();
-        const auto limit = [this, &session, &frame] {
-            timeOut_.IdleLimit = shell::IdleLimitFrom(session.settings.Idle);
-            if (timeOut_.IdleLimit == 0) frame.ShowIdleCountdown({});
-        };
-        QObject::connect(&frame, &app::frmMDI::DatabaseOpened, &idle_, limit);
-        QObject::connect(&frame, &app::frmMDI::DatabaseClosed, &idle_, limit);
-        QObject::connect(&frame, &app::frmMDI::DatabaseClosed, &clipboard,
-                         &kit::ClipboardGuard::ClearClipboard);
-        QObject::connect(&frame, &app::frmMDI::Quitting, &clipboard, &kit::ClipboardGuard::ClearClipboard);
-        QObject::connect(&frame, &app::frmMDI::ClipboardUsed, &clipboard,
-                         &kit::ClipboardGuard::RestartClipboardTimer);
-        QObject::connect(&frame, &app::frmMDI::Ended, &idle_, &kit::IdleGuard::End);
-        QObject::connect(&signals_, &app::SignalWatch::Asked, &idle_, &kit::IdleGuard::End);
-        QObject::connect(&idle_, &kit::IdleGuard::Panel, &frame, &app::frmMDI::ShowIdleCountdown);
-        QObject::connect(&clipboard, &kit::ClipboardGuard::Countdown, &frame,
-                         &app::frmMDI::ShowClipboardCountdown);
-    }
-    ~Watch() { application_.SetOnActivity({}); }
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
-
-  private:
-    static kit::IdleGuard::Steps Steps(store::Session& session, app::frmMDI& frame,
-                                       kit::ClipboardGuard& clipboard) {
-        return {.markEnding = [&session] { session.ending = true; },
-                .clearClipboard = [&clipboard] { clipboard.ClearClipboard(); },
-                .closeDatabase = [&frame] { frame.QuitProgram(); }};
-    }
-
-    kit::GuardedApplication& application_;
-    shell::TimeOut timeOut_;
-    kit::IdleGuard idle_;
-    app::SignalWatch signals_;
-};
-
 int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::Theme theme(application);
     theme.Choose(kit::Theme::FromName(arguments.theme));
@@ -133,7 +86,7 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
                        {environment.documents},
                        &theme,
                        QString::fromStdString(guards.Describe())});
-    Watch watch(application, session, frame, clipboard, clock);
+    app::Watch watch(application, session, frame, clipboard, clock);
 
     prompter.SetWindow(&frame);
     prompter.SetEnding([&session] { return session.ending; });

@@ -1,5 +1,6 @@
 #include "kit/frmPW.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -59,7 +60,8 @@ int AlphabetOf(std::string_view text) {
 frmPW::frmPW(const PassphraseRequest& request, Prompter& boxes, QWidget* parent)
     : QDialog(parent), request_(request), boxes_(boxes), entry_(request.confirm, request.checkQuality) {
     setObjectName("frmPW");
-    setWindowTitle(QString::fromStdString(Msg(159)));
+    setWindowTitle(request.title.empty() ? QApplication::applicationDisplayName()
+                                         : QString::fromStdString(request.title));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     BuildTexts();
     BuildEntry();
@@ -75,7 +77,7 @@ void frmPW::BuildTexts() {
     heading.setPointSizeF(heading.pointSizeF() * kHeadingText);
     heading.setBold(true);
     lblTitle->setFont(heading);
-    lblTitle->setText(QString::fromStdString(request_.title));
+    lblTitle->setText(windowTitle());
     lblPrompt = MakeLabel("lblPrompt");
     lblHint = MakeLabel("lblHint");
     lblHint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -84,7 +86,7 @@ void frmPW::BuildTexts() {
 void frmPW::BuildEntry() {
     txtInput = new SecretEdit;
     txtInput->setObjectName("txtInput");
-    txtInput->setAccessibleName(tr("Passphrase"));
+    txtInput->setAccessibleName(QString::fromStdString(request_.prompt));
     lblPrompt->setBuddy(txtInput);
     // One pixel that can take the focus: a hidden box could not receive the decoys.
     txtBurst = new QLineEdit(this);

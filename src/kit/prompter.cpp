@@ -254,8 +254,11 @@ void QtPrompter::Comment(const std::string& text, bool busy) {
     if (!busy && busy_) QApplication::restoreOverrideCursor();
     busy_ = busy;
     emit CommentChanged(QString::fromStdString(text));
-    // The work that the words announce holds the thread: paint them first, but let no input in.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // The work that the words announce holds the thread: paint them first. Running the event loop for it
+    // would let timers in, and one of them closes databases.
+    if (!window_) return;
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    window_->repaint();
 }
 
 void QtPrompter::PauseAfterFailure() {

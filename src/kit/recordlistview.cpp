@@ -133,8 +133,14 @@ void RecordListView::contextMenuEvent(QContextMenuEvent* event) {
 
 void RecordListView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTreeView::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid())
-        emit EditWanted();
+    const QPoint at = event->position().toPoint();
+    const QModelIndex index = indexAt(at);
+    if (event->button() != Qt::LeftButton || !index.isValid()) return;
+    // Two quick clicks on a check box tick and untick.
+    constexpr int kMark = 28;
+    const bool checkable = index.flags() & Qt::ItemIsUserCheckable;
+    if (checkable && at.x() < visualRect(index).left() + kMark) return;
+    emit EditWanted();
 }
 
 void RecordListView::HeaderMenu(const QPoint& at) {

@@ -185,6 +185,14 @@ void frmEditTodo::Lay(bool isNew) {
     cmdOK->setToolTip(tr("Ctrl+Return"));
     cmdEsc = buttons->button(QDialogButtonBox::Cancel);
     cmdEsc->setObjectName("cmdEsc");
+    if (isNew) {
+        auto* more = buttons->addButton(tr("Save and &new"), QDialogButtonBox::ActionRole);
+        more->setObjectName("cmdSaveNew");
+        connect(more, &QPushButton::clicked, this, [this] {
+            another = recordChanged;
+            cmdOK_Click();
+        });
+    }
     connect(cmdOK, &QPushButton::clicked, this, &frmEditTodo::cmdOK_Click);
     connect(cmdEsc, &QPushButton::clicked, this, &frmEditTodo::cmdEsc_Click);
 
@@ -305,10 +313,14 @@ bool frmEditTodo::Storable() {
 void frmEditTodo::cmdOK_Click() {
     ctlDateDue->Commit();
     ctlDateCompleted->Commit();
-    if (Storable()) accept();
+    if (Storable())
+        accept();
+    else
+        another = false;
 }
 
 void frmEditTodo::cmdEsc_Click() {
+    another = false;
     if (recordChanged && !session_.ending) {
         Box box = MessageBox(20, BoxIcon::Question);
         box.buttons = Buttons::YesNo;

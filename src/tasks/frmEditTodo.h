@@ -32,6 +32,8 @@ class frmEditTodo final : public QDialog {
     ~frmEditTodo() override;
 
     bool recordChanged = false;
+    /// Left by "Save and new": another new task is to follow.
+    bool another = false;
     EditorValues Values() const;
 
     /// The editor comes up as if its values had been changed already (a store of them failed).

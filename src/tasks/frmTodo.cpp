@@ -76,7 +76,8 @@ void frmTodo::showListitems() {
     if (!session_.DatabaseOpen || session_.ending) return;
     const TaskFilter filter{.showCompleted = ShowCompleted->isChecked(), .category = category_};
     int error = 0;
-    TodoList->Rebuild([&] { error = model_->Rebuild(filter, search_.toStdString(), order_); });
+    TodoList->Rebuild([&] { error = model_->Rebuild(filter, search_.toStdString()); });
+    TodoList->header()->setSortIndicator(-1, Qt::AscendingOrder);  // each build is in standard order
     kit::TellFailure(session_, error, tr("The tasks could not be read."));
     ShowEmptyState();
     TellStatus();
@@ -156,33 +157,40 @@ void frmTodo::mnuTodoEdit_Click() {
 
 void frmTodo::EditRecord(Task task) {
     if (editing_) return;
+    editing_ = true;
+    for (bool another = true; another;) {
+        const std::int32_t keyBefore = task.key;
+        const bool stored = EditAndStore(task, another);
+        if (session_.ending || !session_.DatabaseOpen) break;
+        FillCategories(category_);
+        if (!stored) break;
+        showListitems();
+        TodoList->SelectKey(keyBefore);  // the key before the store: after an add no row has it
+        if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
+        if (another) task = ClearRecord(category_);
+    }
+    editing_ = false;
+}
+
+bool frmTodo::EditAndStore(Task& task, bool& another) {
     EditorValues values =
         RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
-    const std::int32_t keyBefore = task.key;
-    bool done = false;
+    bool stored = false;
     bool gone = false;
-    editing_ = true;
-    for (bool again = false; !done && !gone; again = true) {
+    for (bool again = false; !stored && !gone; again = true) {
         frmEditTodo editor(session_, values, task.key == store::kNewRecord, this);
         if (again) editor.MarkChanged();
         editor.exec();
-        if (session_.ending || !session_.DatabaseOpen) break;
+        if (session_.ending || !session_.DatabaseOpen) return false;
+        another = editor.another;
         recordChanged->setChecked(editor.recordChanged);
-        done = !recordChanged->isChecked();
-        if (done) break;
+        if (!recordChanged->isChecked()) return false;
+        recordChanged->setChecked(false);
         values = editor.Values();
         EditorToRecord(values, task);
-        done = Store(task, gone);  // what could not be stored stays in the editor
+        stored = Store(task, gone);  // what could not be stored comes back in the editor
     }
-    editing_ = false;
-    const bool stored = recordChanged->isChecked() && done;
-    recordChanged->setChecked(false);
-    if (session_.ending || !session_.DatabaseOpen) return;
-    FillCategories(category_);
-    if (!stored) return;
-    showListitems();
-    TodoList->SelectKey(keyBefore);  // the key before the store: after an add no row has it
-    if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
+    return stored;
 }
 
 bool frmTodo::Store(Task& task, bool& gone) {
@@ -258,11 +266,10 @@ void frmTodo::mnuTodoDeleteAll_Click() {
 }
 
 void frmTodo::ColumnClick(int column) {
-    order_ = SortOrderOfColumn(column + 1);
-    kit::TellFailure(session_, model_->SortBy(order_), tr("The tasks could not be sorted."));
-    const bool standard = order_.subItem == SubItem::SortKey;
-    TodoList->header()->setSortIndicator(standard ? -1 : column,
-                                         order_.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    const SortOrder order = SortOrderOfColumn(column + 1);
+    kit::TellFailure(session_, model_->SortBy(order), tr("The tasks could not be sorted."));
+    TodoList->header()->setSortIndicator(order.subItem == SubItem::SortKey ? -1 : column,
+                                         order.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
 void frmTodo::ShowPopup(const QPoint& at) {

@@ -72,6 +72,8 @@ class frmTodo final : public SectionForm {
     void ShowAllCategories();
 
     void EditRecord(Task task);
+    /// One round of the editor. True when the record was stored; `another` when a new one is to follow.
+    bool EditAndStore(Task& task, bool& another);
     /// Stores; tells of what went wrong. False when the record still waits to be stored.
     bool Store(Task& task, bool& gone);
     std::optional<std::int32_t> Selected() const;
@@ -81,7 +83,6 @@ class frmTodo final : public SectionForm {
 
     store::Session& session_;
     TodoModel* model_;
-    SortOrder order_;
     std::int32_t category_ = store::Category::All;  ///< as last chosen, the entry that opens the editor apart
     QString search_;
     bool editing_ = false;

@@ -33,20 +33,15 @@ std::vector<std::int32_t> KeysOf(const std::vector<TaskRow>& rows) {
 TodoModel::TodoModel(store::Session& session, QObject* parent)
     : RecordListModel(parent), session_(session), locale_(kit::FactsOf(QLocale())) {}
 
-int TodoModel::Rebuild(const TaskFilter& filter, const std::string& search, SortOrder order) {
+int TodoModel::Rebuild(const TaskFilter& filter, const std::string& search) {
     filter_ = filter;
     beginResetModel();
     tasks_.clear();
     auto rows = ShowListitems(session_, filter);
     int error = rows ? 0 : rows.error().number;
-    if (rows) {
-        tasks_ = std::move(*rows);
-        if (!search.empty()) error = KeepMatching(session_, filter, search, categories_, locale_, tasks_);
-        if (error == 0 && order != SortOrder{}) {
-            if (order.subItem == SubItem::Private) error = ReadPrivateFlags(session_, filter_, tasks_);
-            if (error == 0) SortRows(tasks_, order, categories_, locale_);
-        }
-    }
+    if (rows) tasks_ = std::move(*rows);
+    if (error == 0 && !search.empty())
+        error = KeepMatching(session_, filter, search, categories_, locale_, tasks_);
     if (error != 0) tasks_.clear();
     SetKeys(KeysOf(tasks_));
     endResetModel();
@@ -83,7 +78,8 @@ std::int32_t TodoModel::ListedCategory(std::int32_t number) const {
 }
 
 kit::RowTexts TodoModel::ReadTexts(int row) const {
-    RowTexts read = ReadRowTexts(session_, KeyAt(row));
+    // A screen that outlives its database for a moment has nothing to show any more.
+    RowTexts read = session_.ProgramDb ? ReadRowTexts(session_, KeyAt(row)) : RowTexts();
     std::vector<QString> texts(3);
     texts[kTask] = read.readable ? kit::ToQString(read.task) : tr("(cannot be read)");
     texts[kPrivate] = read.isPrivate ? "P" : "";

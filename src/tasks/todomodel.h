@@ -16,9 +16,9 @@ class TodoModel final : public kit::RecordListModel {
   public:
     explicit TodoModel(store::Session& session, QObject* parent = nullptr);
 
-    /// `showListitems`: reads the rows anew, narrowed to those that hold `search`, in the order of `order`. 0
-    /// or an error number, with the list empty.
-    [[nodiscard]] int Rebuild(const TaskFilter& filter, const std::string& search, SortOrder order);
+    /// `showListitems`: reads the rows anew, narrowed to those that hold `search`, in standard order. 0 or an
+    /// error number, with the list empty.
+    [[nodiscard]] int Rebuild(const TaskFilter& filter, const std::string& search);
 
     /// Brings all rows into another order. 0 or an error number, with the order as it was.
     [[nodiscard]] int SortBy(SortOrder order);

@@ -18,6 +18,7 @@
 #include "calendar/calendar.h"
 #include "kit/categorycombo.h"
 #include "kit/dateedit.h"
+#include "kit/formparts.h"
 #include "kit/frmEditCategories.h"
 #include "kit/guards.h"
 #include "kit/icons.h"
@@ -28,38 +29,13 @@ namespace bmr::tasks {
 
 namespace {
 
+using kit::MakeErrorLine;
+using kit::MakeLabel;
 using kit::Space;
+using kit::WithError;
 
 /// Longest text that a field of a record keeps.
 constexpr qsizetype kLongestText = 65000;
-
-QLabel* MakeErrorLine(const char* name) {
-    auto* label = new QLabel;
-    label->setObjectName(name);
-    label->setWordWrap(true);
-    QPalette red = label->palette();
-    red.setColor(QPalette::WindowText, kit::InkOf(kit::Ink::Alarm, red));
-    label->setPalette(red);
-    label->hide();
-    return label;
-}
-
-/// A field with its error line below, as one row of the form.
-QWidget* WithError(QWidget* field, QLabel* error) {
-    auto* both = new QWidget;
-    auto* column = new QVBoxLayout(both);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Space::Tight);
-    column->addWidget(field);
-    column->addWidget(error);
-    return both;
-}
-
-QLabel* MakeLabel(const QString& text, QWidget* buddy) {
-    auto* label = new QLabel(text);
-    label->setBuddy(buddy);
-    return label;
-}
 
 }  // namespace
 

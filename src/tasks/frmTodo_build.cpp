@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "kit/emptystate.h"
+#include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recordlistview.h"
 #include "kit/strip.h"
@@ -30,14 +31,6 @@ QMenu* AddMenu(QMenu& menu, const char* name, const QString& text) {
     sub->setObjectName(name);
     sub->setToolTipsVisible(true);
     return sub;
-}
-
-QPushButton* MakeButton(const char* name, QAction* action) {
-    auto* button = new QPushButton(action->icon(), action->iconText());
-    button->setObjectName(name);
-    button->setToolTip(action->toolTip());
-    QObject::connect(button, &QPushButton::clicked, action, &QAction::trigger);
-    return button;
 }
 
 }  // namespace
@@ -160,9 +153,9 @@ void frmTodo::BuildFilter() {
     recordChanged->setObjectName("recordChanged");
     recordChanged->hide();
 
-    cmdAdd = MakeButton("cmdAdd", mnuTodoNew);
-    cmdEdit = MakeButton("cmdEdit", mnuTodoEdit);
-    cmdDelete = MakeButton("cmdDelete", mnuTodoDeleteSelected);
+    cmdAdd = kit::MakeButton("cmdAdd", mnuTodoNew);
+    cmdEdit = kit::MakeButton("cmdEdit", mnuTodoEdit);
+    cmdDelete = kit::MakeButton("cmdDelete", mnuTodoDeleteSelected);
     txtQuickAdd = new QLineEdit;
     txtQuickAdd->setObjectName("txtQuickAdd");
     txtQuickAdd->setPlaceholderText(tr("Type a task and press Return"));

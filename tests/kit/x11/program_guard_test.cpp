@@ -33,11 +33,11 @@ TEST(ProgramOnScreen, ADatabaseIsOpenedAndLeftWithoutATrace) {
             },
             10000);
     };
-    ASSERT_TRUE(inFront("Enter Passphrase — Brindlemere"));
+    ASSERT_TRUE(inFront("Database: TEST.BMR — Brindlemere"));
     Live(300);
     {
         Recorder recorder;
-        WindowSnooper snooper(typist.Find("Enter Passphrase — Brindlemere"));
+        WindowSnooper snooper(typist.Find("Database: TEST.BMR — Brindlemere"));
         typist.Type(kPassphrase, 60);
         typist.Press(kKeyReturn, true);
         typist.Press(kKeyReturn, false);

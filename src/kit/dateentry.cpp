@@ -40,7 +40,7 @@ std::optional<Day> ReadWithoutYear(const QString& typed, Day today, const QLocal
     static const QRegularExpression form(R"(^(\d{1,2})[./\- ]+(\d{1,2})\.?$)");
     const auto match = form.match(typed);
     if (!match.hasMatch()) return std::nullopt;
-    const QString pattern = locale.dateFormat(QLocale::ShortFormat);
+    const QString pattern = QString::fromStdString(FactsOf(locale).shortDate);
     const bool dayFirst = pattern.indexOf('d') < pattern.indexOf('M');
     const int day = match.captured(dayFirst ? 1 : 2).toInt();
     const int month = match.captured(dayFirst ? 2 : 1).toInt();
@@ -60,7 +60,11 @@ LocaleFacts FactsOf(const QLocale& locale) {
     facts.firstDayOfWeek = locale.firstDayOfWeek() % 7 + 1;
     const QString point = locale.decimalPoint();
     facts.decimalPoint = point == "," ? ',' : '.';
-    facts.shortDate = locale.dateFormat(QLocale::ShortFormat).toStdString();
+    const QString pattern = locale.dateFormat(QLocale::ShortFormat);
+    // Where a short date has the month as a word (plain C has) or the order is unknown, numbers as the
+    // standard has them.
+    if (!pattern.contains("MMM") && pattern.contains('d') && pattern.contains('M') && pattern.contains('y'))
+        facts.shortDate = pattern.toStdString();
     return facts;
 }
 
@@ -81,8 +85,7 @@ std::optional<Day> ReadDate(const QString& typed, Day today, const QLocale& loca
     if (text.size() > 2 && begins("yesterday")) return Day{today.serial - 1};
     if (auto day = ReadOffset(text, today)) return day;
     if (auto day = ReadWithoutYear(text, today, locale)) return day;
-    if (auto day = ParseShortDate(text.toStdString(), locale.dateFormat(QLocale::ShortFormat).toStdString()))
-        return day;
+    if (auto day = ParseShortDate(text.toStdString(), FactsOf(locale).shortDate)) return day;
     return ReadWeekday(text, today, locale);
 }
 

@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "base/shortdate.h"
+#include "kit/dateentry.h"
 #include "kit/emptystate.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
@@ -178,7 +180,9 @@ void frmTodo::BuildList() {
     // Told widths at the least; a column must show its caption and, where it holds dates, a wide one.
     constexpr int kUnitsPerPixel = 15;
     const QFontMetrics metrics = header->fontMetrics();
-    const int date = metrics.horizontalAdvance(QLocale().toString(QDate(2088, 12, 28), QLocale::ShortFormat));
+    const std::string longest =
+        FormatShortDate(Day{69030}, kit::FactsOf(QLocale()).shortDate);  // 28 December 2088
+    const int date = metrics.horizontalAdvance(QString::fromStdString(longest));
     for (int column = 1; column < SubItem::SortKey; ++column) {
         const Column& told = kColumns[static_cast<std::size_t>(column)];
         const bool holdsDates = column == SubItem::DueDate || column == SubItem::ExecDate;

@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QToolButton>
 
+#include "base/shortdate.h"
 #include "kit/dateentry.h"
 #include "support/forms.h"
 
@@ -44,6 +45,21 @@ TEST(DateEntry, UnderstandsWhatPeopleType) {
     }
     for (const char* typed : {"", "soon", "31/2", "13/13", "+", "f", "2027-02-30"})
         EXPECT_FALSE(ReadDate(typed, kToday, british)) << typed;
+}
+
+TEST(DateEntry, FactsOfALocaleAreOnesThatTheRulesUnderstand) {
+    EXPECT_EQ(FactsOf(QLocale::c()).shortDate, "yyyy-MM-dd");
+    const LocaleFacts german = FactsOf(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(german.shortDate, "dd.MM.yy");
+    EXPECT_EQ(german.decimalPoint, ',');
+    EXPECT_EQ(german.firstDayOfWeek, 2);
+    EXPECT_EQ(FactsOf(QLocale(QLocale::English, QLocale::UnitedStates)).firstDayOfWeek, 1);
+    for (const QLocale& locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory)) {
+        const std::string pattern = FactsOf(locale).shortDate;
+        EXPECT_EQ(ParseShortDate(FormatShortDate(kToday, pattern), pattern), kToday)
+            << locale.name().toStdString() << " " << pattern;
+    }
 }
 
 struct DateEditTest : testing::Test {

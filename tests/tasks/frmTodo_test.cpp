@@ -306,6 +306,25 @@ TEST_F(FormTodo, SaveAndNewGoesOnUntilNothingIsTyped) {
     EXPECT_EQ(Shown(), (QStringList{"one", "two"}));
 }
 
+TEST_F(FormTodo, AnEndUnderTheOpenEditorStoresNothing) {
+    Visitor visitor;
+    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
+        test::TypeText(Named(editor, "ctlTask"), "half a thought");
+        EXPECT_TRUE(form->Editing());
+        db.session.ending = true;  // the idle shutdown: database closed, then every loop unwinds
+        db.session.DatabaseOpen = false;
+        db.session.ProgramDb.reset();
+        dynamic_cast<QDialog&>(editor).done(QDialog::Accepted);
+    });
+    Click(*form, "cmdAdd");
+    EXPECT_FALSE(form->Editing());
+    form->repaint();
+    form.reset();
+    db.session.ending = false;
+    db.Reopen();
+    EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=15"), 0);
+}
+
 TEST_F(FormTodo, SelectRecordFindsItsWayThroughEveryFilter) {
     Add("other");
     const auto key = Add("wanted", [](Task& t) { t.completed = true, t.category = 5; });

@@ -122,6 +122,27 @@ void frmEditTodo::BuildDates() {
     connect(ctlDateCompleted, &kit::DateEdit::DateChanged, this, &frmEditTodo::CompletedChanged);
 }
 
+QWidget* frmEditTodo::MakeButtons(bool isNew) {
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+    cmdOK = buttons->button(QDialogButtonBox::Save);
+    cmdOK->setObjectName("cmdOK");
+    cmdOK->setDefault(true);
+    cmdOK->setToolTip(tr("Ctrl+Return"));
+    cmdEsc = buttons->button(QDialogButtonBox::Cancel);
+    cmdEsc->setObjectName("cmdEsc");
+    if (isNew) {
+        auto* more = buttons->addButton(tr("Save and &new"), QDialogButtonBox::ActionRole);
+        more->setObjectName("cmdSaveNew");
+        connect(more, &QPushButton::clicked, this, [this] {
+            another = recordChanged;
+            cmdOK_Click();
+        });
+    }
+    connect(cmdOK, &QPushButton::clicked, this, &frmEditTodo::cmdOK_Click);
+    connect(cmdEsc, &QPushButton::clicked, this, &frmEditTodo::cmdEsc_Click);
+    return buttons;
+}
+
 void frmEditTodo::Lay(bool isNew) {
     auto* priority = new QWidget;
     auto* options = new QHBoxLayout(priority);
@@ -154,24 +175,6 @@ void frmEditTodo::Lay(bool isNew) {
     halves->addLayout(left, 1);
     halves->addLayout(right, 1);
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
-    cmdOK = buttons->button(QDialogButtonBox::Save);
-    cmdOK->setObjectName("cmdOK");
-    cmdOK->setDefault(true);
-    cmdOK->setToolTip(tr("Ctrl+Return"));
-    cmdEsc = buttons->button(QDialogButtonBox::Cancel);
-    cmdEsc->setObjectName("cmdEsc");
-    if (isNew) {
-        auto* more = buttons->addButton(tr("Save and &new"), QDialogButtonBox::ActionRole);
-        more->setObjectName("cmdSaveNew");
-        connect(more, &QPushButton::clicked, this, [this] {
-            another = recordChanged;
-            cmdOK_Click();
-        });
-    }
-    connect(cmdOK, &QPushButton::clicked, this, &frmEditTodo::cmdOK_Click);
-    connect(cmdEsc, &QPushButton::clicked, this, &frmEditTodo::cmdEsc_Click);
-
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Space::Margin, Space::Margin, Space::Margin, Space::Margin);
     column->setSpacing(Space::Tight);
@@ -183,7 +186,7 @@ void frmEditTodo::Lay(bool isNew) {
     column->addWidget(MakeLabel(tr("&Note"), ctlNote));
     column->addWidget(WithError(ctlNote, lblNoteError), 1);
     column->addSpacing(Space::Row);
-    column->addWidget(buttons);
+    column->addWidget(MakeButtons(isNew));
     QWidget* order[] = {ctlTask,    ctlPri[0],  ctlPri[1],        ctlPri[2], cboCategory, cmdEditCat,
                         ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote,   cmdOK,       cmdEsc};
     for (std::size_t i = 1; i < std::size(order); ++i)

@@ -46,6 +46,7 @@ class frmEditTodo final : public QDialog {
     void BuildChoices();
     void BuildDates();
     void Lay(bool isNew);
+    QWidget* MakeButtons(bool isNew);
     void recordToEditor(const EditorValues& values);
     void FillCategories(std::int32_t number);
     void Changed();

@@ -73,7 +73,9 @@ std::size_t InsertCategory(CategoryList& list, CategoryEntry entry) {
         if (present.number == Category::All) return false;
         return IsFixed(present.number) || CompareNoCase(present.text, entry.text) >= 0;
     });
-    return static_cast<std::size_t>(list.insert(place, std::move(entry)) - list.begin());
+    const auto index = place - list.begin();  // before the list moves to a larger home
+    list.insert(place, std::move(entry));
+    return static_cast<std::size_t>(index);
 }
 
 int StoreCategories(Session& session, const CategoryList& list, std::uint8_t section) {

@@ -30,6 +30,12 @@ SecretEdit::SecretEdit(QWidget* parent) : QLineEdit(parent) {
 
 SecretEdit::~SecretEdit() = default;
 
+void SecretEdit::SetContent(Secret content) {
+    content_ = std::move(content);
+    ShowContent(static_cast<int>(content_.size()));
+    emit ContentChanged();
+}
+
 Secret SecretEdit::TakeContent() {
     Secret taken = std::move(content_);
     Empty();

@@ -20,6 +20,7 @@ class SecretEdit final : public QLineEdit {
     ~SecretEdit() override;
 
     std::string_view Content() const { return content_.view(); }
+    void SetContent(Secret content);
     /// Hands the content over and leaves the edit empty.
     Secret TakeContent();
     void Empty();

@@ -18,6 +18,7 @@
 #include "kit/platform.h"
 #include "kit/prompter.h"
 #include "kit/qtdesktop.h"
+#include "kit/sessionevents.h"
 #include "kit/theme.h"
 #include "notes/frmNotepad.h"
 #include "shell/helpers.h"
@@ -80,13 +81,15 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     const auto keyboard = kit::MakeKeyPort();
     kit::ClipboardGuard clipboard(*QApplication::clipboard(), random, clock);
     kit::QtDesktop desktop;
+    kit::SessionEvents events;
     kit::Guards guards(*keyboard, random, clipboard);
     app::frmMDI frame({session,
                        Sections(clipboard, desktop),
                        {environment.documents},
                        &theme,
-                       QString::fromStdString(guards.Describe())});
-    app::Watch watch(application, session, frame, clipboard, clock);
+                       QString::fromStdString(guards.Describe()),
+                       [&events] { return events.Offer(); }});
+    app::Watch watch(application, session, frame, clipboard, events, clock);
 
     prompter.SetWindow(&frame);
     prompter.SetEnding([&session] { return session.ending; });

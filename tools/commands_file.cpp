@@ -22,7 +22,7 @@ void RunPasswd(const Options& options) {
     Sitting sitting(options.passphraseFd);
     sitting.prompter().KeepCurrent();
     sitting.Open(options.file);
-    if (!store::ChangePassphrase(sitting.session())) {
+    if (store::ChangePassphrase(sitting.session()) != store::PassphraseChange::Changed) {
         const std::string& problem = sitting.prompter().Problem();
         throw Failure(problem.empty() ? Msg(124) : problem + " " + Msg(124));
     }

@@ -161,6 +161,7 @@ void frmMDI::ConnectMenus() {
     });
     on(menus_.mnuToolsPassphrase, &frmMDI::mnuToolsPassphrase_Click);
     on(menus_.mnuDbRepair, &frmMDI::mnuDbRepair_Click);
+    on(menus_.mnuToolsPreferences, &frmMDI::mnuToolsPreferences_Click);
     on(menus_.mnuHelpContents, &frmMDI::mnuHelpContents_Click);
     on(menus_.mnuHelpAbout, [this] { ShowAbout(this, parts_.about); });
     on(menus_.mnuEditCut, &frmMDI::ClipboardUsed);
@@ -248,7 +249,7 @@ void frmMDI::EnableCommands() {
     if (sectionMenu_) sectionMenu_->menuAction()->setEnabled(section);
     for (QAction* action :
          {menus_.mnuFileCloseDB, menus_.mnuViewShowPrivate, menus_.mnuViewStart, menus_.mnuViewToolbarText,
-          menus_.mnuViewFold, menus_.mnuToolsPassphrase, menus_.mnuDbRepair})
+          menus_.mnuViewFold, menus_.mnuToolsPassphrase, menus_.mnuDbRepair, menus_.mnuToolsPreferences})
         action->setEnabled(open);
     for (QAction* action : {menus_.mnuFileCloseSection, menus_.mnuEditSearch})
         action->setEnabled(section);

@@ -11,7 +11,9 @@
 
 #include "app/mdimenus.h"
 #include "kit/sectionform.h"
+#include "kit/sessionevents.h"
 #include "kit/theme.h"
+#include "shell/navigator.h"
 #include "shell/startflow.h"
 #include "store/session.h"
 
@@ -43,6 +45,8 @@ class frmMDI final : public QMainWindow {
         shell::Environment environment;
         kit::Theme* theme = nullptr;  ///< none in tests
         QString about = {};           ///< what About adds: how far the keyboard is guarded here
+        std::function<kit::SessionOffer()> offer =
+            {};  ///< what the machine can tell of itself; none: nothing
     };
 
     explicit frmMDI(Parts parts);
@@ -75,6 +79,8 @@ class frmMDI final : public QMainWindow {
   signals:
     void DatabaseOpened();
     void DatabaseClosed();
+    /// The user has stored other preferences.
+    void PreferencesStored();
     /// The program goes down: hooks are to be freed and the clipboard overwritten. The keys are still there.
     void Quitting();
     /// Cut or Copy was chosen in the menu.
@@ -100,6 +106,7 @@ class frmMDI final : public QMainWindow {
     void mnuFileCloseDB_Click();
     void mnuToolsPassphrase_Click();
     void mnuDbRepair_Click();
+    void mnuToolsPreferences_Click();
     void mnuHelpContents_Click();
 
     /// Runs what may ask questions about the database. When the program ends meanwhile, the closing waits
@@ -112,11 +119,14 @@ class frmMDI final : public QMainWindow {
     void ShowWithoutDatabase();
     void CloseAll();
     std::vector<std::uint8_t> AvailableSections() const;
+    shell::SectionSet AvailableSet() const;
 
     void ShowForm(std::uint8_t code);
     void CloseForm();
     void ShowActions(const QList<QAction*>& actions);
     void ShowPrivateState();
+    /// After private records were shown or hidden: the switch, and the lists.
+    void PrivateSwitched();
     void ShowLocks();
     /// Words beside the icons only where all of them have room.
     void FitToolbar();

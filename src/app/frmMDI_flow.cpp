@@ -12,6 +12,7 @@
 
 #include "app/frmMDI.h"
 #include "app/frmMenuDB.h"
+#include "app/frmOptions.h"
 #include "app/frmSplash.h"
 #include "app/helpwindow.h"
 #include "app/sectioncolumn.h"
@@ -96,10 +97,7 @@ void frmMDI::Opened() {
     ShowForm(store::Section::None);
     HideShow(true);
     emit DatabaseOpened();
-    shell::SectionSet available = 0;
-    for (const std::uint8_t code : AvailableSections())
-        available |= shell::SectionBit(code);
-    const std::uint8_t first = shell::StartSectionOf(session_, available);
+    const std::uint8_t first = shell::StartSectionOf(session_, AvailableSet());
     if (first != store::Section::None) optSection_Click(first);
 }
 
@@ -122,11 +120,15 @@ std::vector<std::uint8_t> frmMDI::AvailableSections() const {
     return codes;
 }
 
-void frmMDI::optSection_Click(int Index) {
-    if (session_.ending || !session_.DatabaseOpen) return;
+shell::SectionSet frmMDI::AvailableSet() const {
     shell::SectionSet available = 0;
     for (const std::uint8_t code : AvailableSections())
         available |= shell::SectionBit(code);
+    return available;
+}
+
+void frmMDI::optSection_Click(int Index) {
+    if (session_.ending || !session_.DatabaseOpen) return;
     const shell::SectionScreen screen{
         .HideShow = [this](bool show) { HideShow(show); },
         .CloseSection = [this] { CloseForm(); },
@@ -135,7 +137,7 @@ void frmMDI::optSection_Click(int Index) {
     };
     RunFlow([&] {
         const bool switched =
-            shell::optSection_Click(session_, screen, available, static_cast<std::uint8_t>(Index));
+            shell::optSection_Click(session_, screen, AvailableSet(), static_cast<std::uint8_t>(Index));
         if (session_.ending) return;
         ShowLocks();
         // A prompt took the focus from a button that was greyed meanwhile.
@@ -224,10 +226,13 @@ void frmMDI::ShowPrivateState() {
 void frmMDI::mnuViewShowPrivate_Switch() {
     if (flows_ > 0 || !session_.DatabaseOpen) return;
     RunFlow([this] {
-        if (!shell::mnuViewShowPrivate_Switch(session_) || session_.ending) return;
-        ShowPrivateState();
-        if (form_) form_->Refresh();
+        if (shell::mnuViewShowPrivate_Switch(session_) && !session_.ending) PrivateSwitched();
     });
+}
+
+void frmMDI::PrivateSwitched() {
+    ShowPrivateState();
+    if (form_) form_->Refresh();
 }
 
 void frmMDI::CloseDatabase() {
@@ -267,7 +272,9 @@ void frmMDI::mnuFileOpen_Click() {
 void frmMDI::mnuToolsPassphrase_Click() {
     if (flows_ > 0 || !session_.DatabaseOpen) return;
     RunFlow([this] {
-        if (!store::ChangePassphrase(session_) || session_.ending) return;
+        const auto change = store::ChangePassphrase(session_);
+        if (session_.ending || change != store::PassphraseChange::Changed) return;
+        ShowLocks();  // no section asks for the new PIN yet
         ShowComment(tr("Passphrase changed"));
         QTimer::singleShot(6000, comment_, [this] { ShowComment({}); });
     });
@@ -286,6 +293,20 @@ void frmMDI::mnuDbRepair_Click() {
             Opened();
         else
             ShowWithoutDatabase();
+    });
+}
+
+void frmMDI::mnuToolsPreferences_Click() {
+    if (flows_ > 0 || !session_.DatabaseOpen) return;
+    RunFlow([this] {
+        frmOptions form(session_, {AvailableSet(), parts_.offer ? parts_.offer() : kit::SessionOffer()},
+                        this);
+        connect(&form, &frmOptions::PrivateSwitched, this, &frmMDI::PrivateSwitched);
+        const bool stored = form.exec() == QDialog::Accepted;
+        if (session_.ending) return;
+        if (form.fatal) return QuitProgram();
+        ShowLocks();  // a change of the passphrase, too, has changed what asks for the PIN
+        if (stored) emit PreferencesStored();
     });
 }
 

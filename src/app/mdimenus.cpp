@@ -88,9 +88,6 @@ void BuildEdit(MdiMenus& m, QMenuBar& bar) {
         edit.Add("mnuEditSearch", QObject::tr("&Search This Section"), "edit-find", QKeySequence::Find);
     m.mnuEditFind = edit.AddMissing("mnuEditFind", QObject::tr("&Find in All Sections…"), {},
                                     QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F));
-    edit.Line();
-    m.mnuEditPreferences = edit.AddMissing("mnuEditPreferences", QObject::tr("Pre&ferences…"), "configure",
-                                           QKeySequence(Qt::CTRL | Qt::Key_Comma));
 }
 
 void BuildView(MdiMenus& m, QMenuBar& bar) {
@@ -134,6 +131,9 @@ void BuildTools(MdiMenus& m, QMenuBar& bar) {
         tools.Add("mnuToolsPassphrase", QObject::tr("Change &Passphrase…"), "dialog-password");
     tools.Line();
     m.mnuDbRepair = tools.Add("mnuDbRepair", QObject::tr("&Repair and Compact"), "tools-repair");
+    tools.Line();
+    m.mnuToolsPreferences = tools.Add("mnuToolsPreferences", QObject::tr("Pre&ferences…"), "configure",
+                                      QKeySequence(Qt::CTRL | Qt::Key_Comma));
     Builder help(m.mnuHelp = bar.addMenu(QObject::tr("&Help")), "mnuHelp");
     m.mnuHelpContents =
         help.Add("mnuHelpContents", QObject::tr("&User Guide"), "help-contents", QKeySequence("F1"));
@@ -152,7 +152,7 @@ MdiMenus BuildMenus(QMenuBar& bar) {
     // The desktops that move entries by their role would else guess it from the words.
     m.mnuFileQuit->setMenuRole(QAction::QuitRole);
     m.mnuHelpAbout->setMenuRole(QAction::AboutRole);
-    m.mnuEditPreferences->setMenuRole(QAction::PreferencesRole);
+    m.mnuToolsPreferences->setMenuRole(QAction::PreferencesRole);
     for (QAction* action : {m.mnuViewShowPrivate, m.mnuViewFold, m.mnuViewToolbarText, m.mnuToolsPassphrase})
         action->setMenuRole(QAction::NoRole);
     return m;

@@ -29,7 +29,6 @@ struct MdiMenus {
     QAction* mnuEditSelectAll;
     QAction* mnuEditSearch;
     QAction* mnuEditFind;
-    QAction* mnuEditPreferences;
 
     QAction* mnuViewShowPrivate;
     QAction* mnuViewToolbarText;
@@ -40,6 +39,7 @@ struct MdiMenus {
     QActionGroup* mnuViewTheme;              ///< data: a kit::ThemeChoice
 
     QAction* mnuToolsPassphrase;
+    QAction* mnuToolsPreferences;
     QAction* mnuDbRepair;
 
     QAction* mnuHelpContents;

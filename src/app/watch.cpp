@@ -2,13 +2,15 @@
 
 #include <cstdlib>
 
+#include "shell/preferences.h"
+
 namespace bmr::app {
 
 using kit::ClipboardGuard;
 using kit::IdleGuard;
 
 Watch::Watch(kit::GuardedApplication& application, store::Session& session, frmMDI& frame,
-             ClipboardGuard& clipboard, const Clock& clock)
+             ClipboardGuard& clipboard, kit::SessionEvents& events, const Clock& clock)
     : application_(application), timeOut_(clock), idle_(timeOut_, clock, Steps(session, frame, clipboard)) {
     application.SetOnActivity([this] { timeOut_.Activity(); });
     timeOut_.StartActivityHooks();
@@ -24,6 +26,7 @@ Watch::Watch(kit::GuardedApplication& application, store::Session& session, frmM
         std::_Exit(0);
     };
     Connect(session, frame, clipboard);
+    ConnectSwitches(session, frame, clipboard, events);
 }
 
 Watch::~Watch() {
@@ -38,6 +41,7 @@ void Watch::Connect(store::Session& session, frmMDI& frame, ClipboardGuard& clip
         if (timeOut_.IdleLimit == 0) frame.ShowIdleCountdown({});
     };
     QObject::connect(&frame, &frmMDI::DatabaseOpened, &idle_, limit);
+    QObject::connect(&frame, &frmMDI::PreferencesStored, &idle_, limit);
     QObject::connect(&frame, &frmMDI::DatabaseClosed, &clipboard, &ClipboardGuard::ClearClipboard);
     QObject::connect(&frame, &frmMDI::Quitting, &clipboard, &ClipboardGuard::ClearClipboard);
     QObject::connect(&frame, &frmMDI::ClipboardUsed, &clipboard, &ClipboardGuard::RestartClipboardTimer);
@@ -45,6 +49,19 @@ void Watch::Connect(store::Session& session, frmMDI& frame, ClipboardGuard& clip
     QObject::connect(&signals_, &SignalWatch::Asked, &idle_, &IdleGuard::End);
     QObject::connect(&idle_, &IdleGuard::Panel, &frame, &frmMDI::ShowIdleCountdown);
     QObject::connect(&clipboard, &ClipboardGuard::Countdown, &frame, &frmMDI::ShowClipboardCountdown);
+}
+
+void Watch::ConnectSwitches(store::Session& session, frmMDI& frame, ClipboardGuard& clipboard,
+                            kit::SessionEvents& events) {
+    const auto apply = [&session, &clipboard, &events] {
+        const shell::MachineSwitches switches = shell::ReadSwitches(session.ports.registry);
+        clipboard.alsoForeign = switches.alsoForeign;
+        events.Want(switches.endOnSuspend, switches.endOnLock);
+    };
+    QObject::connect(&frame, &frmMDI::PreferencesStored, &idle_, apply);
+    QObject::connect(&events, &kit::SessionEvents::Suspending, &idle_, &IdleGuard::End);
+    QObject::connect(&events, &kit::SessionEvents::Locked, &idle_, &IdleGuard::End);
+    apply();
 }
 
 IdleGuard::Steps Watch::Steps(store::Session& session, frmMDI& frame, ClipboardGuard& clipboard) {

@@ -6,18 +6,19 @@
 #include "kit/clipboardguard.h"
 #include "kit/guardedapplication.h"
 #include "kit/idleguard.h"
+#include "kit/sessionevents.h"
 #include "shell/timeout.h"
 #include "store/session.h"
 
 namespace bmr::app {
 
-/// The guards over a sitting, tied to the window that shows them: the idle end, the clipboard, and the
-/// signals by which the system asks the program to go.
+/// The guards over a sitting, tied to the window that shows them: the idle end, the end on sleep and lock,
+/// the clipboard, and the signals by which the system asks the program to go.
 class Watch final {
   public:
     /// All must outlive this.
     Watch(kit::GuardedApplication& application, store::Session& session, frmMDI& frame,
-          kit::ClipboardGuard& clipboard, const Clock& clock);
+          kit::ClipboardGuard& clipboard, kit::SessionEvents& events, const Clock& clock);
     ~Watch();
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
@@ -28,6 +29,8 @@ class Watch final {
     static kit::IdleGuard::Steps Steps(store::Session& session, frmMDI& frame,
                                        kit::ClipboardGuard& clipboard);
     void Connect(store::Session& session, frmMDI& frame, kit::ClipboardGuard& clipboard);
+    void ConnectSwitches(store::Session& session, frmMDI& frame, kit::ClipboardGuard& clipboard,
+                         kit::SessionEvents& events);
 
     kit::GuardedApplication& application_;
     shell::TimeOut timeOut_;

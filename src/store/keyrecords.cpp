@@ -212,14 +212,15 @@ int LoadKeys(Session& session) {
     return RecoverKeystring(session, **rows);
 }
 
-bool ChangePassphrase(Session& session) {
+PassphraseChange ChangePassphrase(Session& session) {
     const HashWiper wiper(session);
-    if (CheckUser(session, Msg(159), true) != UserCheck::Right) return false;
+    if (CheckUser(session, Msg(159), true) != UserCheck::Right) return PassphraseChange::Unverified;
     session.PwAttempts = 0;
     int error = FindCurrentUser(session);
     if (error == 0 && session.MasterKey.empty()) error = EngineNumber::Failed;
     if (error == 0) error = RequestPassphrase(session, true);
-    if (error == 0 && !session.ProgramDb) return false;  // closed by the idle end while the prompt stood
+    if (error == 0 && !session.ProgramDb)
+        return PassphraseChange::Unchanged;  // closed by the idle end while the prompt stood
     if (error == 0) {
         // SetDefaultPin takes the default PIN into the session before the file has it for sure.
         PinRecord old{session.pin.PinKind, session.pin.Pin.Copy(), session.pin.PinApp,
@@ -229,7 +230,7 @@ bool ChangePassphrase(Session& session) {
         if (error > 0) TellFailure(session, error);
     }
     if (error != 0 && error != kQuitProgram) session.ports.prompter.Ask(MessageBox(124));
-    return error == 0;
+    return error == 0 ? PassphraseChange::Changed : PassphraseChange::Unchanged;
 }
 
 }  // namespace bmr::store

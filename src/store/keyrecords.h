@@ -51,9 +51,13 @@ void StandBy(Session& session);
 /// every path. 0, -85, an engine number, or `kQuitProgram` after its message.
 [[nodiscard]] int LoadKeys(Session& session);
 
-/// Verifies the current passphrase, asks for a new one and rewrites the user's row and PIN. True when it
-/// changed; otherwise Msg(124) was shown (after a failed verification only Msg(85), after a cancelled one
-/// nothing). REQUIRES: an open database.
-bool ChangePassphrase(Session& session);
+enum class PassphraseChange {
+    Changed,
+    Unverified,  ///< the current passphrase was wrong (Msg(85) was shown) or not given
+    Unchanged,   ///< Msg(124) was shown
+};
+/// Verifies the current passphrase, asks for a new one and rewrites the user's row and PIN. REQUIRES: an open
+/// database.
+PassphraseChange ChangePassphrase(Session& session);
 
 }  // namespace bmr::store

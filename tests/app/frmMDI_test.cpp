@@ -100,7 +100,8 @@ TEST_F(MainWindow, StandsEmptyUntilADatabaseIsOpen) {
     EXPECT_EQ(Text("status"), "   No database open");
     for (const char* name : {"mnuFileNew", "mnuFileOpen", "mnuFileQuit", "mnuHelpAbout"})
         EXPECT_TRUE(Action(name).isEnabled()) << name;
-    const auto needDatabase = {"mnuFileCloseDB", "mnuViewShowPrivate", "mnuToolsPassphrase", "mnuDbRepair"};
+    const auto needDatabase = {"mnuFileCloseDB", "mnuViewShowPrivate", "mnuToolsPassphrase", "mnuDbRepair",
+                               "mnuToolsPreferences"};
     for (const char* name : needDatabase)
         EXPECT_FALSE(Action(name).isEnabled()) << name;
     const auto menuEnabled = [this](const char* name) {
@@ -215,6 +216,29 @@ TEST_F(MainWindow, PrivateRecordsNeedThePassphraseToShowAgain) {
     Action("mnuViewShowPrivate").trigger();
     EXPECT_TRUE(sitting.session.ShowPrivate);
     EXPECT_EQ(Lines(), Strings{"refresh 15"});
+}
+
+TEST_F(MainWindow, PreferencesShowInTheWindow) {
+    Start();
+    frame->optSection_Click(Section::Todo);
+    Lines();
+    int stored = 0;
+    QObject::connect(frame.get(), &frmMDI::PreferencesStored, [&] { ++stored; });
+    {
+        test::Visitor visitor;
+        visitor.Meet("frmOptions", [&](QWidget& form) {
+            test::Named<QAbstractButton>(form, "chkShowPrivate").click();
+            EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Show Private Records") << "at once";
+            EXPECT_EQ(Lines(), Strings{"refresh 15"});
+            test::Named<QAbstractButton>(form, "PinApp0").click();
+            EXPECT_FALSE(Button(Section::Address).Locked());
+            test::Named<QAbstractButton>(form, "cmdOK").click();
+        });
+        QTest::keyClick(frame.get(), Qt::Key_Comma, Qt::ControlModifier);
+    }
+    EXPECT_EQ(stored, 1);
+    EXPECT_TRUE(Button(Section::Address).Locked());
+    EXPECT_EQ(Lines(), Strings{});
 }
 
 TEST_F(MainWindow, SearchesWhenTheTypingRests) {

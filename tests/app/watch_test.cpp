@@ -13,7 +13,7 @@ struct WatchTest : testing::Test {
     WatchTest()
         : frame({sitting.session, {}, {sitting.folder.Path() / "documents"}}),
           clipboard(*QApplication::clipboard(), sitting.random, sitting.clock),
-          watch(dynamic_cast<kit::GuardedApplication&>(*qApp), sitting.session, frame, clipboard,
+          watch(dynamic_cast<kit::GuardedApplication&>(*qApp), sitting.session, frame, clipboard, events,
                 sitting.clock) {}
     ~WatchTest() override { sitting.session.ending = true; }
 
@@ -32,6 +32,7 @@ struct WatchTest : testing::Test {
     test::Sitting sitting;
     frmMDI frame;
     kit::ClipboardGuard clipboard;
+    kit::SessionEvents events;
     Watch watch;
 };
 
@@ -90,6 +91,36 @@ TEST_F(WatchTest, LimitZeroNeverEnds) {
         EXPECT_EQ(Text("autoshutoff"), "");
         frame.CloseDatabase();
     }
+}
+
+TEST_F(WatchTest, StoredPreferencesRuleAtOnce) {
+    Start(0);
+    EXPECT_TRUE(clipboard.alsoForeign);
+    sitting.session.settings.Idle = 2;
+    sitting.registry.values["Guards/ClearForeign"] = "0";
+    emit frame.PreferencesStored();
+    EXPECT_FALSE(clipboard.alsoForeign);
+    watch.Idle().timerTimeout_Tick();
+    EXPECT_EQ(Text("autoshutoff"), "02:00");
+}
+
+TEST_F(WatchTest, SleepEndsTheProgram) {
+    Start(0);
+    QTimer::singleShot(0, &frame, [this] { emit events.Suspending(); });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_FALSE(sitting.session.DatabaseOpen);
+    EXPECT_TRUE(sitting.session.cipher.Keystring.empty());
+}
+
+TEST_F(WatchTest, TheLockEndsTheProgramThroughAnOpenDialog) {
+    Start(0);
+    QTimer::singleShot(0, &frame, [this] {
+        QDialog editor(&frame);
+        QTimer::singleShot(0, &editor, [this] { emit events.Locked(); });
+        EXPECT_NE(editor.exec(), QDialog::Accepted);
+    });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_FALSE(sitting.session.DatabaseOpen);
 }
 
 TEST_F(WatchTest, TheStatusBarCountsForTheClipboardAndClosingEmptiesIt) {

@@ -176,7 +176,7 @@ TEST(Drafts, SurviveANewPassphraseAndTheCompacting) {
     sitting.Make();
     ASSERT_EQ(Store(sitting.session, MakeDraft("still here")), 0);
     sitting.prompter.Type(kPassphrase).Type("another Horse 10");
-    ASSERT_TRUE(ChangePassphrase(sitting.session));
+    ASSERT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Changed);
     sitting.prompter.Expect(166).Type("another Horse 10");
     ASSERT_EQ(RepairAndCompact(sitting.session), 0);
     EXPECT_EQ(Bodies(sitting.session), Strings{"still here"});

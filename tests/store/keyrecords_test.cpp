@@ -122,7 +122,7 @@ TEST(ChangePassphrase, RewritesTheUsersRowAndNothingElse) {
     ASSERT_EQ(WritePin(sitting.session, 1, "4711", 3, true), 0);
     const auto before = test::RowsOf(*sitting.session.ProgramDb);
     sitting.prompter.Type(kPassphrase).Type("another Horse 10");
-    EXPECT_TRUE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Changed);
     EXPECT_TRUE(sitting.prompter.requests.back().confirm);
     EXPECT_TRUE(sitting.prompter.requests.back().checkQuality);
     EXPECT_TRUE(HoldsNoSecret(sitting.session));
@@ -151,11 +151,11 @@ TEST(ChangePassphrase, LeavesEverythingWhenRefusedOrCancelled) {
     sitting.Make();
     const auto before = test::RowsOf(*sitting.session.ProgramDb);
     sitting.prompter.Type("not the one").Expect(85);
-    EXPECT_FALSE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Unverified);
     sitting.prompter.Type(std::nullopt);
-    EXPECT_FALSE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Unverified);
     sitting.prompter.Type(kPassphrase).Type(std::nullopt).Expect(124);
-    EXPECT_FALSE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Unchanged);
     // Too short until the attempts are used up: the database stays open.
     sitting.prompter.Type(kPassphrase)
         .Type("a")
@@ -163,7 +163,7 @@ TEST(ChangePassphrase, LeavesEverythingWhenRefusedOrCancelled) {
         .Type("b")
         .Expect(40, Answer::Retry);
     sitting.prompter.Type("c").Expect(40).Expect(124);
-    EXPECT_FALSE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Unchanged);
     EXPECT_EQ(test::RowsOf(*sitting.session.ProgramDb), before);
     EXPECT_TRUE(HoldsNoSecret(sitting.session));
     EXPECT_TRUE(sitting.session.DatabaseOpen);

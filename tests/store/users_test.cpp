@@ -44,11 +44,11 @@ TEST(Users, EachPassphraseOpensItsOwnRowAndTheSameKeystring) {
 
     // A change of passphrase to the other user's keeps to the own row.
     sitting.prompter.Type("second Person 2").Type(kPassphrase);
-    EXPECT_TRUE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Changed);
     EXPECT_EQ(sitting.session.user.fPK, second);
     const auto before = test::RowsOf(*sitting.session.ProgramDb, " WHERE fSec=2 And fSub=0");
     sitting.prompter.Type(kPassphrase).Type("second Person 3");
-    EXPECT_TRUE(ChangePassphrase(sitting.session));
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Changed);
     EXPECT_EQ(test::RowsOf(*sitting.session.ProgramDb, " WHERE fSec=2 And fSub=0"), before);
     sitting.Close();
 

@@ -148,8 +148,8 @@ Record frmEditConfidential::Value() const {
     const auto bytes = [](const QString& text) { return kit::FromQString(text); };
     for (std::size_t i = 0; i < kind.FieldCount(); ++i)
         record.n[i] = bytes(txtCtl[i]->text());
-    if (!singleLineField1) record.n[1] = bytes(tmpTxt->toPlainText().replace("\n", "\r\n"));
-    record.notes = bytes(txtNotes->toPlainText().replace("\n", "\r\n"));
+    if (!singleLineField1) record.n[1] = bytes(kit::PlainText(*tmpTxt).replace("\n", "\r\n"));
+    record.notes = bytes(kit::PlainText(*txtNotes).replace("\n", "\r\n"));
     record.isPrivate = ctlPrivate->isChecked();
     return record;
 }
@@ -162,13 +162,13 @@ void frmEditConfidential::Changed() {
 }
 
 bool frmEditConfidential::Storable() {
-    QStringList texts{tmpTxt->toPlainText(), txtNotes->toPlainText()};
+    QStringList texts{kit::PlainText(*tmpTxt), kit::PlainText(*txtNotes)};
     for (const QLineEdit* edit : txtCtl)
         texts << edit->text();
     QString why;
     for (const QString& text : texts)
         if (why.isEmpty()) why = kit::RefusalOf(text);
-    const auto length = static_cast<std::size_t>(txtNotes->toPlainText().replace("\n", "\r\n").size());
+    const auto length = static_cast<std::size_t>(kit::PlainText(*txtNotes).replace("\n", "\r\n").size());
     if (why.isEmpty() && length > store::kLongestText)
         why = tr("The notes have %1 characters; %2 can be stored.")
                   .arg(QLocale().toString(static_cast<qulonglong>(length)),

@@ -60,6 +60,13 @@ QPushButton* MakeButton(const char* name, QAction* action) {
     return button;
 }
 
+QString PlainText(const QPlainTextEdit& edit) {
+    QString text = edit.document()->toRawText();
+    for (const QChar separator : {QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)})
+        text.replace(separator, QChar('\n'));
+    return text;
+}
+
 void MarkUnmappable(QPlainTextEdit& edit) {
     QList<QTextEdit::ExtraSelection> marks;
     QTextCharFormat format;
@@ -67,7 +74,7 @@ void MarkUnmappable(QPlainTextEdit& edit) {
     format.setUnderlineColor(InkOf(Ink::Alarm, edit.palette()));
     int unit = 0;  // place in UTF-16 units, as the cursor counts
     std::size_t character = 0;
-    const QString text = edit.toPlainText();
+    const QString text = PlainText(edit);
     for (const Unmappable& found : FindUnmappable(text.toStdString())) {
         for (; character < found.position; ++character)
             unit += text[unit].isHighSurrogate() ? 2 : 1;

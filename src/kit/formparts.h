@@ -24,6 +24,10 @@ QLabel* MakeHeading(const char* name);
 /// A button that does what the action does, with its short text, icon and tip.
 QPushButton* MakeButton(const char* name, QAction* action);
 
+/// The text of a field to the letter, lines ended by "\n". The field's own `toPlainText` would turn every
+/// no-break space into a blank.
+QString PlainText(const QPlainTextEdit& edit);
+
 /// The characters of a text that the record format cannot hold are underlined where they stand.
 void MarkUnmappable(QPlainTextEdit& edit);
 

@@ -134,7 +134,7 @@ void frmEditNotepad::FillCategories(std::int32_t number) {
 }
 
 Bytes frmEditNotepad::Body() const {
-    QString text = ctlNote->toPlainText();
+    QString text = kit::PlainText(*ctlNote);
     if (crlf_) text.replace("\n", "\r\n");
     return kit::FromQString(text);
 }
@@ -164,7 +164,7 @@ bool frmEditNotepad::Storable() {
         return why.isEmpty();
     };
     const bool subject = tell(lblSubjectError, kit::RefusalOf(ctlSubject->text()));
-    const bool body = tell(lblNoteError, kit::RefusalOf(ctlNote->toPlainText()));
+    const bool body = tell(lblNoteError, kit::RefusalOf(kit::PlainText(*ctlNote)));
     return subject && body;
 }
 

@@ -218,7 +218,7 @@ void frmEditTodo::recordToEditor(const EditorValues& values) {
 EditorValues frmEditTodo::Values() const {
     EditorValues values;
     values.task = kit::FromQString(ctlTask->text());
-    QString note = ctlNote->toPlainText();
+    QString note = kit::PlainText(*ctlNote);
     if (crlf_) note.replace("\n", "\r\n");
     values.note = kit::FromQString(note);
     for (std::size_t i = ctlPri.size(); i-- > 0;)
@@ -279,7 +279,7 @@ bool frmEditTodo::Storable() {
         return why.isEmpty();
     };
     const bool task = judge(*lblTaskError, ctlTask->text());
-    const bool note = judge(*lblNoteError, ctlNote->toPlainText());
+    const bool note = judge(*lblNoteError, kit::PlainText(*ctlNote));
     refused_ = !task || !note;
     if (!refused_) return true;
     if (!task && !ctlNote->hasFocus())

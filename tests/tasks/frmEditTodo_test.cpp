@@ -58,6 +58,9 @@ TEST_F(FormEditTodo, GivesBackWhatItWasGivenAndSaysNothingChanged) {
     lone.note = "one\ntwo";
     Show(lone);
     EXPECT_EQ(form->Values().note, "one\ntwo") << "line ends stay as they were";
+    lone.note = "10\xA0km\r\n\r\n1\xA0h ";
+    Show(lone);
+    EXPECT_EQ(form->Values().note, lone.note) << "no-break spaces are no blanks";
 }
 
 TEST_F(FormEditTodo, EscapeStoresOnNoAndDiscardsOnYes) {

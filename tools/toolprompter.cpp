@@ -16,6 +16,7 @@ Answer ToolPrompter::Ask(const Box& box) {
         case Buttons::YesNo:
             return Answer::No;
         case Buttons::OkCancel:
+        case Buttons::YesNoCancel:
         case Buttons::RetryCancel:
             break;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -8,7 +9,7 @@ namespace bmr {
 
 class Secret;
 
-enum class Buttons { Ok, OkCancel, YesNo, RetryCancel };
+enum class Buttons { Ok, OkCancel, YesNo, RetryCancel, YesNoCancel };
 enum class Answer { Ok, Cancel, Yes, No, Retry };
 enum class BoxIcon { None, Information, Question, Warning, Critical };
 
@@ -21,7 +22,9 @@ struct Box {
     /// The button that Return presses.
     Answer standard = Answer::Ok;
     /// Empty: the program's title.
-    std::string title;
+    std::string title = {};
+    /// What the buttons say, in the order in which `Buttons` names them; empty: the usual words.
+    std::array<std::string, 3> words = {};
 };
 
 /// Msg(number) in a box with one button.

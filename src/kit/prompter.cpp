@@ -73,19 +73,21 @@ QMessageBox::StandardButton ButtonOf(Answer answer) {
     return QMessageBox::NoButton;
 }
 
-/// The positive and the negative answer of a set of buttons; the same where there is but one.
-std::pair<Answer, Answer> AnswersOf(Buttons buttons) {
+/// The answers of a set of buttons; the last one also stands for a box that was closed.
+std::vector<Answer> AnswersOf(Buttons buttons) {
     switch (buttons) {
         case Buttons::Ok:
-            return {Answer::Ok, Answer::Ok};
+            return {Answer::Ok};
         case Buttons::OkCancel:
             return {Answer::Ok, Answer::Cancel};
         case Buttons::YesNo:
             return {Answer::Yes, Answer::No};
         case Buttons::RetryCancel:
             return {Answer::Retry, Answer::Cancel};
+        case Buttons::YesNoCancel:
+            return {Answer::Yes, Answer::No, Answer::Cancel};
     }
-    return {Answer::Ok, Answer::Ok};
+    return {Answer::Ok};
 }
 
 QMessageBox::Icon IconOf(BoxIcon icon) {
@@ -104,13 +106,17 @@ QMessageBox::Icon IconOf(BoxIcon icon) {
     return QMessageBox::NoIcon;
 }
 
-void NameButtons(QMessageBox& form, const Box& box, Answer yes, Answer no) {
+void NameButtons(QMessageBox& form, const Box& box, const std::vector<Answer>& answers) {
+    const Answer yes = answers.front();
     if (yes == Answer::Retry) form.button(QMessageBox::Retry)->setText(QMessageBox::tr("Try again"));
     for (const Verbs& verbs : kVerbs) {
-        if (verbs.number != box.number || yes == no) continue;
+        if (verbs.number != box.number || answers.size() < 2) continue;
         form.button(ButtonOf(yes))->setText(QMessageBox::tr(verbs.yes));
-        if (verbs.no) form.button(ButtonOf(no))->setText(QMessageBox::tr(verbs.no));
+        if (verbs.no) form.button(ButtonOf(answers.back()))->setText(QMessageBox::tr(verbs.no));
     }
+    for (std::size_t i = 0; i < answers.size(); ++i)
+        if (!box.words[i].empty())
+            form.button(ButtonOf(answers[i]))->setText(QString::fromStdString(box.words[i]));
 }
 
 /// "Name (*.x)|*.x|All (*.*)|*.*" as the file dialog wants it; `suffix` gets "x".
@@ -184,8 +190,8 @@ QWidget* QtPrompter::Over() const {
 }
 
 Answer QtPrompter::Ask(const Box& box) {
-    const auto [yes, no] = AnswersOf(box.buttons);
-    if (Ending()) return no;
+    const std::vector<Answer> answers = AnswersOf(box.buttons);
+    if (Ending()) return answers.back();
     QMessageBox form(Over());
     form.setObjectName("boxMsg");
     form.setWindowTitle(box.title.empty() ? QApplication::applicationDisplayName()
@@ -194,13 +200,16 @@ Answer QtPrompter::Ask(const Box& box) {
     form.setText(QString::fromStdString(box.text).replace("\r\n", "\n"));
     form.setIcon(IconOf(box.icon));
     form.setProperty("number", box.number);
-    form.setStandardButtons(ButtonOf(yes) | ButtonOf(no));
-    NameButtons(form, box, yes, no);
+    for (const Answer answer : answers)
+        form.addButton(ButtonOf(answer));
+    NameButtons(form, box, answers);
     form.setDefaultButton(ButtonOf(box.standard));
-    form.setEscapeButton(ButtonOf(no));
+    form.setEscapeButton(ButtonOf(answers.back()));
     const int pressed = form.exec();
     // A box that the end of the program closed gives no button at all.
-    return !Ending() && pressed == ButtonOf(yes) ? yes : no;
+    for (const Answer answer : answers)
+        if (!Ending() && pressed == ButtonOf(answer)) return answer;
+    return answers.back();
 }
 
 std::optional<std::string> QtPrompter::InputBox(const std::string& title, const std::string& prompt,

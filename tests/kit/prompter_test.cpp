@@ -31,6 +31,18 @@ TEST(QtPrompter, GivesTheButtonThatWasPressed) {
                   answer);
     for (const Answer answer : {Answer::Retry, Answer::Cancel})
         EXPECT_EQ(prompter.Ask({85, "", Buttons::RetryCancel, BoxIcon::Warning, Answer::Retry, ""}), answer);
+    const Box three{
+        .buttons = Buttons::YesNoCancel, .standard = Answer::Yes, .words = {"Go on", "", "Later"}};
+    for (const auto button : {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel})
+        visitor.Box(0, button);
+    for (const Answer answer : {Answer::Yes, Answer::No, Answer::Cancel})
+        EXPECT_EQ(prompter.Ask(three), answer);
+    visitor.Meet("boxMsg", [](QWidget& box) {
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->text(), "Go on");
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Cancel)->text(), "Later");
+        QTest::keyClick(&box, Qt::Key_Escape);
+    });
+    EXPECT_EQ(prompter.Ask(three), Answer::Cancel);
 }
 
 TEST(QtPrompter, BoxSaysWhatItsButtonsDoAndReturnAndEscapeAreSafe) {

@@ -53,7 +53,11 @@ void frmMDI::RunFlow(const std::function<void()>& flow) {
     ++flows_;
     flow();
     --flows_;
-    if (flows_ == 0 && session_.ending) CloseAll();
+    if (flows_ > 0) return;
+    if (session_.ending)
+        CloseAll();
+    else if (std::exchange(opened_, false))
+        OfferDrafts();  // not in the flow: an editor of long standing must not hold up the end
 }
 
 void frmMDI::Start(const std::optional<std::filesystem::path>& file) {
@@ -97,6 +101,7 @@ void frmMDI::Opened() {
     ShowForm(store::Section::None);
     HideShow(true);
     emit DatabaseOpened();
+    opened_ = true;
     const std::uint8_t first = shell::StartSectionOf(session_, AvailableSet());
     if (first != store::Section::None) optSection_Click(first);
 }
@@ -164,6 +169,7 @@ void frmMDI::ShowForm(std::uint8_t code) {
     status_->clear();
     form_ = factory->second(session_, stack_);
     connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
+    connect(form_, &SectionForm::DraftSettled, this, &frmMDI::ForgetDraft);
     stack_->addWidget(form_);
     stack_->setCurrentWidget(form_);
     sectionMenu_ = form_->SectionMenu();
@@ -323,6 +329,7 @@ void frmMDI::mnuHelpContents_Click() {
 }
 
 void frmMDI::QuitProgram() {
+    CollectDrafts();
     session_.ending = true;
     if (!std::exchange(quitting_, true)) emit Quitting();
     if (flows_ == 0) CloseAll();
@@ -331,8 +338,9 @@ void frmMDI::QuitProgram() {
 
 void frmMDI::CloseAll() {
     if (!session_.DatabaseOpen) return;
+    // Nobody can be asked any more: what a failed write loses, a draft or the settings, is lost.
+    std::ignore = store::StoreDrafts(session_, std::exchange(drafts_, {}));
     CloseForm();
-    // Nobody can be asked any more; the settings are all that a failed write could lose.
     std::ignore = store::CloseDatabase(session_);
     emit DatabaseClosed();
 }

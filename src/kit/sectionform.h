@@ -6,6 +6,9 @@
 #include <QString>
 #include <QWidget>
 #include <cstdint>
+#include <vector>
+
+#include "store/drafts.h"
 
 namespace bmr {
 
@@ -37,7 +40,17 @@ class SectionForm : public QWidget {
     /// True while a record of the section is open in an editor.
     virtual bool Editing() const { return false; }
 
+    /// What the open editor holds that is not stored, and behind it what else was begun. Asked for when the
+    /// program ends and nobody can be: shows nothing and changes nothing.
+    virtual std::vector<store::Draft> Drafts() const { return {}; }
+
+    /// Opens the editor filled with a draft of this section, whose record stands if it has a key. Returns
+    /// when the editor has closed.
+    virtual void OpenDraft(const store::Draft&) {}
+
   signals:
+    /// The record of the opened draft was stored, or the user has discarded it: the draft is done with.
+    void DraftSettled();
     /// The words at the left of the status bar: count and selection.
     void StatusChanged(const QString& text);
 };

@@ -75,6 +75,7 @@ class ScriptedPrompter final : public Prompter {
         }
         const auto text = std::move(secrets.front());
         secrets.pop_front();
+        if (onSecret) onSecret();
         if (!text) return false;
         typed = Secret(*text);
         return true;
@@ -100,6 +101,7 @@ class ScriptedPrompter final : public Prompter {
     std::vector<PassphraseRequest> requests;
     std::vector<std::string> comments;
     int pauses = 0;
+    std::function<void()> onSecret;  ///< what happens while a passphrase prompt stands
 
   private:
     std::optional<std::filesystem::path> AskFile(const FileRequest& request) {

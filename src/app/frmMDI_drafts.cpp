@@ -1,0 +1,57 @@
+// The main window's part in what was left half-written: kept when the program ends, offered after the login.
+#include <QLocale>
+#include <utility>
+
+#include "app/frmMDI.h"
+#include "app/sectioncolumn.h"
+#include "kit/dateentry.h"
+#include "kit/failure.h"
+#include "shell/draftoffer.h"
+
+namespace bmr::app {
+
+void frmMDI::CollectDrafts() {
+    // Who quits with no editor open has chosen to; at every other end nobody is asked.
+    if (quitting_ || !session_.DatabaseOpen || !form_ || !(session_.ending || form_->Editing())) return;
+    drafts_ = form_->Drafts();
+    if (continuing_ != 0 && !drafts_.empty()) drafts_.front().id = continuing_;
+}
+
+void frmMDI::OfferDrafts() {
+    if (!session_.DatabaseOpen) return;
+    for (store::Draft& draft : store::LoadDrafts(session_)) {
+        if (!parts_.sections.contains(draft.section)) continue;
+        OfferDraft(draft);
+        if (session_.ending || !session_.DatabaseOpen) return;
+    }
+}
+
+void frmMDI::OfferDraft(store::Draft& draft) {
+    const store::DraftBase base = store::BaseOf(session_, draft);
+    const Answer answer = session_.ports.prompter.Ask(shell::DraftOffer(
+        session_, draft, base, SectionName(draft.section).toStdString(), kit::FactsOf(QLocale())));
+    if (session_.ending) return;
+    continuing_ = draft.id;
+    if (answer == Answer::No) ForgetDraft();
+    if (answer == Answer::Yes) {
+        if (base == store::DraftBase::Gone) draft.key = store::kNewRecord;
+        ContinueDraft(draft);
+    }
+    continuing_ = 0;
+}
+
+void frmMDI::ContinueDraft(const store::Draft& draft) {
+    if (session_.SectionCode != draft.section) optSection_Click(draft.section);
+    if (!form_ || session_.SectionCode != draft.section) return;  // no PIN: it stays for later
+    if (draft.isPrivate && !session_.ShowPrivate) mnuViewShowPrivate_Switch();
+    if (session_.ending || (draft.isPrivate && !session_.ShowPrivate)) return;
+    form_->OpenDraft(draft);
+}
+
+void frmMDI::ForgetDraft() {
+    if (continuing_ == 0) return;
+    kit::TellFailure(session_, store::DropDraft(session_, std::exchange(continuing_, 0)),
+                     tr("The draft could not be removed and will be offered again."));
+}
+
+}  // namespace bmr::app

@@ -1,0 +1,30 @@
+#include "kit/drafttext.h"
+
+namespace bmr::kit {
+
+namespace {
+
+/// UTF-8 that is wiped, as QByteArray would not be.
+Secret ToSecret(const QString& text) {
+    QByteArray utf8 = text.toUtf8();
+    Secret secret(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
+    utf8.fill('\0');
+    return secret;
+}
+
+}  // namespace
+
+void PutText(store::Draft& draft, std::uint8_t number, const QString& text) {
+    draft.texts.push_back({number, ToSecret(text)});
+}
+
+QString TextOf(const store::Draft& draft, std::uint8_t number) {
+    const std::string_view text = draft.Text(number);
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+void SetTitle(store::Draft& draft, const QString& text) {
+    draft.title = ToSecret(text);
+}
+
+}  // namespace bmr::kit

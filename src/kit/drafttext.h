@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include "store/drafts.h"
+
+namespace bmr::kit {
+
+/// What a control holds, into and out of a draft.
+void PutText(store::Draft& draft, std::uint8_t number, const QString& text);
+QString TextOf(const store::Draft& draft, std::uint8_t number);
+
+/// The words by which a list would show it.
+void SetTitle(store::Draft& draft, const QString& text);
+
+}  // namespace bmr::kit

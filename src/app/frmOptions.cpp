@@ -64,7 +64,6 @@ void frmOptions::Lay() {
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setObjectName("cmdOK");
-    buttons->button(QDialogButtonBox::Ok)->setDefault(true);
     buttons->button(QDialogButtonBox::Cancel)->setObjectName("cmdCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, &frmOptions::cmdOK_Click);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -74,6 +73,9 @@ void frmOptions::Lay() {
     column->setSpacing(Space::Margin);
     column->addWidget(SSTab1, 1);
     column->addWidget(buttons);
+    // Only now: a button remembers no dialog that it does not stand in, and Return would be lost with the
+    // focus.
+    buttons->button(QDialogButtonBox::Ok)->setDefault(true);
     for (const auto& [keys, by] :
          {std::pair{"Ctrl+Tab", 1}, {"Ctrl+PgDown", 1}, {"Ctrl+Shift+Tab", -1}, {"Ctrl+PgUp", -1}})
         connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this,
@@ -84,14 +86,15 @@ void frmOptions::Lay() {
     for (int i = 0; i < SSTab1->count(); ++i)
         pages = pages.expandedTo(static_cast<QScrollArea*>(SSTab1->widget(i))->widget()->sizeHint());
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    const QSize around(Space::Margin * 2 + Space::Row + bar, SSTab1->tabBar()->sizeHint().height() +
-                                                           buttons->sizeHint().height() + Space::Margin * 4);
+    const QSize around(
+        Space::Margin * 2 + Space::Row + bar,
+        SSTab1->tabBar()->sizeHint().height() + buttons->sizeHint().height() + Space::Margin * 4);
     resize((pages + around).boundedTo(screen()->availableSize() * 0.9));
 }
 
 void frmOptions::NextTab(int by) {
-    SSTab1->setCurrentIndex((SSTab1->currentIndex() + by + SSTab1->count()) % SSTab1->count());
     SSTab1->tabBar()->setFocus(Qt::ShortcutFocusReason);
+    SSTab1->setCurrentIndex((SSTab1->currentIndex() + by + SSTab1->count()) % SSTab1->count());
 }
 
 void frmOptions::Show(const shell::Preferences& shown) {
@@ -134,8 +137,16 @@ void frmOptions::ShowPin() {
         PinApp[i]->setChecked(((pin.PinApp >> i) & 1) != 0);
     Choose(*PINeveryaccess, pin.PINeveryaccess ? 1 : 0);
     txtPIN->SetContent(pin.Pin.Copy());
-    lblPinKind->setText(pin.PinKind == 0 ? tr("This is the default PIN; it follows from the passphrase.")
-                                         : tr("This is a PIN of your own."));
+    txtPIN_Change();
+}
+
+void frmOptions::txtPIN_Change() {
+    const store::PinRecord& pin = session_.pin;
+    const bool same = txtPIN->Content() == pin.Pin.view();
+    lblPinKind->setText(!same              ? tr("A new PIN, in force once OK has stored it.")
+                        : pin.PinKind == 0 ? tr("This is the default PIN; it follows from the passphrase.")
+                                           : tr("This is a PIN of your own."));
+    errors_.at("txtPIN")->hide();
 }
 
 shell::Preferences frmOptions::Chosen() const {

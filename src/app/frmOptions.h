@@ -78,6 +78,7 @@ class frmOptions final : public QDialog {
     void cmdChangeIdle_Click();
     void cmdPIN_Click();
     void cmdPINhide_Click();
+    void txtPIN_Change();
     void cmdPWchange_Click();
     void chkShowPrivate_Click();
     void cmdOK_Click();

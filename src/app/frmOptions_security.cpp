@@ -154,7 +154,7 @@ void frmOptions::BuildPinFrame() {
 
     connect(cmdShowPIN, &QToolButton::toggled, txtPIN, &kit::SecretEdit::SetClear);
     connect(cmdPINhide, &QPushButton::clicked, this, &frmOptions::cmdPINhide_Click);
-    connect(txtPIN, &kit::SecretEdit::ContentChanged, error, &QLabel::hide);
+    connect(txtPIN, &kit::SecretEdit::ContentChanged, this, &frmOptions::txtPIN_Change);
     connect(txtPIN, &kit::SecretEdit::Refused, error, [error](const QString& why) {
         error->setText(why);
         error->show();

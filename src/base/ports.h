@@ -77,7 +77,8 @@ class Prompter {
     virtual void PauseAfterFailure() = 0;
 };
 
-/// The values that live outside the file, by the names "MostRecentFiles/1" and "User/LastUser".
+/// The values that live outside the file, by the names "MostRecentFiles/1" and "User/LastUser", and the
+/// guards' switches for this machine, "Guards/...".
 class Registry {
   public:
     virtual ~Registry() = default;

@@ -161,6 +161,19 @@ TEST_F(FormOptions, ControlsDependOnEachOther) {
     EXPECT_TRUE(form->findChild<QLabel*>("lblNoSessionEvents"));
 }
 
+TEST_F(FormOptions, ReturnStoresWhereverTheFocusWas) {
+    Show();
+    Press("calView2");
+    auto& tabs = Named<QTabWidget>(*form, "SSTab1");
+    tabs.setCurrentIndex(1);
+    Named(*form, "WorkdayStart").setFocus();
+    tabs.setCurrentIndex(2);  // the focus goes somewhere else with its page
+    QTest::keyClick(form->focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+    QTest::keyClick(form->focusWidget(), Qt::Key_Return);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(sitting.session.settings.calView, 2);
+}
+
 TEST_F(FormOptions, UpAndDownStepThePartOfTheTimeThatTheCursorStandsIn) {
     Show();
     auto& line = Named<QLineEdit>(*form, "WorkdayStart");

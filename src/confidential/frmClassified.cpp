@@ -10,6 +10,7 @@
 #include <QPlainTextEdit>
 #include <QStackedLayout>
 #include <QToolButton>
+#include <utility>
 
 #include "base/languageus.h"
 #include "confidential/frmEditConfidential.h"
@@ -192,7 +193,27 @@ void frmClassified::cmdEdit_Click() {
     if (record) EditRecord(std::move(*record));
 }
 
-void frmClassified::EditRecord(Record record) {
+std::vector<store::Draft> frmClassified::Drafts() const {
+    std::vector<store::Draft> drafts;
+    if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) drafts.push_back(std::move(*draft));
+    return drafts;
+}
+
+void frmClassified::OpenDraft(const store::Draft& draft) {
+    auto record = FetchRecord(session_, draft.key);
+    if (record) {
+        SelectRecord(draft.key);
+    } else {
+        if (ConfidentialKindFields(draft.category) == nullptr) return;
+        if (currentKind != draft.category) cat_Click(draft.category);
+        HidePad();
+        padFrame->show();  // empty behind the dialog that covers it
+        record.emplace().kind = draft.category;
+    }
+    EditRecord(std::move(*record), &draft);
+}
+
+void frmClassified::EditRecord(Record record, const store::Draft* draft) {
     const bool isNew = record.key == store::kNewRecord;
     const std::int32_t shown = ListSelect->SelectedKey();
     const Bytes nameBefore = record.n[0];
@@ -200,7 +221,9 @@ void frmClassified::EditRecord(Record record) {
     editing_ = true;
     for (bool again = false; !stored; again = true) {
         frmEditConfidential editor(session_, record, this);
+        editor_ = &editor;
         editor.changed = again;
+        if (draft) editor.Fill(*std::exchange(draft, nullptr));
         if (padFrame->isVisible()) editor.Cover(*padFrame);
         const bool kept = editor.exec() == QDialog::Accepted && editor.changed;
         if (session_.ending || !session_.DatabaseOpen || !kept) break;
@@ -215,6 +238,7 @@ void frmClassified::EditRecord(Record record) {
     const bool renamed = nameBefore != record.n[0];
     WipeRecord(record);
     if (session_.ending || !session_.DatabaseOpen) return;
+    emit DraftSettled();
     if (stored && (isNew || renamed))
         listSelect_Initialize(key);
     else if (!isNew)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <array>
 #include <functional>
 
@@ -26,6 +27,7 @@ class RecordListView;
 namespace bmr::confidential {
 
 class RecordModel;
+class frmEditConfidential;
 
 /// What the section asks of the program around it. Texts are UTF-8.
 struct Outside {
@@ -48,6 +50,8 @@ class frmClassified final : public SectionForm {
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
     bool Editing() const override { return editing_; }
+    std::vector<store::Draft> Drafts() const override;
+    void OpenDraft(const store::Draft& draft) override;
 
     void cat_Click(int Index);
     void cmdAdd_Click();
@@ -79,7 +83,8 @@ class frmClassified final : public SectionForm {
     void ShowFields();
     void HidePad();
     void ShowNothing();
-    void EditRecord(Record record);
+    /// With a draft the editor comes up filled with it.
+    void EditRecord(Record record, const store::Draft* draft = nullptr);
     void CopyField(std::size_t i);
     void OpenField(std::size_t i);
     void FieldMenu(std::size_t i, const QPoint& at);
@@ -95,6 +100,7 @@ class frmClassified final : public SectionForm {
     Record record_;  ///< what the pad shows; wiped with it
     QString search_;
     bool editing_ = false;
+    QPointer<frmEditConfidential> editor_;
 
     QMenu* mnuConfidential;
     QAction* mnuAdd;

@@ -15,6 +15,7 @@
 #include "base/languageus.h"
 #include "confidential/frmGenerate.h"
 #include "confidential/kinds.h"
+#include "kit/drafttext.h"
 #include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/icons.h"
@@ -25,6 +26,14 @@
 namespace bmr::confidential {
 
 using kit::Space;
+
+namespace {
+
+/// Numbers of the texts in a draft. Never renumber: files in the field carry these. The five values have the
+/// numbers from kValue on.
+enum DraftField : std::uint8_t { kNotes = 1, kPrivate = 2, kValue = 10 };
+
+}  // namespace
 
 frmEditConfidential::frmEditConfidential(store::Session& session, const Record& record, QWidget* parent)
     : QDialog(parent), session_(session), record_(record) {
@@ -152,6 +161,37 @@ Record frmEditConfidential::Value() const {
     record.notes = bytes(kit::PlainText(*txtNotes).replace("\n", "\r\n"));
     record.isPrivate = ctlPrivate->isChecked();
     return record;
+}
+
+std::optional<store::Draft> frmEditConfidential::HalfWritten() const {
+    if (!changed) return std::nullopt;
+    std::optional<store::Draft> draft(std::in_place);
+    draft->section = store::Section::Confidential;
+    draft->key = record_.key;
+    draft->category = record_.kind;
+    draft->isPrivate = record_.isPrivate || ctlPrivate->isChecked();
+    kit::SetTitle(*draft, txtCtl[0]->text());
+    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+        const bool tall = i == 1 && !singleLineField1;
+        kit::PutText(*draft, static_cast<std::uint8_t>(kValue + i),
+                     tall ? tmpTxt->toPlainText() : txtCtl[i]->text());
+    }
+    kit::PutText(*draft, kNotes, txtNotes->toPlainText());
+    kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
+    return draft;
+}
+
+void frmEditConfidential::Fill(const store::Draft& draft) {
+    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+        const QString text = kit::TextOf(draft, static_cast<std::uint8_t>(kValue + i));
+        if (i == 1 && !singleLineField1)
+            tmpTxt->setPlainText(text);
+        else
+            txtCtl[i]->setText(text);
+    }
+    txtNotes->setPlainText(kit::TextOf(draft, kNotes));
+    ctlPrivate->setChecked(kit::FlagOf(draft, kPrivate));
+    changed = true;
 }
 
 void frmEditConfidential::Changed() {

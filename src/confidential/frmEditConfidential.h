@@ -2,8 +2,10 @@
 
 #include <QDialog>
 #include <array>
+#include <optional>
 
 #include "confidential/confidential.h"
+#include "store/drafts.h"
 
 class QCheckBox;
 class QLabel;
@@ -25,6 +27,11 @@ class frmEditConfidential final : public QDialog {
 
     bool changed = false;
     Record Value() const;
+
+    /// What the controls hold; nothing when nothing was changed.
+    std::optional<store::Draft> HalfWritten() const;
+    /// Puts a draft of the same kind into the controls, as if it had been typed.
+    void Fill(const store::Draft& draft);
 
     /// Takes the place of the pad on the screen.
     void Cover(const QWidget& pad);

@@ -23,6 +23,14 @@ QString TextOf(const store::Draft& draft, std::uint8_t number) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+void PutFlag(store::Draft& draft, std::uint8_t number, bool on) {
+    draft.Put(number, on ? "1" : "");
+}
+
+bool FlagOf(const store::Draft& draft, std::uint8_t number) {
+    return !draft.Text(number).empty();
+}
+
 void SetTitle(store::Draft& draft, const QString& text) {
     draft.title = ToSecret(text);
 }

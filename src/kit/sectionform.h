@@ -49,7 +49,8 @@ class SectionForm : public QWidget {
     virtual void OpenDraft(const store::Draft&) {}
 
   signals:
-    /// The record of the opened draft was stored, or the user has discarded it: the draft is done with.
+    /// An editor has closed, and its record was stored or the user has discarded it: a draft that it was
+    /// opened with is done with.
     void DraftSettled();
     /// The words at the left of the status bar: count and selection.
     void StatusChanged(const QString& text);

@@ -13,6 +13,7 @@
 
 #include "base/languageus.h"
 #include "kit/categorycombo.h"
+#include "kit/drafttext.h"
 #include "kit/formparts.h"
 #include "kit/frmEditCategories.h"
 #include "kit/guards.h"
@@ -24,6 +25,13 @@
 namespace bmr::notes {
 
 using kit::Space;
+
+namespace {
+
+/// Numbers of the texts in a draft. Never renumber: files in the field carry these.
+enum DraftField : std::uint8_t { kSubject = 1, kBody = 2, kPrivate = 3 };
+
+}  // namespace
 
 frmEditNotepad::frmEditNotepad(store::Session& session, const Memo& memo, QWidget* parent)
     : QDialog(parent), session_(session), memo_(memo) {
@@ -145,6 +153,28 @@ Memo frmEditNotepad::Value() const {
     memo.body = Body();
     memo.isPrivate = ctlPrivate->isChecked();
     return memo;
+}
+
+std::optional<store::Draft> frmEditNotepad::HalfWritten() const {
+    if (!recordChanged) return std::nullopt;
+    std::optional<store::Draft> draft(std::in_place);
+    draft->section = store::Section::Memo;
+    draft->key = memo_.key;
+    draft->category = memo_.category;
+    draft->isPrivate = memo_.isPrivate || ctlPrivate->isChecked();
+    kit::SetTitle(*draft, ctlSubject->text());
+    kit::PutText(*draft, kSubject, ctlSubject->text());
+    kit::PutText(*draft, kBody, ctlNote->toPlainText());
+    kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
+    return draft;
+}
+
+void frmEditNotepad::Fill(const store::Draft& draft) {
+    FillCategories(draft.category);
+    ctlSubject->setText(kit::TextOf(draft, kSubject));
+    ctlNote->setPlainText(kit::TextOf(draft, kBody));
+    ctlPrivate->setChecked(kit::FlagOf(draft, kPrivate));
+    recordChanged = true;
 }
 
 void frmEditNotepad::Changed() {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QDialog>
+#include <optional>
 
 #include "notes/memo.h"
+#include "store/drafts.h"
 
 class QCheckBox;
 class QComboBox;
@@ -25,6 +27,11 @@ class frmEditNotepad final : public QDialog {
 
     bool recordChanged = false;
     Memo Value() const;
+
+    /// What the controls hold; nothing when nothing was changed.
+    std::optional<store::Draft> HalfWritten() const;
+    /// Puts a draft into the controls, as if it had been typed.
+    void Fill(const store::Draft& draft);
 
     void reject() override;
 

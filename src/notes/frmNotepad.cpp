@@ -7,6 +7,7 @@
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QStackedLayout>
+#include <utility>
 
 #include "base/languageus.h"
 #include "kit/categorycombo.h"
@@ -181,14 +182,28 @@ void frmNotepad::cmdEdit_Click() {
     EditRecord(std::move(*memo));
 }
 
-void frmNotepad::EditRecord(Memo memo) {
+std::vector<store::Draft> frmNotepad::Drafts() const {
+    std::vector<store::Draft> drafts;
+    if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) drafts.push_back(std::move(*draft));
+    return drafts;
+}
+
+void frmNotepad::OpenDraft(const store::Draft& draft) {
+    auto memo = FetchMemo(session_, draft.key);
+    if (memo) SelectRecord(draft.key);
+    EditRecord(memo ? std::move(*memo) : ClearMemo(session_, draft.category), &draft);
+}
+
+void frmNotepad::EditRecord(Memo memo, const store::Draft* draft) {
     const bool isNew = memo.key == store::kNewRecord;
     bool stored = false;
     editing_ = true;
     // A new memo has its subject already: closed without another change it is stored all the same.
     for (bool again = isNew; !stored; again = true) {
         frmEditNotepad editor(session_, memo, this);
+        editor_ = &editor;
         editor.recordChanged = again;
+        if (draft) editor.Fill(*std::exchange(draft, nullptr));
         editor.exec();
         if (session_.ending || !session_.DatabaseOpen) break;
         recordChanged->setChecked(editor.recordChanged);
@@ -199,6 +214,7 @@ void frmNotepad::EditRecord(Memo memo) {
     editing_ = false;
     recordChanged->setChecked(false);
     if (session_.ending || !session_.DatabaseOpen) return;
+    emit DraftSettled();
     const std::int32_t shown = listSelect->SelectedKey();
     FillCategories(stored && category_ != Category::All ? memo.category : category_);
     if (stored)

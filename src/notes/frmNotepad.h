@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPointer>
+
 #include "kit/sectionform.h"
 #include "notes/memo.h"
 #include "store/categories.h"
@@ -21,6 +23,7 @@ class RecordListView;
 namespace bmr::notes {
 
 class MemoModel;
+class frmEditNotepad;
 
 /// The memo section: subjects in alphabetical order at the left, the chosen memo at the right.
 class frmNotepad final : public SectionForm {
@@ -36,6 +39,8 @@ class frmNotepad final : public SectionForm {
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
     bool Editing() const override { return editing_; }
+    std::vector<store::Draft> Drafts() const override;
+    void OpenDraft(const store::Draft& draft) override;
 
     // The operations that the menus call.
     void cmdAdd_Click();
@@ -63,7 +68,8 @@ class frmNotepad final : public SectionForm {
     void HidePad();
     void ShowEmptyState();
     void TellStatus();
-    void EditRecord(Memo memo);
+    /// With a draft the editor comes up filled with it.
+    void EditRecord(Memo memo, const store::Draft* draft = nullptr);
     bool Store(Memo& memo);
 
     store::Session& session_;
@@ -72,6 +78,7 @@ class frmNotepad final : public SectionForm {
     std::int32_t category_ = store::Category::All;
     QString search_;
     bool editing_ = false;
+    QPointer<frmEditNotepad> editor_;
 
     QMenu* mnuMemo;
     QAction* mnuMemoAdd;

@@ -196,11 +196,18 @@ void frmEditTodo::Lay(bool isNew) {
 
 void frmEditTodo::recordToEditor(const EditorValues& values) {
     filling_ = true;
-    FillCategories(values.category);
     ctlTask->setText(kit::ToQString(values.task));
     // Line ends are kept in two characters; a note that was written otherwise keeps its own.
     crlf_ = values.note.find("\r\n") != Bytes::npos || values.note.find('\n') == Bytes::npos;
     ctlNote->setPlainText(kit::ToQString(values.note).replace("\r\n", "\n"));
+    wasPrivate_ = values.isPrivate;
+    ShowChoices(values);
+    filling_ = false;
+    recordChanged = false;
+}
+
+void frmEditTodo::ShowChoices(const EditorValues& values) {
+    FillCategories(values.category);
     const auto chosen = static_cast<std::size_t>(values.priority.value_or(-1));
     if (chosen < ctlPri.size()) {
         ctlPri[chosen]->setChecked(true);
@@ -211,8 +218,6 @@ void frmEditTodo::recordToEditor(const EditorValues& values) {
     ctlPrivate->setChecked(values.isPrivate);
     pickers_ = FillPickers(values.due, values.completed);
     ShowPickers();
-    filling_ = false;
-    recordChanged = false;
 }
 
 EditorValues frmEditTodo::Values() const {

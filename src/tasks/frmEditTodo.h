@@ -3,7 +3,9 @@
 #include <QDialog>
 #include <array>
 #include <functional>
+#include <optional>
 
+#include "store/drafts.h"
 #include "tasks/duepicker.h"
 #include "tasks/task.h"
 
@@ -36,6 +38,13 @@ class frmEditTodo final : public QDialog {
     bool another = false;
     EditorValues Values() const;
 
+    /// A draft of a new task; the texts of `choices` are not looked at.
+    static store::Draft DraftOf(const EditorValues& choices, const QString& task, const QString& note);
+    /// What the controls hold; nothing when nothing was changed. The record's key is the caller's to add.
+    std::optional<store::Draft> HalfWritten() const;
+    /// Puts a draft into the controls, as if it had been typed.
+    void Fill(const store::Draft& draft);
+
     /// The editor comes up as if its values had been changed already (a store of them failed).
     void MarkChanged();
 
@@ -48,6 +57,7 @@ class frmEditTodo final : public QDialog {
     void Lay(bool isNew);
     QWidget* MakeButtons(bool isNew);
     void recordToEditor(const EditorValues& values);
+    void ShowChoices(const EditorValues& values);
     void FillCategories(std::int32_t number);
     void Changed();
     void ShowPickers();
@@ -64,6 +74,7 @@ class frmEditTodo final : public QDialog {
     std::int32_t category_ = store::Category::Unfiled;  ///< as last chosen, the editor's own entry apart
     bool crlf_ = true;                                  ///< line ends of the note as they are kept
     bool filling_ = false;                              ///< controls are set by us
+    bool wasPrivate_ = false;                           ///< as the record came
     bool refused_ = false;                              ///< the last try to store found what cannot be
 
     QLineEdit* ctlTask;

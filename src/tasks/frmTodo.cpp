@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QStackedLayout>
 #include <QTimer>
+#include <utility>
 
 #include "base/languageus.h"
 #include "kit/categorycombo.h"
@@ -155,13 +156,33 @@ void frmTodo::mnuTodoEdit_Click() {
     EditRecord(RecordToEdit(session_, Selected(), category_));
 }
 
-void frmTodo::EditRecord(Task task) {
+std::vector<store::Draft> frmTodo::Drafts() const {
+    std::vector<store::Draft> drafts;
+    if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) {
+        draft->key = editedKey_;
+        drafts.push_back(std::move(*draft));
+    }
+    if (const QString begun = txtQuickAdd->text().trimmed(); !begun.isEmpty()) {
+        EditorValues choices = RecordToEditor(ClearRecord(category_), {});
+        choices.category = store::RealCategory(category_);
+        drafts.push_back(frmEditTodo::DraftOf(choices, begun, {}));
+    }
+    return drafts;
+}
+
+void frmTodo::OpenDraft(const store::Draft& draft) {
+    auto task = LoadSelected(session_, draft.key);
+    EditRecord(task ? std::move(*task) : ClearRecord(draft.category), &draft);
+}
+
+void frmTodo::EditRecord(Task task, const store::Draft* draft) {
     if (editing_) return;
     editing_ = true;
     for (bool another = true; another;) {
         const std::int32_t keyBefore = task.key;
-        const bool stored = EditAndStore(task, another);
+        const bool stored = EditAndStore(task, another, std::exchange(draft, nullptr));
         if (session_.ending || !session_.DatabaseOpen) break;
+        emit DraftSettled();
         FillCategories(category_);
         if (!stored) break;
         showListitems();
@@ -172,14 +193,17 @@ void frmTodo::EditRecord(Task task) {
     editing_ = false;
 }
 
-bool frmTodo::EditAndStore(Task& task, bool& another) {
+bool frmTodo::EditAndStore(Task& task, bool& another, const store::Draft* draft) {
     EditorValues values =
         RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
     bool stored = false;
     bool gone = false;
     for (bool again = false; !stored && !gone; again = true) {
         frmEditTodo editor(session_, values, task.key == store::kNewRecord, this);
+        editor_ = &editor;
+        editedKey_ = task.key;
         if (again) editor.MarkChanged();
+        if (draft) editor.Fill(*std::exchange(draft, nullptr));
         editor.exec();
         if (session_.ending || !session_.DatabaseOpen) return false;
         another = editor.another;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPointer>
+
 #include "kit/sectionform.h"
 #include "tasks/tasklist.h"
 
@@ -19,6 +21,7 @@ class Strip;
 namespace bmr::tasks {
 
 class TodoModel;
+class frmEditTodo;
 
 /// The to-do section: the list, its filter, a line for quick entries, and the operations that menus call.
 class frmTodo final : public SectionForm {
@@ -34,6 +37,8 @@ class frmTodo final : public SectionForm {
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
     bool Editing() const override { return editing_; }
+    std::vector<store::Draft> Drafts() const override;
+    void OpenDraft(const store::Draft& draft) override;
 
     /// Rebuilds the list from the store; nothing is selected afterwards.
     void showListitems();
@@ -71,9 +76,10 @@ class frmTodo final : public SectionForm {
     void AddQuickly();
     void ShowAllCategories();
 
-    void EditRecord(Task task);
+    /// With a draft the editor comes up filled with it.
+    void EditRecord(Task task, const store::Draft* draft = nullptr);
     /// One round of the editor. True when the record was stored; `another` when a new one is to follow.
-    bool EditAndStore(Task& task, bool& another);
+    bool EditAndStore(Task& task, bool& another, const store::Draft* draft);
     /// Stores; tells of what went wrong. False when the record still waits to be stored.
     bool Store(Task& task, bool& gone);
     std::optional<std::int32_t> Selected() const;
@@ -86,6 +92,8 @@ class frmTodo final : public SectionForm {
     std::int32_t category_ = store::Category::All;  ///< as last chosen, the entry that opens the editor apart
     QString search_;
     bool editing_ = false;
+    QPointer<frmEditTodo> editor_;
+    std::int32_t editedKey_ = store::kNewRecord;
 
     QMenu* mnuTodo;
     QMenu* mnuTodoRC;

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -156,6 +157,44 @@ TEST_F(Classified, TheDiceFillAPassword) {
     });
     form->cmdAdd_Click();
     EXPECT_EQ(Names(), (QStringList{"Made"}));
+}
+
+TEST_F(Classified, WhatIsHalfWrittenComesBackThroughADraft) {
+    QSignalSpy settled(form.get(), &SectionForm::DraftSettled);
+    form->cat_Click(5);  // a kind with a high second field
+    std::vector<store::Draft> drafts;
+    OnDialog([&](QDialog& editor) {
+        EXPECT_TRUE(form->Drafts().empty());
+        Type(editor, "txtCtl0", "Bank");
+        editor.findChild<QPlainTextEdit*>("tmpTxt")->setPlainText("Long Lane 1\nOld Town");
+        Type(editor, "txtCtl4", "4711");
+        editor.findChild<QPlainTextEdit*>("txtNotes")->setPlainText("ask for\nMs M");
+        drafts = form->Drafts();
+        store.session.ending = true;
+        editor.reject();
+    });
+    form->cmdAdd_Click();
+    store.session.ending = false;
+    ASSERT_EQ(drafts.size(), 1u);
+    EXPECT_FALSE(drafts[0].isPrivate);
+    EXPECT_EQ(drafts[0].title.view(), "Bank");
+
+    settled.clear();
+    form->cat_Click(1);
+    OnDialog([&](QDialog& editor) {
+        EXPECT_EQ(editor.findChild<QLineEdit*>("txtCtl4")->text(), "4711");
+        EXPECT_EQ(form->Drafts().size(), 1u);
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->OpenDraft(drafts[0]);
+    EXPECT_EQ(settled.count(), 1);
+    EXPECT_EQ(Names(), QStringList{"Bank"}) << "its kind is shown";
+    EXPECT_EQ(Find<QPlainTextEdit>("txtTall").toPlainText(), "Long Lane 1\nOld Town");
+    EXPECT_EQ(Find<QPlainTextEdit>("txtNotes").toPlainText(), "ask for\nMs M");
+
+    drafts[0].category = 99;
+    form->OpenDraft(drafts[0]);  // a kind that is none: no dialog comes, and the draft stays
+    EXPECT_EQ(settled.count(), 1);
 }
 
 }  // namespace

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
@@ -137,6 +139,58 @@ TEST_F(Notepad, WhatTheFormatCannotHoldIsMarkedAndNotStored) {
     });
     form->cmdEdit_Click();
     EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText(), "text");
+}
+
+TEST_F(Notepad, WhatIsHalfWrittenComesBackThroughADraft) {
+    Add("Garden", "roses");
+    list().SelectFirst();
+    QSignalSpy settled(form.get(), &SectionForm::DraftSettled);
+    const QString half = QString::fromUtf8("\xE5\xAD\x97 that no memo can hold\nand a second li");
+    std::vector<store::Draft> drafts;
+    OnDialog([&](QDialog& editor) {
+        EXPECT_TRUE(form->Drafts().empty()) << "nothing was changed yet";
+        editor.findChild<QLineEdit*>("ctlSubject")->setText("Orchard");
+        editor.findChild<QPlainTextEdit*>("ctlNote")->setPlainText(half);
+        editor.findChild<QCheckBox*>("ctlPrivate")->click();
+        drafts = form->Drafts();
+        store.session.ending = true;
+        editor.reject();
+    });
+    form->cmdEdit_Click();
+    store.session.ending = false;
+    ASSERT_EQ(drafts.size(), 1u);
+    EXPECT_TRUE(form->Drafts().empty());
+    EXPECT_TRUE(drafts[0].isPrivate);
+    EXPECT_EQ(drafts[0].title.view(), "Orchard");
+    EXPECT_EQ(Subjects(), QStringList{"Garden"});
+
+    settled.clear();
+    OnDialog([&](QDialog& editor) {
+        EXPECT_EQ(editor.findChild<QLineEdit*>("ctlSubject")->text(), "Orchard");
+        auto* note = editor.findChild<QPlainTextEdit*>("ctlNote");
+        EXPECT_EQ(note->toPlainText(), half);
+        EXPECT_TRUE(editor.findChild<QCheckBox*>("ctlPrivate")->isChecked());
+        EXPECT_EQ(form->Drafts().size(), 1u) << "it is no less of a draft than before";
+        note->setPlainText("plums");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+        EXPECT_EQ(settled.count(), 0);
+    });
+    form->OpenDraft(drafts[0]);
+    EXPECT_EQ(settled.count(), 1);
+    EXPECT_EQ(Subjects(), QStringList{"Orchard"});
+    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText(), "plums");
+
+    // One without a record; the end comes again, and nothing is settled.
+    drafts[0].key = store::kNewRecord;
+    OnDialog([&](QDialog& editor) {
+        EXPECT_EQ(editor.findChild<QLineEdit*>("ctlSubject")->text(), "Orchard");
+        store.session.ending = true;
+        editor.reject();
+    });
+    form->OpenDraft(drafts[0]);
+    store.session.ending = false;
+    EXPECT_EQ(settled.count(), 1);
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=14"), 1);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "app/frmOptions.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -12,6 +13,7 @@
 #include <QScrollArea>
 #include <QShortcut>
 #include <QTabWidget>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -28,6 +30,8 @@ namespace bmr::app {
 using kit::Space;
 
 namespace {
+
+constexpr double kOfScreen = 0.94;  ///< the window frame has to fit as well
 
 void Choose(QButtonGroup& group, int number) {
     group.button(number)->setChecked(true);
@@ -81,15 +85,29 @@ void frmOptions::Lay() {
         connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this,
                 [this, step = by] { NextTab(step); });
 
+    connect(qApp, &QApplication::focusChanged, this,
+            [this] { QTimer::singleShot(0, this, [this] { ShowFocus(); }); });
+    FitPages(*buttons);
+}
+
+void frmOptions::FitPages(const QWidget& buttons) {
     // As large as the largest page, but never larger than the screen: then the pages scroll.
-    QSize pages;
-    for (int i = 0; i < SSTab1->count(); ++i)
-        pages = pages.expandedTo(static_cast<QScrollArea*>(SSTab1->widget(i))->widget()->sizeHint());
+    QSize pages(fontMetrics().averageCharWidth() * 92, 0);
+    for (int i = 0; i < SSTab1->count(); ++i) {
+        const QWidget* page = static_cast<QScrollArea*>(SSTab1->widget(i))->widget();
+        pages = pages.expandedTo(page->sizeHint());
+    }
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     const QSize around(
         Space::Margin * 2 + Space::Row + bar,
-        SSTab1->tabBar()->sizeHint().height() + buttons->sizeHint().height() + Space::Margin * 4);
-    resize((pages + around).boundedTo(screen()->availableSize() * 0.9));
+        SSTab1->tabBar()->sizeHint().height() + buttons.sizeHint().height() + Space::Margin * 4);
+    resize((pages + around).boundedTo(screen()->availableSize() * kOfScreen));
+}
+
+void frmOptions::ShowFocus() {
+    QWidget* focus = focusWidget();
+    auto* page = static_cast<QScrollArea*>(SSTab1->currentWidget());
+    if (focus && page->isAncestorOf(focus)) page->ensureWidgetVisible(focus);
 }
 
 void frmOptions::NextTab(int by) {
@@ -195,7 +213,6 @@ void frmOptions::ShowFaults(const std::vector<shell::Fault>& faults) {
     for (int i = 0; i < SSTab1->count(); ++i) {
         if (!SSTab1->widget(i)->isAncestorOf(field)) continue;
         SSTab1->setCurrentIndex(i);
-        static_cast<QScrollArea*>(SSTab1->widget(i))->ensureWidgetVisible(errors_.at(first.toStdString()));
     }
     field->setFocus(Qt::OtherFocusReason);
     field->selectAll();
@@ -226,7 +243,8 @@ void frmOptions::cmdPIN_Click() {
     if (PinFrame->isHidden()) {
         PinFrame->show();
         const int wanted = height() + PinFrame->sizeHint().height() + Space::Row;
-        resize(width(), qMax(height(), qMin(wanted, screen()->availableSize().height() * 9 / 10)));
+        const auto most = static_cast<int>(screen()->availableSize().height() * kOfScreen);
+        resize(width(), qMax(height(), qMin(wanted, most)));
     }
     cmdPIN->setEnabled(false);
     txtPIN->setFocus(Qt::OtherFocusReason);

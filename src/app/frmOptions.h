@@ -51,6 +51,7 @@ class frmOptions final : public QDialog {
   private:
     // Building (frmOptions_tabs.cpp, frmOptions_security.cpp).
     void Lay();
+    void FitPages(const QWidget& buttons);
     QVBoxLayout* AddTab(const char* name, const QString& caption);
     void BuildStartup(QVBoxLayout& page);
     void BuildCalendar(QVBoxLayout& page);
@@ -72,6 +73,8 @@ class frmOptions final : public QDialog {
     shell::Preferences Chosen() const;
     void ShowFaults(const std::vector<shell::Fault>& faults);
     void NextTab(int by);
+    /// Scrolls the page to the control that has the focus.
+    void ShowFocus();
 
     void StartScreen_Click();
     void BudgetShow_Click(std::size_t budget, std::size_t box);

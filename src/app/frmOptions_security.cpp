@@ -55,9 +55,10 @@ void frmOptions::BuildGuards(QVBoxLayout& page) {
     QHBoxLayout* row = AddRow(*end);
     row->addWidget(new QLabel("Exit program when inactive for more than"));
     row->addWidget(Idle);
-    row->addWidget(new QLabel("minutes (0 = never exit, max = 15 min)"));
+    auto* unit = new QLabel("minutes (0 = never exit, max = 15 min)");
+    unit->setWordWrap(true);
+    row->addWidget(unit, 1);
     row->addWidget(cmdChangeIdle);
-    row->addStretch();
     end->addWidget(ErrorFor("Idle"));
     chkEndOnSuspend = MakeBox("chkEndOnSuspend", tr("&End when the computer is suspended"));
     chkEndOnLock = MakeBox("chkEndOnLock", tr("End when the session is &locked"));

@@ -193,8 +193,10 @@ TEST_F(FormOptions, ThePinIsMaskedUntilItIsToBeShown) {
     const QString pin = QString::fromStdString(ToUtf8(sitting.session.pin.Pin.view()));
     EXPECT_TRUE(frame.isHidden());
     Named<QTabWidget>(*form, "SSTab1").setCurrentIndex(2);
+    form->resize(500, 200);
     Press("cmdPIN");
     EXPECT_TRUE(frame.isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&edit] { return !edit.visibleRegion().isEmpty(); }, 500)) << "scrolled to";
     EXPECT_FALSE(edit.text().contains(pin.left(2)));
     Press("cmdShowPIN");
     EXPECT_EQ(edit.text(), pin) << "the default one can be looked up";

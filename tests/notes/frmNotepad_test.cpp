@@ -96,6 +96,17 @@ TEST_F(Notepad, ADayOfUse) {
     EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=14"), 1);
 }
 
+TEST_F(Notepad, ComesUpWithTheCategoryThatThePreferencesSay) {
+    for (const bool lastUsed : {true, false}) {
+        form.reset();  // it keeps its category at its end
+        store.session.settings.LastCategory[2] = store::Category::Unfiled;
+        store.session.settings.CatShow = lastUsed ? 0 : 1;
+        form = std::make_unique<frmNotepad>(store.session);
+        EXPECT_EQ(Find<QComboBox>("cboCategories").currentData().toInt(),
+                  lastUsed ? store::Category::Unfiled : store::Category::All);
+    }
+}
+
 TEST_F(Notepad, CancellingTheInputBoxAddsNothing) {
     store.prompter.inputs.push_back(std::nullopt);
     form->cmdAdd_Click();

@@ -137,6 +137,26 @@ TEST_F(FormTodo, ADayOfUse) {
     EXPECT_EQ(list->SelectedKey(), key) << "a section opens on its first row";
 }
 
+TEST_F(FormTodo, ComesUpAsThePreferencesSay) {
+    Add("done", [this](Task& task) {
+        task.completed = true;
+        task.completedDate = today;
+    });
+    const auto category = [this] { return Named<QComboBox>(*form, "cboCategories").currentData().toInt(); };
+    for (const bool completed : {true, false}) {
+        db.session.settings.TodoShowCompleted = completed ? 1 : 0;
+        Open();
+        EXPECT_EQ(Named<QCheckBox>(*form, "ShowCompleted").isChecked(), completed);
+        EXPECT_EQ(model->rowCount(), completed ? 1 : 0);
+    }
+    ChooseCategory(store::Category::Unfiled);
+    Open();
+    EXPECT_EQ(category(), store::Category::Unfiled) << "the last used";
+    db.session.settings.CatShow = 1;
+    Open();
+    EXPECT_EQ(category(), store::Category::All) << "the first entry";
+}
+
 TEST_F(FormTodo, TicksAsToldInBothDirections) {
     const auto a = Add("a", [&](Task& t) { t.hasDueDate = true, t.dueDate = Day{today.serial - 1}; });
     const auto b = Add("b");

@@ -189,7 +189,9 @@ void frmEditConfidential::Fill(const store::Draft& draft) {
         else
             txtCtl[i]->setText(text);
     }
+    kit::ContinueAtEnd(*txtCtl[0]);
     txtNotes->setPlainText(kit::TextOf(draft, kNotes));
+    txtNotes->moveCursor(QTextCursor::End);
     ctlPrivate->setChecked(kit::FlagOf(draft, kPrivate));
     changed = true;
 }

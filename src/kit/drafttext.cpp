@@ -31,6 +31,11 @@ bool FlagOf(const store::Draft& draft, std::uint8_t number) {
     return !draft.Text(number).empty();
 }
 
+void ContinueAtEnd(QLineEdit& edit) {
+    QMetaObject::invokeMethod(
+        &edit, [&edit] { edit.end(false); }, Qt::QueuedConnection);
+}
+
 void SetTitle(store::Draft& draft, const QString& text) {
     draft.title = ToSecret(text);
 }

@@ -172,7 +172,9 @@ std::optional<store::Draft> frmEditNotepad::HalfWritten() const {
 void frmEditNotepad::Fill(const store::Draft& draft) {
     FillCategories(draft.category);
     ctlSubject->setText(kit::TextOf(draft, kSubject));
+    kit::ContinueAtEnd(*ctlSubject);
     ctlNote->setPlainText(kit::TextOf(draft, kBody));
+    ctlNote->moveCursor(QTextCursor::End);
     ctlPrivate->setChecked(kit::FlagOf(draft, kPrivate));
     recordChanged = true;
 }

@@ -63,7 +63,9 @@ void frmEditTodo::Fill(const store::Draft& draft) {
     values.category = draft.category;
     ShowChoices(values);
     ctlTask->setText(kit::TextOf(draft, kTask));
+    kit::ContinueAtEnd(*ctlTask);
     ctlNote->setPlainText(kit::TextOf(draft, kNote));
+    ctlNote->moveCursor(QTextCursor::End);
     recordChanged = true;
 }
 

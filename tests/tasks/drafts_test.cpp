@@ -57,14 +57,16 @@ TEST(TaskDrafts, WhatIsHalfWrittenComesBackThroughADraft) {
         auto& text = Named<QLineEdit>(editor, "ctlTask");
         EXPECT_EQ(text.text(), QString::fromUtf8("paint the d\u00f3\u0142"));
         EXPECT_EQ(form->Drafts().size(), 2u);
-        text.setText("paint the door");
+        QCoreApplication::processEvents();
+        QTest::keyClick(&text, Qt::Key_Backspace);
+        test::TypeText(text, "or");
         Click(editor, "cmdOK");
     });
     form->OpenDraft(drafts[0]);
     EXPECT_EQ(settled.count(), 1);
     const auto task = LoadSelected(db.session, key);
     ASSERT_TRUE(task);
-    EXPECT_EQ(task->task, "paint the door");
+    EXPECT_EQ(task->task, "paint the d\xF3or") << "typed on, not over what was there";
     EXPECT_EQ(task->note, "old\nends");
     EXPECT_EQ(task->priority, Priority::Low);
     EXPECT_FALSE(task->isPrivate);

@@ -7,6 +7,7 @@
 #include "store/drafts.h"
 #include "store/users.h"
 #include "support/forms.h"
+#include "support/full_disk.h"
 #include "support/sitting.h"
 
 namespace bmr::app {
@@ -121,7 +122,7 @@ class FrameDrafts : public testing::Test {
         home.Close();
     }
     /// A program that ends by itself while `text` stands in an editor of the memo pad.
-    void LeaveBehind(const QString& text, bool isPrivate = false) {
+    void LeaveBehind(const QString& text, bool isPrivate = false, bool fullDisk = false) {
         const std::size_t before = Kept().size();
         Program program(home.file);
         for (std::size_t i = 0; i < before; ++i)
@@ -129,7 +130,11 @@ class FrameDrafts : public testing::Test {
         program.Start();
         program.frame->optSection_Click(Section::Memo);
         program.Pad().isPrivate = isPrivate;
-        program.visitor.Meet("frmFakeEditor", [&](QWidget&) { program.Idle(); });
+        program.visitor.Meet("frmFakeEditor", [&](QWidget&) {
+            std::optional<test::FullDisk> full;
+            if (fullDisk) full.emplace();
+            program.Idle();
+        });
         program.UntilTheEnd([&] { program.Pad().Edit(text); });
         EXPECT_EQ(program.saved, Strings{});
     }
@@ -208,6 +213,12 @@ TEST_F(FrameDrafts, ALineBegunBehindAPromptIsKeptOnceThePromptHasGone) {
     program.sitting.prompter.Type(std::nullopt);
     program.UntilTheEnd([&] { program.frame->optSection_Click(Section::Memo); });
     EXPECT_EQ(Kept(), Strings{"buy"});
+}
+
+TEST_F(FrameDrafts, AFullDiskDoesNotHoldUpTheEnd) {
+    LeaveBehind("one");
+    LeaveBehind("two", false, true);
+    EXPECT_EQ(Kept(), Strings{"one"});
 }
 
 TEST_F(FrameDrafts, NothingIsShownBeforePinAndPassphrase) {

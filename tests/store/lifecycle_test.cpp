@@ -1,13 +1,11 @@
 #include "store/lifecycle.h"
 
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <csignal>
 
 #include "store/record_get.h"
 #include "store/record_put.h"
 #include "store/users.h"
+#include "support/full_disk.h"
 #include "support/sitting.h"
 
 namespace bmr::store {
@@ -272,18 +270,11 @@ TEST(CloseDatabase, FailedWriteIsToldAndTheKeysGoAllTheSame) {
     sitting.session.bucketOrder.changes = 7;
     const std::string before = test::FileBytes(sitting.file);
 
-    rlimit old{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit none = old;
-    none.rlim_cur = 0;  // every write fails as on a full disk
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
     sitting.prompter.Expect(0);
-    const int error = CloseDatabase(sitting.session);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &old), 0);
-    std::signal(SIGXFSZ, oldHandler);
-
-    EXPECT_GT(error, 0);
+    {
+        const test::FullDisk full;
+        EXPECT_GT(CloseDatabase(sitting.session), 0);
+    }
     EXPECT_TRUE(sitting.session.cipher.Keystring.empty());
     EXPECT_FALSE(sitting.session.ProgramDb);
     EXPECT_EQ(sitting.session.bucketOrder.changes, -1);  // it belongs to the one file

@@ -78,12 +78,10 @@ DateEdit::DateEdit(Day today, QWidget* parent)
 
     connect(box_, &QCheckBox::clicked, this, [this](bool on) {
         Take(on ? std::optional(today_) : std::nullopt);
-        if (on) {
-            line_->setFocus();
-            line_->selectAll();
-        }
+        if (on) FocusLine();
     });
     connect(line_, &QLineEdit::editingFinished, this, &DateEdit::Commit);
+    connect(line_, &QLineEdit::textEdited, this, &DateEdit::Edited);
     connect(drop_, &QToolButton::clicked, this, &DateEdit::OpenCalendar);
     Show();
 }
@@ -123,20 +121,30 @@ void DateEdit::Take(std::optional<Day> date) {
     const bool changed = date != date_;
     date_ = date;
     Show();
+    emit Edited();
     if (changed) emit DateChanged(date_);
 }
 
-void DateEdit::Commit() {
-    if (!date_ || !line_->isModified()) return;
+bool DateEdit::Commit() {
+    if (!date_ || !line_->isModified()) return true;
     const QString typed = line_->text();
-    if (typed.trimmed().isEmpty()) return Take(std::nullopt);
-    if (const auto day = ReadDate(typed, today_, QLocale())) return Take(day);
-    Show();
-    emit NotUnderstood(typed);
+    const bool emptied = typed.trimmed().isEmpty();
+    const auto day = emptied ? std::nullopt : ReadDate(typed, today_, QLocale());
+    if (!emptied && !day) {
+        emit NotUnderstood(typed);
+        return false;
+    }
+    Take(day);
+    return true;
+}
+
+void DateEdit::FocusLine() {
+    line_->setFocus();
+    line_->selectAll();
 }
 
 void DateEdit::Step(int days, int months) {
-    Commit();
+    if (!Commit()) return;
     if (date_) Take(FromQDate(ToQDate(*date_).addDays(days).addMonths(months)));
     line_->selectAll();
 }
@@ -166,8 +174,7 @@ bool DateEdit::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void DateEdit::OpenCalendar() {
-    Commit();
-    if (!date_) return;
+    if (!Commit() || !date_) return;
     QMenu menu(this);
     menu.setObjectName("calendarMenu");
     QCalendarWidget* calendar = MakeCalendar(palette());

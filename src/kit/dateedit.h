@@ -32,14 +32,19 @@ class DateEdit final : public QWidget {
     /// What stands beside the box, and names the parts to a screen reader.
     void SetCaption(const QString& caption);
 
-    /// Takes what is typed in the line but not yet confirmed.
-    void Commit();
+    /// Takes what is typed in the line but not yet confirmed. False when it is no date: it stays in the line,
+    /// and `Date` stays what it was.
+    bool Commit();
+    /// The cursor goes into the line, over what is typed there.
+    void FocusLine();
 
   signals:
     /// The person changed the date, or switched it on or off.
     void DateChanged(std::optional<bmr::Day> date);
-    /// What was typed is no date; the line shows the old one again.
+    /// What was typed is no date. It stays in the line until it is mended.
     void NotUnderstood(const QString& typed);
+    /// A key changed the line, or the date changed: what was said of the line holds no longer.
+    void Edited();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

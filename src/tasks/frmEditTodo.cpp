@@ -109,15 +109,23 @@ void frmEditTodo::BuildChoices() {
 
 void frmEditTodo::BuildDates() {
     const Day today = session_.ports.clock.Today();
-    const auto make = [&](const char* name, const QString& caption) {
+    const auto make = [&](const char* name, const QString& caption, QLabel* error) {
         auto* edit = new kit::DateEdit(today);
         edit->setObjectName(name);
         edit->SetRange(calendar::kLowerLimit, calendar::kUpperLimit);
         edit->SetCaption(caption);
+        connect(edit, &kit::DateEdit::Edited, error, &QLabel::hide);
+        connect(edit, &kit::DateEdit::NotUnderstood, this, [this, error](const QString& typed) {
+            error->setText(tr("“%1” is no date.").arg(typed));
+            error->show();
+            Changed();
+        });
         return edit;
     };
-    ctlDateDue = make("ctlDateDue", tr("Due"));
-    ctlDateCompleted = make("ctlDateCompleted", tr("Completed"));
+    lblDueError = MakeErrorLine("lblDueError");
+    lblCompletedError = MakeErrorLine("lblCompletedError");
+    ctlDateDue = make("ctlDateDue", tr("Due"), lblDueError);
+    ctlDateCompleted = make("ctlDateCompleted", tr("Completed"), lblCompletedError);
     connect(ctlDateDue, &kit::DateEdit::DateChanged, this, &frmEditTodo::DueChanged);
     connect(ctlDateCompleted, &kit::DateEdit::DateChanged, this, &frmEditTodo::CompletedChanged);
 }
@@ -168,8 +176,9 @@ void frmEditTodo::Lay(bool isNew) {
     left->addRow(MakeLabel(tr("Priority"), ctlPri[0]), priority);
     left->addRow(MakeLabel(tr("Cate&gory"), cboCategory), category);
     left->addRow(QString(), ctlPrivate);
-    right->addRow(MakeLabel(tr("&Due"), ctlDateDue), ctlDateDue);
-    right->addRow(MakeLabel(tr("&Completed"), ctlDateCompleted), ctlDateCompleted);
+    right->addRow(MakeLabel(tr("&Due"), ctlDateDue), WithError(ctlDateDue, lblDueError));
+    right->addRow(MakeLabel(tr("&Completed"), ctlDateCompleted),
+                  WithError(ctlDateCompleted, lblCompletedError));
     auto* halves = new QHBoxLayout;
     halves->setSpacing(Space::Group * 2);
     halves->addLayout(left, 1);
@@ -217,7 +226,8 @@ void frmEditTodo::ShowChoices(const EditorValues& values) {
     }
     ctlPrivate->setChecked(values.isPrivate);
     pickers_ = FillPickers(values.due, values.completed);
-    ShowPickers();
+    ctlDateDue->SetDate(pickers_.due);
+    ctlDateCompleted->SetDate(pickers_.completed);
 }
 
 EditorValues frmEditTodo::Values() const {
@@ -253,15 +263,19 @@ void frmEditTodo::Changed() {
     if (refused_) Storable();  // the words go as soon as the cause is gone
 }
 
-void frmEditTodo::ShowPickers() {
-    ctlDateDue->SetDate(pickers_.due);
-    ctlDateCompleted->SetDate(pickers_.completed);
+bool frmEditTodo::CommitDates() {
+    for (kit::DateEdit* edit : {ctlDateDue, ctlDateCompleted}) {
+        if (edit->Commit()) continue;
+        edit->FocusLine();
+        return false;
+    }
+    return true;
 }
 
 void frmEditTodo::DueChanged(std::optional<Day> date) {
     pickers_.due = date;
     const DueJudgement judgement = JudgeDueChange(pickers_, session_.ports.clock.Today());
-    ShowPickers();
+    ctlDateDue->SetDate(pickers_.due);
     if (judgement.changed) Changed();
     for (const int message : judgement.messages)
         session_.ports.prompter.Ask(
@@ -295,9 +309,7 @@ bool frmEditTodo::Storable() {
 }
 
 void frmEditTodo::cmdOK_Click() {
-    ctlDateDue->Commit();
-    ctlDateCompleted->Commit();
-    if (Storable())
+    if (CommitDates() && Storable())
         accept();
     else
         another = false;
@@ -305,13 +317,14 @@ void frmEditTodo::cmdOK_Click() {
 
 void frmEditTodo::cmdEsc_Click() {
     another = false;
+    const bool dates = session_.ending || CommitDates();  // a date that is still being typed is a change too
     if (recordChanged && !session_.ending) {
         Box box = MessageBox(20, BoxIcon::Question);
         box.buttons = Buttons::YesNo;
         box.standard = Answer::No;  // it loses nothing
         if (session_.ports.prompter.Ask(box) != Answer::Yes) {
             // "No" stores, so it is held to the same rules as the button that says so.
-            if (session_.ending || Storable()) QDialog::reject();
+            if (session_.ending || (dates && Storable())) QDialog::reject();
             return;
         }
     }
@@ -326,9 +339,9 @@ void frmEditTodo::reject() {
 void frmEditTodo::cmdEditCat_Click() {
     const std::int32_t before = category_;
     kit::frmEditCategories form(session_, store::Section::Todo, this);
-    const bool stored = form.exec() == QDialog::Accepted;
-    if (session_.ending) return;
-    FillCategories(stored ? form.LastWorkedOn(before) : before);
+    form.exec();
+    if (session_.ending || !session_.DatabaseOpen) return;
+    FillCategories(before);
     if (category_ != before) Changed();
 }
 

@@ -60,7 +60,8 @@ class frmEditTodo final : public QDialog {
     void ShowChoices(const EditorValues& values);
     void FillCategories(std::int32_t number);
     void Changed();
-    void ShowPickers();
+    /// Takes dates that are typed but not confirmed. False when one is no date.
+    bool CommitDates();
     void DueChanged(std::optional<Day> date);
     void CompletedChanged(std::optional<Day> date);
     /// Marks in words what cannot be stored; true when everything can.
@@ -86,7 +87,9 @@ class frmEditTodo final : public QDialog {
     QComboBox* cboCategory;
     QToolButton* cmdEditCat;
     kit::DateEdit* ctlDateDue;
+    QLabel* lblDueError;
     kit::DateEdit* ctlDateCompleted;
+    QLabel* lblCompletedError;
     QPushButton* cmdOK;
     QPushButton* cmdEsc;
 };

@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 
 #include "kit/drafttext.h"
+#include "kit/formparts.h"
 #include "tasks/frmEditTodo.h"
 
 namespace bmr::tasks {
@@ -45,7 +46,7 @@ std::optional<store::Draft> frmEditTodo::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
     EditorValues values = Values();
     values.category = category_;
-    std::optional<store::Draft> draft = DraftOf(values, ctlTask->text(), ctlNote->toPlainText());
+    std::optional<store::Draft> draft = DraftOf(values, ctlTask->text(), kit::PlainText(*ctlNote));
     draft->isPrivate = draft->isPrivate || wasPrivate_;
     return draft;
 }

@@ -98,6 +98,33 @@ TEST_F(FormEditTodo, ADueDateIsJudged) {
     EXPECT_FALSE(due->Date());
 }
 
+TEST_F(FormEditTodo, ATypedDateIsNeitherLostNorGuessed) {
+    Show({.task = "a", .priority = 1, .due = today});
+    const auto type = [this](const QString& text) {
+        auto& line = Named<QLineEdit>(*due, "line");
+        line.setFocus();
+        line.selectAll();
+        QTest::keyClicks(&line, text);
+    };
+    auto& words = Named<QLabel>(*form, "lblDueError");
+    type("whenever");
+    Click(*form, "ctlNote");
+    Click(*form, "cmdOK");
+    EXPECT_TRUE(form->isVisible()) << "what is no date is not stored as the old one";
+    EXPECT_TRUE(words.text().contains("whenever") && words.isVisible());
+    db.prompter.Expect(20, Answer::No);
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible()) << "storing by No is held to the same rule";
+    type("+");
+    EXPECT_FALSE(words.isVisible());
+    type("+2");
+    db.prompter.Expect(20, Answer::No);
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_TRUE(form->recordChanged);
+    EXPECT_EQ(form->Values().due, Day{today.serial + 2}) << "Escape asks about a date that is being typed";
+}
+
 TEST_F(FormEditTodo, WhatCannotBeStoredIsMarkedInWords) {
     Show({.task = "a", .priority = 1});
     test::TypeText(Named(*form, "ctlTask"), "ł");

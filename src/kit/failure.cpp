@@ -1,5 +1,7 @@
 #include "kit/failure.h"
 
+#include <QCoreApplication>
+
 #include "base/languageus.h"
 #include "store/session.h"
 
@@ -17,6 +19,21 @@ void TellFailure(store::Session& session, int error, const QString& what) {
         text += "\r\n\r\n" + session.ProgramDb->LastError();
     text += " (" + std::to_string(error) + ")";
     session.ports.prompter.Ask({0, text, Buttons::Ok, BoxIcon::Critical, Answer::Ok, ""});
+}
+
+bool AskToOverwrite(store::Session& session, const QString& record) {
+    Box box;
+    box.text =
+        QCoreApplication::translate(
+            "failure",
+            "This %1 cannot be read: what the file holds of it is damaged. Whatever you save now takes "
+            "the place of what is there, and that cannot be undone. Write the %1 anew?")
+            .arg(record)
+            .toStdString();
+    box.buttons = Buttons::YesNo;
+    box.icon = BoxIcon::Warning;
+    box.standard = Answer::No;
+    return session.ports.prompter.Ask(box) == Answer::Yes;
 }
 
 }  // namespace bmr::kit

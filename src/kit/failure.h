@@ -12,4 +12,8 @@ namespace bmr::kit {
 /// the engine's own words. Nothing for 0 and for a cancelled prompt.
 void TellFailure(store::Session& session, int error, const QString& what);
 
+/// Before an editor opens on a record ("memo") that did not decode: its store would end what might still be
+/// saved by other means. True when the person wants that; the default answer does not.
+bool AskToOverwrite(store::Session& session, const QString& record);
+
 }  // namespace bmr::kit

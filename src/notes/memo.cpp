@@ -75,7 +75,8 @@ Memo ClearMemo(Session& session, std::int32_t category) {
     return memo;
 }
 
-bool ReadMemo(Session& session, const Recordset& row, Memo& memo) {
+Memo ReadMemo(Session& session, const Recordset& row) {
+    Memo memo;
     std::vector<Value> fields(6);
     store::DecodeRecord(fields, TextOf(row.Field("fEtx")), true, session.cipher);
     const auto at = [&fields](MemoField field) -> const Value& {
@@ -86,19 +87,18 @@ bool ReadMemo(Session& session, const Recordset& row, Memo& memo) {
     memo.userNumber = static_cast<std::uint8_t>(NumberOf(at(MemoField::UserNumber)));
     const auto* flag = std::get_if<bool>(&at(MemoField::Private));
     memo.isPrivate = flag ? *flag : true;
+    memo.readable = flag && store::DecodesWhole(session.cipher.FieldPlain.view());
     memo.dateCreated = DateOf(at(MemoField::DateCreated));
     memo.dateLastModified = DateOf(at(MemoField::DateLastModified));
     memo.subject = TextOf(at(MemoField::Subject));
     memo.body = TextOf(at(MemoField::Memo));
-    return flag != nullptr;
+    return memo;
 }
 
 std::optional<Memo> FetchMemo(Session& session, std::int32_t key) {
     const auto row = store::FetchRow(session, Section::Memo, key);
     if (!row) return std::nullopt;
-    Memo memo;
-    ReadMemo(session, *row, memo);
-    return memo;
+    return ReadMemo(session, *row);
 }
 
 int WriteMemo(Session& session, Memo& memo) {
@@ -156,6 +156,7 @@ Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category, 
 }
 
 Bytes MemoSubject(Session& session, std::int32_t fPK) {
+    if (!session.ProgramDb) return {};  // a list may outlive its database for a moment
     auto cursor = session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) +
                                             store::kOwnerAccess);
     return cursor && cursor->Next() ? cry::FieldCipher(session.cipher, 2, cursor->Bytes(0)) : Bytes();

@@ -22,6 +22,7 @@ struct Memo {
     Bytes subject;
     Bytes body;  ///< at most store::kLongestText characters are kept
     std::int32_t category = 0;
+    bool readable = true;  ///< false when the payload did not decode whole: a store would end the rest
 };
 
 /// Stored in every memo. Never renumber.
@@ -30,8 +31,8 @@ enum class MemoField : std::uint8_t { UserNumber, Private, DateCreated, DateLast
 /// A new memo in a category; the fixed entries of a combo (all, edit) count as unfiled.
 Memo ClearMemo(store::Session& session, std::int32_t category);
 
-/// The memo of a row. False when the payload does not decipher; the memo then is private and empty.
-bool ReadMemo(store::Session& session, const store::Recordset& row, Memo& memo);
+/// The memo of a row, or as much of it as decodes; without a flag it counts as private.
+Memo ReadMemo(store::Session& session, const store::Recordset& row);
 
 /// The memo of a key; nothing when it is gone or belongs to another section.
 std::optional<Memo> FetchMemo(store::Session& session, std::int32_t key);

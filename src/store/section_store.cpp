@@ -58,6 +58,7 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
 }
 
 std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key) {
+    if (!session.ProgramDb) return nullptr;
     auto row = session.ProgramDb->OpenRecordset(
         "SELECT * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess, RecordsetType::Snapshot);
     if (!row || (*row)->Eof() || NumberOf((*row)->Field("fSec")) != section) return nullptr;
@@ -81,6 +82,7 @@ int SetPayload(Session& session, Recordset& row, std::string_view payload) {
 }
 
 Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub) {
+    if (!session.ProgramDb) return Error{EngineNumber::Failed, "no database is open"};
     auto rows =
         session.ProgramDb->Select("SELECT fEtx FROM tt WHERE " + SingleRow(fSec, fSub) + kOwnerAccess);
     if (!rows) return rows.error();

@@ -33,7 +33,8 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
                       const std::function<int(Recordset& row, bool added)>& fill,
                       const std::function<int(std::int32_t fPK, bool added)>& after = nullptr);
 
-/// "SELECT * FROM tt WHERE fPK=key": the row, or nothing when it is gone or belongs to another section.
+/// "SELECT * FROM tt WHERE fPK=key": the row, or nothing when it is gone or belongs to another section, or
+/// when the database was closed meanwhile.
 std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key);
 
 /// DELETE of one row. 0 or the engine's number.
@@ -47,7 +48,7 @@ std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std:
 [[nodiscard]] int SetPayload(Session& session, Recordset& row, std::string_view payload);
 
 /// The plain payload of the one row of a class and subclass (settings, labels, category lists); nothing when
-/// there is no such row, empty when it does not decipher. An engine number fails.
+/// there is no such row, empty when it does not decipher. An engine number fails; so does a closed database.
 Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub);
 
 /// Adds or edits that row: payload, change marks, noise in every column that it leaves unused. One

@@ -46,6 +46,19 @@ TEST_F(Memos, ComeBackWhole) {
     EXPECT_EQ(ClearMemo(store.session, -1).category, 0);
 }
 
+TEST_F(Memos, OnesThatDoNotDecodeWholeSaySo) {
+    const Memo memo = Add("Garden plan");
+    EXPECT_TRUE(FetchMemo(store.session, memo.key)->readable);
+    Bytes payload(store.session.cipher.FieldPlain.view());
+    payload.pop_back();
+    store.Set(memo.key, "fEtx", cry::FieldCipher(store.session.cipher, 1, payload));
+    const auto cut = FetchMemo(store.session, memo.key);
+    EXPECT_FALSE(cut->readable);
+    EXPECT_EQ(cut->subject, "Garden plan") << "what can be read is read";
+    store.session.ProgramDb.reset();
+    EXPECT_FALSE(FetchMemo(store.session, memo.key)) << "a closed database holds none";
+}
+
 TEST_F(Memos, ChangingOnlyTheBodyKeepsThePlaceAndTheDayOfMaking) {
     Memo memo = Add("Garden plan");
     const std::string row = "SELECT fR1, fR2, fT1, AE FROM tt WHERE fPK=" + std::to_string(memo.key);

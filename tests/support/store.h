@@ -49,6 +49,17 @@ struct TempStore : TestSession {
         return std::move(*rows);
     }
 
+    /// Sets one column of a row behind the program's back.
+    void Set(std::int32_t fPK, const char* column, const Value& value) {
+        auto rows = session.ProgramDb->OpenRecordset("tt");
+        ASSERT_TRUE(rows);
+        (*rows)->FindFirst("fPK=" + std::to_string(fPK));
+        ASSERT_FALSE((*rows)->NoMatch()) << fPK;
+        (*rows)->Edit();
+        (*rows)->SetField(column, value);
+        ASSERT_EQ((*rows)->Update(), 0);
+    }
+
     TempFolder folder;
 
   private:

@@ -232,6 +232,7 @@ void frmClassified::EditRecord(Record record, const store::Draft* draft) {
         const int error = SaveRecord(session_, record);
         kit::TellFailure(session_, error, tr("The record was not stored."));
         stored = error == 0;  // what could not be stored stays in the editor
+        if (session_.ending || !session_.DatabaseOpen) break;
     }
     editing_ = false;
     const std::int32_t key = record.key;

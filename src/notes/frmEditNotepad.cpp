@@ -164,7 +164,7 @@ std::optional<store::Draft> frmEditNotepad::HalfWritten() const {
     draft->isPrivate = memo_.isPrivate || ctlPrivate->isChecked();
     kit::SetTitle(*draft, ctlSubject->text());
     kit::PutText(*draft, kSubject, ctlSubject->text());
-    kit::PutText(*draft, kBody, ctlNote->toPlainText());
+    kit::PutText(*draft, kBody, kit::PlainText(*ctlNote));
     kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
     return draft;
 }
@@ -239,9 +239,9 @@ void frmEditNotepad::reject() {
 void frmEditNotepad::cmdEditCat_Click() {
     const std::int32_t before = memo_.category;
     kit::frmEditCategories form(session_, store::Section::Memo, this);
-    const bool stored = form.exec() == QDialog::Accepted;
+    form.exec();
     if (session_.ending || !session_.DatabaseOpen) return;
-    FillCategories(stored ? form.LastWorkedOn(before) : before);
+    FillCategories(before);
     if (memo_.category != before) Changed();
 }
 

@@ -28,12 +28,19 @@ namespace {
 /// Place of the memo pad among the last-used categories.
 constexpr std::size_t kLastCategory = 2;
 
+/// Empty for what is no date.
 QString ShortDate(DateValue date) {
+    if (date.serial < 1) return {};
     const auto day = YearMonthDay(DayOf(date));
     return QLocale().toString(
         QDate(static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
               static_cast<int>(static_cast<unsigned>(day.day()))),
         QLocale::ShortFormat);
+}
+
+void ShowDate(QLabel& label, const QString& caption, DateValue date) {
+    const QString shown = ShortDate(date);
+    label.setText(shown.isEmpty() ? shown : caption + shown);
 }
 
 }  // namespace
@@ -70,7 +77,12 @@ void frmNotepad::FillCategories(std::int32_t number) {
     categories_ = store::FillCategories(session_, store::Section::Memo, true, true, true);
     kit::FillCategoryCombo(*cboCategories, categories_);
     kit::SelectCategory(*cboCategories, number);
+    TakeCategory();
+}
+
+void frmNotepad::TakeCategory() {
     category_ = kit::SelectedCategory(*cboCategories);
+    mnuMemoDeleteCategory->setEnabled(category_ != Category::All);
 }
 
 void frmNotepad::Rebuild(std::int32_t key) {
@@ -119,13 +131,13 @@ void frmNotepad::HidePad() {
 void frmNotepad::ShowMemo(std::int32_t key) {
     auto memo = key == kit::RecordListView::kNoKey ? std::nullopt : FetchMemo(session_, key);
     if (!memo) return HidePad();
-    txtSubject->setText(kit::ToQString(memo->subject));
+    txtSubject->setText(memo->readable ? kit::ToQString(memo->subject) : tr("(cannot be read)"));
     txtInput->setPlainText(kit::ToQString(memo->body).replace("\r\n", "\n"));
     ctlPrivate->setChecked(memo->isPrivate);
     ctlPrivate->setVisible(memo->isPrivate);
     cboCategory->setText(kit::ToQString(store::CategoryName(categories_, memo->category)));
-    ctlDateCreated->setText("Date created: " + ShortDate(memo->dateCreated));
-    ctlLastModified->setText("Last modified: " + ShortDate(memo->dateLastModified));
+    ShowDate(*ctlDateCreated, "Date created: ", memo->dateCreated);
+    ShowDate(*ctlLastModified, "Last modified: ", memo->dateLastModified);
     cry::WipeString(memo->body);
     padFrame->show();
     mnuMemoEdit->setEnabled(true);
@@ -133,9 +145,8 @@ void frmNotepad::ShowMemo(std::int32_t key) {
 }
 
 void frmNotepad::cboCategories_Click() {
-    const std::int32_t chosen = kit::SelectedCategory(*cboCategories);
-    if (chosen == Category::Edit) return cmdEditCat_Click(true);
-    category_ = chosen;
+    if (kit::SelectedCategory(*cboCategories) == Category::Edit) return cmdEditCat_Click(true);
+    TakeCategory();
     Rebuild(listSelect->SelectedKey());
 }
 
@@ -195,6 +206,7 @@ void frmNotepad::OpenDraft(const store::Draft& draft) {
 }
 
 void frmNotepad::EditRecord(Memo memo, const store::Draft* draft) {
+    if (!memo.readable && !kit::AskToOverwrite(session_, tr("memo"))) return;
     const bool isNew = memo.key == store::kNewRecord;
     bool stored = false;
     editing_ = true;
@@ -210,15 +222,19 @@ void frmNotepad::EditRecord(Memo memo, const store::Draft* draft) {
         if (!recordChanged->isChecked()) break;
         memo = editor.Value();
         stored = Store(memo);  // what could not be stored stays in the editor
+        if (session_.ending || !session_.DatabaseOpen) break;
     }
     editing_ = false;
     recordChanged->setChecked(false);
     if (session_.ending || !session_.DatabaseOpen) return;
     emit DraftSettled();
     const std::int32_t shown = listSelect->SelectedKey();
+    const std::int32_t categoryBefore = category_;
     FillCategories(stored && category_ != Category::All ? memo.category : category_);
     if (stored)
         Rebuild(memo.key);
+    else if (category_ != categoryBefore)
+        Rebuild(shown);  // the editor's own door to the categories led to the end of the one that was shown
     else
         ShowMemo(shown);
 }
@@ -241,7 +257,7 @@ void frmNotepad::cmdDelete_Click() {
 }
 
 void frmNotepad::mnuMemoDeleteAll_Click(bool oneCategory) {
-    if (model_->rowCount() == 0) return;
+    if (model_->rowCount() == 0 || (oneCategory && category_ == Category::All)) return;
     const int first = oneCategory ? 102 : 80;
     for (const int number : {first, 81})
         if (session_.ports.prompter.Ask(ConfirmDelete(number, Msg(number))) != Answer::Ok) return;

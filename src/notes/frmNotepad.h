@@ -60,6 +60,7 @@ class frmNotepad final : public SectionForm {
     void Lay();
 
     void FillCategories(std::int32_t number);
+    void TakeCategory();
     void cboCategories_Click();
     void cmdEditCat_Click(bool fromCombo);
     void ShowAllCategories();

@@ -176,15 +176,21 @@ void frmTodo::OpenDraft(const store::Draft& draft) {
 }
 
 void frmTodo::EditRecord(Task task, const store::Draft* draft) {
-    if (editing_) return;
+    if (editing_ || (!task.readable && !kit::AskToOverwrite(session_, tr("task")))) return;
     editing_ = true;
     for (bool another = true; another;) {
         const std::int32_t keyBefore = task.key;
         const bool stored = EditAndStore(task, another, std::exchange(draft, nullptr));
         if (session_.ending || !session_.DatabaseOpen) break;
         emit DraftSettled();
+        const std::int32_t categoryBefore = category_;
+        const std::int32_t selected = TodoList->SelectedKey();
         FillCategories(category_);
-        if (!stored) break;
+        if (!stored) {
+            // The editor's own door to the categories may have led to the end of the one that is shown.
+            if (category_ != categoryBefore) RebuildAndSelect(selected);
+            break;
+        }
         showListitems();
         TodoList->SelectKey(keyBefore);  // the key before the store: after an add no row has it
         if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
@@ -197,8 +203,7 @@ bool frmTodo::EditAndStore(Task& task, bool& another, const store::Draft* draft)
     EditorValues values =
         RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
     bool stored = false;
-    bool gone = false;
-    for (bool again = false; !stored && !gone; again = true) {
+    for (bool again = false; !stored; again = true) {
         frmEditTodo editor(session_, values, task.key == store::kNewRecord, this);
         editor_ = &editor;
         editedKey_ = task.key;
@@ -212,17 +217,16 @@ bool frmTodo::EditAndStore(Task& task, bool& another, const store::Draft* draft)
         recordChanged->setChecked(false);
         values = editor.Values();
         EditorToRecord(values, task);
-        stored = Store(task, gone);  // what could not be stored comes back in the editor
+        stored = Store(task);  // what could not be stored comes back in the editor
+        if (session_.ending || !session_.DatabaseOpen) break;
     }
     return stored;
 }
 
-bool frmTodo::Store(Task& task, bool& gone) {
-    const auto outcome = WriteRecord(session_, task);
-    if (outcome.error == 0) return true;
-    gone = outcome.error == -16;
-    kit::TellFailure(session_, outcome.error, tr("The task was not stored."));
-    return false;
+bool frmTodo::Store(Task& task) {
+    const int error = WriteRecord(session_, task).error;
+    kit::TellFailure(session_, error, tr("The task was not stored."));
+    return error == 0;
 }
 
 void frmTodo::AddQuickly() {
@@ -234,8 +238,7 @@ void frmTodo::AddQuickly() {
     }
     Task task = ClearRecord(category_);
     task.task = kit::FromQString(typed);
-    bool gone = false;
-    if (!Store(task, gone)) return;
+    if (!Store(task)) return;
     txtQuickAdd->clear();
     strip_->Clear();
     showListitems();

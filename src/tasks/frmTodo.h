@@ -81,7 +81,7 @@ class frmTodo final : public SectionForm {
     /// One round of the editor. True when the record was stored; `another` when a new one is to follow.
     bool EditAndStore(Task& task, bool& another, const store::Draft* draft);
     /// Stores; tells of what went wrong. False when the record still waits to be stored.
-    bool Store(Task& task, bool& gone);
+    bool Store(Task& task);
     std::optional<std::int32_t> Selected() const;
     void RebuildAndSelect(std::int32_t key);
     void ShowEmptyState();

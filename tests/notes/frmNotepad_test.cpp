@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include "kit/recordlistview.h"
+#include "store/categories.h"
 #include "store/record_put.h"
 #include "support/store.h"
 
@@ -130,6 +131,38 @@ TEST_F(Notepad, AMemoThatIsTooLongIsToldBeforeItIsCut) {
     form->cmdEdit_Click();
     EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText().size(),
               static_cast<qsizetype>(store::kLongestText));
+}
+
+TEST_F(Notepad, TheDeleteOfACategoryNeverReachesFurther) {
+    ASSERT_EQ(store::StoreCategories(store.session, {{"Garden", 3}}, store::Section::Memo), 0);
+    form->Refresh();
+    Add("Roses", "red", 3);
+    Add("Wine", "white");
+    auto& deleteCategory = Find<QAction>("mnuMemoDeleteCategory");
+    EXPECT_FALSE(deleteCategory.isEnabled());
+    form->mnuMemoDeleteAll_Click(true);
+    EXPECT_EQ(Subjects(), (QStringList{"Roses", "Wine"})) << "all categories are no category";
+    auto& combo = Find<QComboBox>("cboCategories");
+    combo.setCurrentIndex(combo.findData(3));
+    emit combo.activated(combo.currentIndex());
+    store.prompter.Expect(102).Expect(81);
+    deleteCategory.trigger();
+    combo.setCurrentIndex(combo.findData(-1));
+    emit combo.activated(combo.currentIndex());
+    EXPECT_EQ(Subjects(), QStringList{"Wine"});
+}
+
+TEST_F(Notepad, ADamagedMemoIsOnlyWrittenOverWhenAsked) {
+    Add("Broken", "lost");
+    store.Set(list().SelectedKey(), "fEtx", Bytes("xxxx"));
+    form->Refresh();
+    list().SelectFirst();
+    EXPECT_EQ(Find<QLabel>("txtSubject").text(), "(cannot be read)");
+    EXPECT_EQ(Find<QLabel>("ctlDateCreated").text(), "") << "no date is no day in 1899";
+    store.prompter.Expect(0, Answer::No);
+    form->cmdEdit_Click();
+    EXPECT_EQ(store.prompter.shown.back().standard, Answer::No);
+    EXPECT_FALSE(form->Editing());
 }
 
 TEST_F(Notepad, WhatTheFormatCannotHoldIsMarkedAndNotStored) {

@@ -49,6 +49,7 @@ class ScriptedPrompter final : public Prompter {
 
     Answer Ask(const Box& box) override {
         shown.push_back(box);
+        if (onAsk) onAsk();
         if (answers.empty() || answers.front().number != box.number) {
             ADD_FAILURE() << "unexpected box " << box.number << ": " << box.text;
             return box.buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
@@ -98,6 +99,7 @@ class ScriptedPrompter final : public Prompter {
     std::deque<std::optional<std::string>> inputs;
     std::deque<std::optional<std::filesystem::path>> files;
     std::vector<Box> shown;
+    std::function<void()> onAsk;  ///< what happens while a box stands
     std::vector<PassphraseRequest> requests;
     std::vector<std::string> comments;
     int pauses = 0;

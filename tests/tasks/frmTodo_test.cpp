@@ -370,17 +370,83 @@ TEST_F(FormTodo, AStoreOverAnotherSectionsRowIsRefused) {
     Open();
     Visitor visitor;
     visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        auto row = db.session.ProgramDb->OpenRecordset("tt");
-        (*row)->FindFirst("fPK=" + std::to_string(key));
-        (*row)->Edit();
-        (*row)->SetField("fSec", std::int32_t{14});
-        ASSERT_EQ((*row)->Update(), 0);
+        db.Set(key, "fSec", std::int32_t{14});
         test::TypeText(Named(editor, "ctlTask"), "!");
         Click(editor, "cmdOK");
     });
-    db.prompter.Expect(16);
+    visitor.Meet("frmEditTodo", [](QWidget& editor) {
+        EXPECT_EQ(Named<QLineEdit>(editor, "ctlTask").text(), "!") << "what was typed can still be copied";
+        QTest::keyClick(&editor, Qt::Key_Escape);
+    });
+    db.prompter.Expect(16).Expect(20, Answer::Yes);
     Press(Qt::Key_Return);
     EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=14 And fPK=" + std::to_string(key)), 1);
+}
+
+TEST_F(FormTodo, AnEndWhileAFailureIsToldOpensNoEditorAgain) {
+    const auto key = Add("mine");
+    Open();
+    Visitor visitor;
+    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
+        db.Set(key, "fSec", std::int32_t{14});
+        test::TypeText(Named(editor, "ctlTask"), "!");
+        Click(editor, "cmdOK");
+    });
+    db.prompter.onAsk = [&] {
+        db.session.ending = true;
+        db.session.DatabaseOpen = false;
+        db.session.ProgramDb.reset();
+    };
+    db.prompter.Expect(16);
+    Press(Qt::Key_Return);
+    EXPECT_FALSE(form->Editing());
+}
+
+TEST_F(FormTodo, ADamagedTaskIsOnlyWrittenOverWhenAsked) {
+    db.session.ShowPrivate = true;
+    const auto key = Add("broken");
+    const std::string row = "SELECT fEtx FROM tt WHERE fPK=" + std::to_string(key);
+    db.Set(key, "fEtx", Bytes("xxxx"));
+    const auto before = db.Row(row)->Field("fEtx");
+    Open();
+    db.prompter.Expect(0, Answer::No);
+    Press(Qt::Key_Return);
+    EXPECT_EQ(db.prompter.shown.back().standard, Answer::No);
+    EXPECT_EQ(db.Row(row)->Field("fEtx"), before);
+    db.prompter.Expect(0, Answer::Yes);
+    Visitor visitor;
+    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
+        test::TypeText(Named(editor, "ctlTask"), "again");
+        Click(editor, "cmdOK");
+    });
+    Press(Qt::Key_Return);
+    EXPECT_EQ(Stored(key).task, "again");
+}
+
+TEST_F(FormTodo, ACategoryThatEndsInACancelledEditorLeavesTheFilterTrue) {
+    Visitor visitor;
+    db.prompter.inputs = {"Garden"};
+    visitor.Meet("frmEditCategories", [](QWidget& dialog) {
+        Click(dialog, "cmdNew");
+        Click(dialog, "cmdOK");
+    });
+    Click(*form, "cmdEditCat");
+    Add("in no category");
+    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
+        db.prompter.Expect(19);
+        QTimer::singleShot(20, [] {
+            QWidget& dialog = *QApplication::activeModalWidget();
+            Click(dialog, "cmdDelete");
+            Click(dialog, "cmdOK");
+        });
+        Click(editor, "cmdEditCat");
+        EXPECT_EQ(Named<QComboBox>(editor, "cboCategory").currentText(), "Unfiled");
+        db.prompter.Expect(20, Answer::Yes);
+        Click(editor, "cmdEsc");
+    });
+    Click(*form, "cmdAdd");
+    EXPECT_EQ(Named<QComboBox>(*form, "cboCategories").currentText(), "All");
+    EXPECT_EQ(Shown(), QStringList{"in no category"});
 }
 
 TEST_F(FormTodo, TheListDeciphersOnlyWhatIsSeen) {

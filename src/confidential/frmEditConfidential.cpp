@@ -174,9 +174,9 @@ std::optional<store::Draft> frmEditConfidential::HalfWritten() const {
     for (std::size_t i = 0; i < txtCtl.size(); ++i) {
         const bool tall = i == 1 && !singleLineField1;
         kit::PutText(*draft, static_cast<std::uint8_t>(kValue + i),
-                     tall ? tmpTxt->toPlainText() : txtCtl[i]->text());
+                     tall ? kit::PlainText(*tmpTxt) : txtCtl[i]->text());
     }
-    kit::PutText(*draft, kNotes, txtNotes->toPlainText());
+    kit::PutText(*draft, kNotes, kit::PlainText(*txtNotes));
     kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
     return draft;
 }

@@ -77,10 +77,10 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     SystemClock clock;
     cry::SystemRandom random;
     app::QtRegistry registry;
-    store::Session session({prompter, clock, random, registry});
+    kit::QtDesktop desktop;
+    store::Session session({prompter, clock, random, registry, &desktop});
     const auto keyboard = kit::MakeKeyPort();
     kit::ClipboardGuard clipboard(*QApplication::clipboard(), random, clock);
-    kit::QtDesktop desktop;
     kit::SessionEvents events;
     kit::Guards guards(*keyboard, random, clipboard);
     app::frmMDI frame({session,

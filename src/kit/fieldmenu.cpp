@@ -6,12 +6,55 @@
 
 #include "kit/icons.h"
 #include "shell/helpers.h"
+#include "store/session.h"
 
 namespace bmr::kit {
 namespace {
 
 QString Tr(const char* text) {
     return QCoreApplication::translate("FieldMenu", text);
+}
+
+/// A text field of either sort as the menu finds it. The selection is kept: the field may lose it with the
+/// focus.
+struct FieldState {
+    QString selected;
+    QString content;  ///< what web, mail and dial take
+    bool writable = true;
+    bool secret = false;
+    bool empty = false;
+};
+
+FieldState StateOf(const QLineEdit& field, bool onlySelected) {
+    FieldState state;
+    state.selected = field.selectedText();
+    state.writable = !field.isReadOnly();
+    state.secret = field.echoMode() != QLineEdit::Normal;
+    state.empty = field.text().isEmpty();
+    if (!state.secret)
+        state.content = onlySelected || field.hasSelectedText() ? state.selected : field.text();
+    return state;
+}
+
+FieldState StateOf(const QPlainTextEdit& field, bool) {
+    FieldState state;
+    state.selected = field.textCursor().selectedText().replace(QChar::ParagraphSeparator, QChar('\n'));
+    state.content = state.selected;
+    state.writable = !field.isReadOnly();
+    state.empty = field.document()->isEmpty();
+    return state;
+}
+
+/// Whom the entries for web, mail and dial call; none of both, no such entry.
+struct Outward {
+    Prompter* prompter = nullptr;
+    Desktop* desktop = nullptr;
+    FieldUse use;
+    bool onlySelected = false;
+};
+
+Outward ForFreeText(store::Session& session) {
+    return {&session.ports.prompter, session.ports.desktop, {.web = true, .mail = true, .dial = true}, true};
 }
 
 QAction* Add(QMenu& menu, const char* name, const char* text, const char* icon, bool enabled,
@@ -22,12 +65,14 @@ QAction* Add(QMenu& menu, const char* name, const char* text, const char* icon, 
     return action;
 }
 
-/// `selected` keeps what was selected when the menu opened: the field may lose it with the focus.
-void AddUses(QMenu& menu, const std::string& content, Prompter& prompter, Desktop& desktop,
-             const FieldUse& use) {
-    if (!use.web && !use.mail && !use.dial) return;
-    menu.addSeparator();
+void AddUses(QMenu& menu, const FieldState& state, const Outward& to) {
+    const FieldUse& use = to.use;
+    if (!to.prompter || !to.desktop || (!use.web && !use.mail && !use.dial)) return;
+    Prompter& prompter = *to.prompter;
+    Desktop& desktop = *to.desktop;
+    const std::string content = state.content.toStdString();
     const bool any = !content.empty();
+    menu.addSeparator();
     if (use.web) {
         Add(menu, "mnuWeb", "Open &Website", "internet-web-browser", any,
             [&prompter, &desktop, content] { shell::OpenWebsite(prompter, desktop, content); });
@@ -37,42 +82,72 @@ void AddUses(QMenu& menu, const std::string& content, Prompter& prompter, Deskto
             [&prompter, &desktop, content] { shell::SendMail(prompter, desktop, content); });
     }
     if (use.dial) {
-        Add(menu, "mnuDial", "&Dial…", "call-start", true,
+        // A field for a number says itself that it is empty; free text without a selection is no number.
+        Add(menu, "mnuDial", "&Dial…", "call-start", any || !to.onlySelected,
             [&prompter, &desktop, content, person = use.person] {
                 shell::DialPhone(prompter, desktop, content, person ? person().toStdString() : std::string());
             });
     }
 }
 
-void Show(QLineEdit& field, const QPoint& at, Prompter& prompter, Desktop& desktop, const FieldUse& use) {
-    const QString selected = field.selectedText();
-    const bool secret = field.echoMode() != QLineEdit::Normal;
-    const auto allowed = shell::SetMenuForSelection(selected.toStdString(), !field.isReadOnly(), secret);
+template <class Field>
+void Show(Field& field, const QPoint& at, const Outward& to) {
+    const FieldState state = StateOf(field, to.onlySelected);
+    const auto allowed =
+        shell::SetMenuForSelection(state.selected.toStdString(), state.writable, state.secret);
     QMenu menu(&field);
     menu.setObjectName("mnuAddressBoxRC");
     Add(menu, "mnuCut", "Cu&t", "edit-cut", allowed.cut, [&field] { field.cut(); });
     Add(menu, "mnuCopy", "&Copy", "edit-copy", allowed.copy, [&field] { field.copy(); });
-    Add(menu, "mnuCopyNoSpaces", "Copy (&no spaces)", "edit-copy", allowed.copyNoSpaces, [selected] {
+    Add(menu, "mnuCopyNoSpaces", "Copy (&no spaces)", "edit-copy", allowed.copyNoSpaces, [&state] {
         QApplication::clipboard()->setText(
-            QString::fromStdString(shell::WithoutBlanks(selected.toStdString())));
+            QString::fromStdString(shell::WithoutBlanks(state.selected.toStdString())));
     });
     Add(menu, "mnuPaste", "&Paste", "edit-paste", allowed.paste, [&field] { field.paste(); });
     menu.addSeparator();
-    Add(menu, "mnuSelectAll", "Select &All", "edit-select-all", !field.text().isEmpty(),
+    Add(menu, "mnuSelectAll", "Select &All", "edit-select-all", !state.empty,
         [&field] { field.selectAll(); });
-    const QString content = secret ? QString() : selected.isEmpty() ? field.text() : selected;
-    AddUses(menu, content.toStdString(), prompter, desktop, use);
-    menu.exec(field.mapToGlobal(at));
+    AddUses(menu, state, to);
+    menu.exec(at);
+}
+
+void Give(QLineEdit& field, Outward to) {
+    field.setContextMenuPolicy(Qt::CustomContextMenu);
+    QObject::connect(
+        &field, &QWidget::customContextMenuRequested, &field,
+        [&field, to = std::move(to)](const QPoint& at) { Show(field, field.mapToGlobal(at), to); });
+}
+
+void Give(QPlainTextEdit& field, Outward to) {
+    to.onlySelected = true;
+    field.setContextMenuPolicy(Qt::CustomContextMenu);
+    // Such a field tells places within its viewport.
+    QObject::connect(&field, &QWidget::customContextMenuRequested, &field,
+                     [&field, to = std::move(to)](const QPoint& at) {
+                         Show(field, field.viewport()->mapToGlobal(at), to);
+                     });
 }
 
 }  // namespace
 
 void GiveFieldMenu(QLineEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use) {
-    field.setContextMenuPolicy(Qt::CustomContextMenu);
-    QObject::connect(&field, &QWidget::customContextMenuRequested, &field,
-                     [&field, &prompter, &desktop, use = std::move(use)](const QPoint& at) {
-                         Show(field, at, prompter, desktop, use);
-                     });
+    Give(field, {&prompter, &desktop, std::move(use)});
+}
+
+void GiveFieldMenu(QPlainTextEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use) {
+    Give(field, {&prompter, &desktop, std::move(use)});
+}
+
+void GiveFieldMenu(QLineEdit& field) {
+    Give(field, {});
+}
+
+void GiveFieldMenu(QLineEdit& field, store::Session& session) {
+    Give(field, ForFreeText(session));
+}
+
+void GiveFieldMenu(QPlainTextEdit& field, store::Session& session) {
+    Give(field, ForFreeText(session));
 }
 
 }  // namespace bmr::kit

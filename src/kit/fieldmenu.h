@@ -1,9 +1,14 @@
 #pragma once
 
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <functional>
 
 #include "base/ports.h"
+
+namespace bmr::store {
+struct Session;
+}
 
 namespace bmr::kit {
 
@@ -19,5 +24,16 @@ struct FieldUse {
 /// All, and what `use` names. Web, mail and dial take the selected text, or all when nothing is selected.
 /// Both ports must outlive the field.
 void GiveFieldMenu(QLineEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use = {});
+
+/// The same for a field of many lines; web, mail and dial take the selected text only.
+void GiveFieldMenu(QPlainTextEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use = {});
+
+/// The menu for a field whose content is a name and nothing else.
+void GiveFieldMenu(QLineEdit& field);
+
+/// The menu for free text, which may hold an address or a number anywhere: web, mail and dial are there for
+/// what is selected, as far as the session knows a desktop.
+void GiveFieldMenu(QLineEdit& field, store::Session& session);
+void GiveFieldMenu(QPlainTextEdit& field, store::Session& session);
 
 }  // namespace bmr::kit

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "kit/fieldmenu.h"
 #include "kit/guards.h"
 #include "kit/theme.h"
 #include "kit/words.h"
@@ -24,6 +25,7 @@ frmInputbox::frmInputbox(const QString& title, const QString& prompt, const QStr
     txtInput->setObjectName("txtInput");
     txtInput->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
     txtInput->selectAll();
+    GiveFieldMenu(*txtInput);
     lblPrompt->setBuddy(txtInput);
     lblError = new QLabel;
     lblError->setObjectName("lblError");

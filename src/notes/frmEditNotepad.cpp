@@ -14,6 +14,7 @@
 #include "base/languageus.h"
 #include "kit/categorycombo.h"
 #include "kit/drafttext.h"
+#include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/frmEditCategories.h"
 #include "kit/guards.h"
@@ -80,6 +81,8 @@ void frmEditNotepad::BuildControls() {
     cmdEditCat->setToolTip(tr("Edit categories"));
     cmdEditCat->setAccessibleName(tr("Edit categories"));
     cmdEditCat->setFocusPolicy(Qt::StrongFocus);
+    kit::GiveFieldMenu(*ctlSubject, session_);
+    kit::GiveFieldMenu(*ctlNote, session_);
     connect(ctlSubject, &QLineEdit::textChanged, this, &frmEditNotepad::Changed);
     connect(ctlNote, &QPlainTextEdit::textChanged, this, &frmEditNotepad::Changed);
     connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditNotepad::Changed);

@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "kit/emptystate.h"
+#include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recordlistview.h"
@@ -121,6 +122,7 @@ void frmNotepad::BuildPad() {
     txtInput->setReadOnly(true);
     txtInput->setFrameShape(QFrame::NoFrame);
     txtInput->setTabChangesFocus(true);
+    kit::GiveFieldMenu(*txtInput, session_);
     ctlPrivate = new QCheckBox(tr("Private"));
     ctlPrivate->setObjectName("ctlPrivate");
     ctlPrivate->setIcon(kit::Icon("object-locked"));

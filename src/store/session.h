@@ -59,6 +59,7 @@ struct Ports {
     Clock& clock;
     RandomSource& random;
     Registry& registry;
+    Desktop* desktop = nullptr;  ///< none where nothing outside is to be started
 };
 
 /// All state of one sitting. Passed by reference; there is no other shared state.
@@ -87,6 +88,7 @@ struct Session {
     bool ShowPrivate = false;
     std::uint8_t SectionCode = Section::None;
     std::int32_t PinPassed = 0;      ///< bit k: the PIN of section 11 + k was given in this sitting
+    Secret quickTask;                ///< begun in the line below the task list, while another section is open
     bool CalendarDirty = false;      ///< a task changed: the calendar's task pane is to be redrawn
     bool DefaultPathChosen = false;  ///< the default file is being made: ask for no name
     bool ending = false;             ///< the program is going down: no question, no store any more

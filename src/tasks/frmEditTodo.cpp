@@ -18,6 +18,7 @@
 #include "calendar/calendar.h"
 #include "kit/categorycombo.h"
 #include "kit/dateedit.h"
+#include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/frmEditCategories.h"
 #include "kit/guards.h"
@@ -69,6 +70,8 @@ void frmEditTodo::BuildTexts() {
     ctlNote->setTabChangesFocus(true);
     ctlNote->setMinimumHeight(fontMetrics().lineSpacing() * 6);
     lblNoteError = MakeErrorLine("lblNoteError");
+    kit::GiveFieldMenu(*ctlTask, session_);
+    kit::GiveFieldMenu(*ctlNote, session_);
     connect(ctlTask, &QLineEdit::textChanged, this, &frmEditTodo::Changed);
     connect(ctlNote, &QPlainTextEdit::textChanged, this, &frmEditTodo::Changed);
 }

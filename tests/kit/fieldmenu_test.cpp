@@ -6,15 +6,17 @@
 
 #include "support/forms.h"
 #include "support/ports.h"
+#include "support/store.h"
 
 namespace bmr::kit {
 namespace {
 
 struct FieldMenuTest : testing::Test {
     /// Opens the menu as the right button does and chooses an entry; the names of the enabled ones otherwise.
-    QStringList Choose(const char* entry = nullptr) {
+    QStringList Choose(const char* entry = nullptr) { return ChooseIn(field, field, entry); }
+    static QStringList ChooseIn(QWidget& owner, QWidget& hit, const char* entry) {
         QStringList enabled;
-        QTimer::singleShot(0, &field, [&] {
+        QTimer::singleShot(0, &owner, [&] {
             auto* menu = dynamic_cast<QMenu*>(QApplication::activePopupWidget());
             ASSERT_TRUE(menu);
             for (QAction* action : menu->actions()) {
@@ -23,8 +25,8 @@ struct FieldMenuTest : testing::Test {
             }
             menu->close();
         });
-        QContextMenuEvent click(QContextMenuEvent::Mouse, QPoint(3, 3), field.mapToGlobal(QPoint(3, 3)));
-        QCoreApplication::sendEvent(&field, &click);
+        QContextMenuEvent click(QContextMenuEvent::Mouse, QPoint(3, 3), hit.mapToGlobal(QPoint(3, 3)));
+        QCoreApplication::sendEvent(&hit, &click);
         return enabled;
     }
 
@@ -65,6 +67,26 @@ TEST_F(FieldMenuTest, WebMailAndTelephoneTakeTheSelectionOrAll) {
     EXPECT_FALSE(Choose("mnuDial").contains("mnuWeb"));
     EXPECT_EQ(desktop.asked, (std::vector<std::string>{"mail ann@example.org", "web http://example.org",
                                                        "dial 123 for Ann"}));
+}
+
+TEST_F(FieldMenuTest, FreeTextOffersItsUsesForWhatIsSelected) {
+    test::TestSession sitting;
+    sitting.session.ports.desktop = &desktop;
+    QPlainTextEdit note("Ring 020 7946\nor bob@example.org");
+    GiveFieldMenu(note, sitting.session);
+    note.show();
+    const auto choose = [&](const char* entry = nullptr) { return ChooseIn(note, *note.viewport(), entry); };
+    EXPECT_EQ(choose(), (QStringList{"mnuPaste", "mnuSelectAll"}));
+    EXPECT_TRUE(note.find("bob@example.org"));
+    choose("mnuMail");
+    EXPECT_EQ(desktop.asked, std::vector<std::string>{"mail bob@example.org"});
+
+    choose("mnuCopy");
+    EXPECT_EQ(QApplication::clipboard()->text(), "bob@example.org");
+    note.moveCursor(QTextCursor::Start);
+    EXPECT_TRUE(note.find("020 7946"));
+    choose("mnuCopyNoSpaces");
+    EXPECT_EQ(QApplication::clipboard()->text(), "0207946");
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
+#include <QAction>
+#include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <future>
 
 #include "kit/clipboardguard.h"
+#include "kit/fieldmenu.h"
 #include "kit/x11/xclient.h"
 #include "support/forms.h"
 #include "support/guards.h"
@@ -45,6 +48,28 @@ TEST_F(ClipboardLife, WhatAFieldCopiesCanBePastedOnceAndIsGoneAfterTheTick) {
     Live(50);
     EXPECT_FALSE(other.HasOwner("CLIPBOARD"));
     EXPECT_FALSE(other.HasOwner("PRIMARY"));
+    EXPECT_EQ(Paste("CLIPBOARD"), std::nullopt);
+}
+
+TEST_F(ClipboardLife, WhatTheMenuOfAFieldCopiesIsGuardedToo) {
+    GuardedDialog dialog;
+    GiveFieldMenu(*dialog.txtInput);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    dialog.txtInput->setText("s3 cret");
+    dialog.txtInput->selectAll();
+    guard.ClearClipboard();
+    QTimer::singleShot(50, [] {
+        auto* menu = QApplication::activePopupWidget();
+        ASSERT_TRUE(menu);
+        Named<QAction>(*menu, "mnuCopyNoSpaces").trigger();
+        menu->close();
+    });
+    QContextMenuEvent click(QContextMenuEvent::Mouse, QPoint(3, 3), dialog.mapToGlobal(QPoint(3, 3)));
+    QCoreApplication::sendEvent(dialog.txtInput, &click);
+    EXPECT_EQ(guard.SecondsLeft(), 30);
+    EXPECT_EQ(Paste("CLIPBOARD"), "s3cret");
+    guard.ClearClipboard();
     EXPECT_EQ(Paste("CLIPBOARD"), std::nullopt);
 }
 

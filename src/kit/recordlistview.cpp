@@ -73,6 +73,12 @@ void RecordListView::SelectFirst() {
     if (model_->rowCount() > 0) SelectKey(model_->KeyAt(0));
 }
 
+void RecordListView::SelectOneOf(std::initializer_list<std::int32_t> keys) {
+    for (const std::int32_t key : keys)
+        if (key != kNoKey && model_->RowOf(key) >= 0) return SelectKey(key);
+    SelectFirst();
+}
+
 void RecordListView::PutCursor(int row) {
     const int place = qMin(row, model_->rowCount() - 1);
     if (place >= 0) selectionModel()->setCurrentIndex(model_->index(place, 0), QItemSelectionModel::NoUpdate);

@@ -27,6 +27,8 @@ class RecordListView final : public QTreeView {
     /// Selects the row of that key and scrolls to it; without such a row nothing is selected.
     void SelectKey(std::int32_t key);
     void SelectFirst();
+    /// Selects the first of these keys that has a row, else the first row.
+    void SelectOneOf(std::initializer_list<std::int32_t> keys);
     /// The keyboard goes on from that row, or from the last one; nothing is selected by it.
     void PutCursor(int row);
     /// Brings a row into view without selecting it.

@@ -104,9 +104,13 @@ void frmNotepad::Refresh() {
 }
 
 void frmNotepad::SetSearch(const QString& text) {
-    if (text.trimmed() == search_) return;
-    search_ = text.trimmed();
-    Rebuild(listSelect->SelectedKey());
+    const QString wanted = text.trimmed();
+    if (wanted == search_) return;
+    const std::int32_t key = listSelect->SelectedKey();
+    if (search_.isEmpty()) beforeSearch_ = key;
+    search_ = wanted;
+    Rebuild(store::kNewRecord);
+    listSelect->SelectOneOf({key, beforeSearch_});
 }
 
 void frmNotepad::SelectRecord(std::int32_t fPK) {

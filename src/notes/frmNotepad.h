@@ -78,6 +78,7 @@ class frmNotepad final : public SectionForm {
     store::CategoryList categories_;
     std::int32_t category_ = store::Category::All;
     QString search_;
+    std::int32_t beforeSearch_ = store::kNewRecord;  ///< the memo that was selected when the search began
     bool editing_ = false;
     QPointer<frmEditNotepad> editor_;
 

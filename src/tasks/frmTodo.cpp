@@ -54,6 +54,10 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
 
 frmTodo::~frmTodo() {
     session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(category_);
+    if (!session_.DatabaseOpen) return;
+    QByteArray begun = txtQuickAdd->text().toUtf8();
+    session_.quickTask = Secret(std::string_view(begun.constData(), static_cast<std::size_t>(begun.size())));
+    WipeMemory(begun.data(), static_cast<std::size_t>(begun.size()));
 }
 
 QList<QAction*> frmTodo::ToolActions() {
@@ -102,9 +106,13 @@ void frmTodo::Refresh() {
 }
 
 void frmTodo::SetSearch(const QString& text) {
-    if (text.trimmed() == search_) return;
-    search_ = text.trimmed();
-    RebuildAndSelect(TodoList->SelectedKey());
+    const QString wanted = text.trimmed();
+    if (wanted == search_) return;
+    const std::int32_t key = TodoList->SelectedKey();
+    if (search_.isEmpty()) beforeSearch_ = key;
+    search_ = wanted;
+    showListitems();
+    TodoList->SelectOneOf({key, beforeSearch_});
 }
 
 void frmTodo::SelectRecord(std::int32_t fPK) {

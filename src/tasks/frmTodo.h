@@ -91,6 +91,7 @@ class frmTodo final : public SectionForm {
     TodoModel* model_;
     std::int32_t category_ = store::Category::All;  ///< as last chosen, the entry that opens the editor apart
     QString search_;
+    std::int32_t beforeSearch_ = store::kNewRecord;  ///< the row that was selected when the search began
     bool editing_ = false;
     QPointer<frmEditTodo> editor_;
     std::int32_t editedKey_ = store::kNewRecord;

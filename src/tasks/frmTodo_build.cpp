@@ -13,6 +13,7 @@
 #include "base/shortdate.h"
 #include "kit/dateentry.h"
 #include "kit/emptystate.h"
+#include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recordlistview.h"
@@ -163,6 +164,9 @@ void frmTodo::BuildFilter() {
     txtQuickAdd->setPlaceholderText(tr("Type a task and press Return"));
     txtQuickAdd->setAccessibleName(tr("New task"));
     txtQuickAdd->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
+    kit::GiveFieldMenu(*txtQuickAdd, session_);
+    txtQuickAdd->setText(QString::fromUtf8(session_.quickTask.view()));
+    session_.quickTask.Wipe();
     connect(txtQuickAdd, &QLineEdit::returnPressed, this, &frmTodo::AddQuickly);
 }
 

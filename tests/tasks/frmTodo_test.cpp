@@ -1,7 +1,4 @@
-#include "tasks/frmTodo.h"
-
 #include <QCheckBox>
-#include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
@@ -10,72 +7,10 @@
 #include <QSignalSpy>
 
 #include "kit/dateedit.h"
-#include "kit/emptystate.h"
-#include "kit/recordlistview.h"
-#include "support/forms.h"
-#include "support/store.h"
-#include "tasks/todomodel.h"
+#include "tasks/frmTodo_fixture.h"
 
 namespace bmr::tasks {
 namespace {
-
-using kit::RecordListView;
-using test::Click;
-using test::Named;
-using test::Visitor;
-
-struct FormTodo : testing::Test {
-    FormTodo() { Open(); }
-    void Open() {
-        form.reset();  // stores what it keeps before the next one reads it
-        form = std::make_unique<frmTodo>(db.session);
-        form->resize(900, 600);
-        form->show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
-        list = &Named<RecordListView>(*form, "TodoList");
-        model = form->findChild<TodoModel*>();
-    }
-    std::int32_t Add(const Bytes& text, const std::function<void(Task&)>& change = {}) {
-        Task task = ClearRecord(store::Category::All);
-        task.task = text;
-        if (change) change(task);
-        EXPECT_EQ(WriteRecord(db.session, task).error, 0);
-        return task.key;
-    }
-    QString Cell(int row, int column) { return model->index(row, column).data().toString(); }
-    QStringList Shown() {
-        QStringList all;
-        for (int row = 0; row < model->rowCount(); ++row)
-            all << Cell(row, SubItem::Task);
-        return all;
-    }
-    void Press(Qt::Key key) {
-        QTest::keyClick(list, key);
-        QCoreApplication::processEvents();
-    }
-    void TickByMouse(int row) {
-        const QRect cell = list->visualRect(model->index(row, 0));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(cell.left() + 12, cell.center().y()));
-        QCoreApplication::processEvents();
-    }
-    QAction& Entry(const char* name) { return Named<QAction>(*form, name); }
-    Task Stored(std::int32_t key) { return LoadSelected(db.session, key).value(); }
-    QString Sentence() {
-        auto& empty = Named<kit::EmptyState>(*form, "emptyState");
-        return empty.isVisible() ? empty.Sentence() : QString();
-    }
-    void ChooseCategory(std::int32_t number) {
-        auto& combo = Named<QComboBox>(*form, "cboCategories");
-        combo.setCurrentIndex(combo.findData(number));
-        emit combo.activated(combo.currentIndex());
-    }
-
-    test::TempStore db;
-    Day today = db.clock.Today();
-    std::unique_ptr<frmTodo> form;
-    RecordListView* list = nullptr;
-    TodoModel* model = nullptr;
-};
 
 TEST_F(FormTodo, ADayOfUse) {
     db.session.ShowPrivate = true;
@@ -312,6 +247,13 @@ TEST_F(FormTodo, SearchNarrowsToWhatTheListShows) {
     EXPECT_EQ(Sentence(), "Nothing for “łódź” in Tasks.");
     form->SetSearch("");
     EXPECT_EQ(model->rowCount(), 3);
+    const std::int32_t third = model->KeyAt(2);
+    list->SelectKey(third);
+    form->SetSearch("call");
+    EXPECT_EQ(list->SelectedRow(), 0) << "Return opens what was found, not a new task";
+    form->SetSearch("nowhere");
+    form->SetSearch("");
+    EXPECT_EQ(list->SelectedKey(), third) << "the row from before the search";
 }
 
 TEST_F(FormTodo, SaveAndNewGoesOnUntilNothingIsTyped) {
@@ -324,25 +266,6 @@ TEST_F(FormTodo, SaveAndNewGoesOnUntilNothingIsTyped) {
     visitor.Meet("frmEditTodo", [](QWidget& editor) { Click(editor, "cmdSaveNew"); });
     Click(*form, "cmdAdd");
     EXPECT_EQ(Shown(), (QStringList{"one", "two"}));
-}
-
-TEST_F(FormTodo, AnEndUnderTheOpenEditorStoresNothing) {
-    Visitor visitor;
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        test::TypeText(Named(editor, "ctlTask"), "half a thought");
-        EXPECT_TRUE(form->Editing());
-        db.session.ending = true;  // the idle shutdown: database closed, then every loop unwinds
-        db.session.DatabaseOpen = false;
-        db.session.ProgramDb.reset();
-        dynamic_cast<QDialog&>(editor).done(QDialog::Accepted);
-    });
-    Click(*form, "cmdAdd");
-    EXPECT_FALSE(form->Editing());
-    form->repaint();
-    form.reset();
-    db.session.ending = false;
-    db.Reopen();
-    EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=15"), 0);
 }
 
 TEST_F(FormTodo, SelectRecordFindsItsWayThroughEveryFilter) {
@@ -363,90 +286,9 @@ TEST_F(FormTodo, QuickLineRefusesWhatCannotBeStored) {
     EXPECT_EQ(model->rowCount(), 0);
     EXPECT_EQ(Named<QLineEdit>(*form, "txtQuickAdd").text(), "łódź");
     EXPECT_TRUE(Named(*form, "strip").isVisible());
-}
-
-TEST_F(FormTodo, AStoreOverAnotherSectionsRowIsRefused) {
-    const auto key = Add("mine");
     Open();
-    Visitor visitor;
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        db.Set(key, "fSec", std::int32_t{14});
-        test::TypeText(Named(editor, "ctlTask"), "!");
-        Click(editor, "cmdOK");
-    });
-    visitor.Meet("frmEditTodo", [](QWidget& editor) {
-        EXPECT_EQ(Named<QLineEdit>(editor, "ctlTask").text(), "!") << "what was typed can still be copied";
-        QTest::keyClick(&editor, Qt::Key_Escape);
-    });
-    db.prompter.Expect(16).Expect(20, Answer::Yes);
-    Press(Qt::Key_Return);
-    EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=14 And fPK=" + std::to_string(key)), 1);
-}
-
-TEST_F(FormTodo, AnEndWhileAFailureIsToldOpensNoEditorAgain) {
-    const auto key = Add("mine");
-    Open();
-    Visitor visitor;
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        db.Set(key, "fSec", std::int32_t{14});
-        test::TypeText(Named(editor, "ctlTask"), "!");
-        Click(editor, "cmdOK");
-    });
-    db.prompter.onAsk = [&] {
-        db.session.ending = true;
-        db.session.DatabaseOpen = false;
-        db.session.ProgramDb.reset();
-    };
-    db.prompter.Expect(16);
-    Press(Qt::Key_Return);
-    EXPECT_FALSE(form->Editing());
-}
-
-TEST_F(FormTodo, ADamagedTaskIsOnlyWrittenOverWhenAsked) {
-    db.session.ShowPrivate = true;
-    const auto key = Add("broken");
-    const std::string row = "SELECT fEtx FROM tt WHERE fPK=" + std::to_string(key);
-    db.Set(key, "fEtx", Bytes("xxxx"));
-    const auto before = db.Row(row)->Field("fEtx");
-    Open();
-    db.prompter.Expect(0, Answer::No);
-    Press(Qt::Key_Return);
-    EXPECT_EQ(db.prompter.shown.back().standard, Answer::No);
-    EXPECT_EQ(db.Row(row)->Field("fEtx"), before);
-    db.prompter.Expect(0, Answer::Yes);
-    Visitor visitor;
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        test::TypeText(Named(editor, "ctlTask"), "again");
-        Click(editor, "cmdOK");
-    });
-    Press(Qt::Key_Return);
-    EXPECT_EQ(Stored(key).task, "again");
-}
-
-TEST_F(FormTodo, ACategoryThatEndsInACancelledEditorLeavesTheFilterTrue) {
-    Visitor visitor;
-    db.prompter.inputs = {"Garden"};
-    visitor.Meet("frmEditCategories", [](QWidget& dialog) {
-        Click(dialog, "cmdNew");
-        Click(dialog, "cmdOK");
-    });
-    Click(*form, "cmdEditCat");
-    Add("in no category");
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        db.prompter.Expect(19);
-        QTimer::singleShot(20, [] {
-            QWidget& dialog = *QApplication::activeModalWidget();
-            Click(dialog, "cmdDelete");
-            Click(dialog, "cmdOK");
-        });
-        Click(editor, "cmdEditCat");
-        EXPECT_EQ(Named<QComboBox>(editor, "cboCategory").currentText(), "Unfiled");
-        db.prompter.Expect(20, Answer::Yes);
-        Click(editor, "cmdEsc");
-    });
-    Click(*form, "cmdAdd");
-    EXPECT_EQ(Named<QComboBox>(*form, "cboCategories").currentText(), "All");
-    EXPECT_EQ(Shown(), QStringList{"in no category"});
+    EXPECT_EQ(Named<QLineEdit>(*form, "txtQuickAdd").text(), "łódź") << "kept while the section is closed";
+    EXPECT_TRUE(db.session.quickTask.empty());
 }
 
 TEST_F(FormTodo, TheListDeciphersOnlyWhatIsSeen) {

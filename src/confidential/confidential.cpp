@@ -25,14 +25,16 @@ void Touch(Session& session, Record& record, DateValue changed) {
         changed.serial != 0 ? changed : DateValue{static_cast<double>(session.ports.clock.Today().serial)};
 }
 
-void FillRow(Session& session, Recordset& row, const Record& record, bool added, bool renamed) {
+int FillRow(Session& session, Recordset& row, const Record& record, bool added, bool renamed) {
     Bytes payload = EncodeConfidentialRecord(session, record);
-    row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));
+    const int error = store::SetPayload(session, row, payload);
     cry::WipeString(payload);
+    if (error != 0) return error;
     if (added) row.SetField("fG1", record.kind);
     row.SetField("fT1", cry::FieldCipher(session.cipher, 1, record.n[0]));
     if (renamed) row.SetField("fR2", store::BucketKey(record.n[0], session.ports.random));
     store::FillColumns(row, kNoise, session.ports.random);
+    return 0;
 }
 
 std::string OrderedStatement(const std::string& columns, std::int32_t kind) {
@@ -69,6 +71,7 @@ void DecodeConfidentialRecord(Session& session, std::string_view fEtx, Record& r
     record.dateLastModified = date ? *date : DateValue{};
     const auto* flag = std::get_if<bool>(&fields[static_cast<std::size_t>(RecordField::Private)]);
     record.isPrivate = flag ? *flag : true;
+    record.readable = flag && store::DecodesWhole(session.cipher.FieldPlain.view());
     record.userNumber =
         static_cast<std::uint8_t>(NumberOf(fields[static_cast<std::size_t>(RecordField::UserName)]));
     for (Value& field : fields)
@@ -92,8 +95,7 @@ int SaveRecord(Session& session, Record& record) {
         Bytes before = added ? Bytes() : cry::FieldCipher(session.cipher, 2, TextOf(row.Field("fT1")));
         renamed = before != TrimBlanks(record.n[0]);
         cry::WipeString(before);
-        FillRow(session, row, record, added, renamed);
-        return 0;
+        return FillRow(session, row, record, added, renamed);
     };
     const auto place = [&](std::int32_t fPK, bool) {
         return renamed ? store::BucketPosition(session, Section::Confidential, fPK, record.n[0]) : 0;
@@ -144,6 +146,7 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kin
 }
 
 Bytes RecordName(Session& session, std::int32_t fPK) {
+    if (!session.ProgramDb) return {};  // a list may outlive its database for a moment
     auto cursor = session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) +
                                             store::kOwnerAccess);
     return cursor && cursor->Next() ? cry::FieldCipher(session.cipher, 2, cursor->Bytes(0)) : Bytes();

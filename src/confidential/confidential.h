@@ -22,6 +22,7 @@ struct Record {
     DateValue dateLastModified;  ///< a whole day
     bool isPrivate = false;
     std::uint8_t userNumber = 0;
+    bool readable = true;  ///< false when the payload did not decode whole: a store would end the rest
 };
 
 /// Stored in every record. Never renumber.

@@ -14,15 +14,26 @@ struct BucketRow {
 };
 
 /// Each bucket's rows in order, remembered between two saves: reading a bucket of a large section costs more
-/// than the save itself. Valid only as long as nothing else has written to the file, which the engine's count
-/// of changes tells.
+/// than the save itself. Valid only as long as nothing has written to the file but what tells of it here: the
+/// engine's count of changes (`Database::ChangeCount`) shows whether something has.
 struct BucketOrder {
     std::map<std::pair<std::uint8_t, std::int32_t>, std::vector<BucketRow>>
         buckets;  ///< by section and low bound
     std::int64_t changes = -1;
+
     void Clear() {
         buckets.clear();
         changes = -1;
+    }
+    /// The file was written to between the two counts, and every remembered place still holds, or is put
+    /// right by the caller before the next save.
+    void Passed(std::int64_t before, std::int64_t now) {
+        if (changes == before) changes = now;
+    }
+    /// The row is in no bucket any more.
+    void Forget(std::int32_t fPK) {
+        for (auto& [key, rows] : buckets)
+            std::erase_if(rows, [fPK](const BucketRow& row) { return row.fPK == fPK; });
     }
 };
 

@@ -29,7 +29,7 @@ std::int64_t Database::RecordsAffected() const {
 }
 
 std::int64_t Database::ChangeCount() const {
-    return sqlite3_total_changes64(impl_->engine->handle());
+    return sqlite3_total_changes64(impl_->engine->handle()) + impl_->engine->undone();
 }
 
 int Database::Execute(std::string_view statement) {

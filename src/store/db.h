@@ -52,8 +52,8 @@ class Database {
     /// Rows that the last `Execute` changed.
     std::int64_t RecordsAffected() const;
 
-    /// Rows changed since the file was opened, whatever became of their transactions: equal counts mean that
-    /// nothing was written in between.
+    /// Rows changed since the file was opened, whatever became of their transactions, and what was undone:
+    /// equal counts mean that nothing was written or taken back in between.
     std::int64_t ChangeCount() const;
 
     /// `text` is "tt" or a statement. A dynaset of "tt" is opened in constant time: rows are found by

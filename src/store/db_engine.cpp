@@ -275,6 +275,7 @@ void Engine::UndoOnFailure(int number) {
     if (depth_ > 0) broken_ = number;
     // When even this fails, the journal stays and the next opening rolls back.
     if (sqlite3_get_autocommit(handle()) == 0) sqlite3_exec(handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    ++undone_;
 }
 
 int Engine::Write(Query& query) {

@@ -62,6 +62,8 @@ class Engine : public std::enable_shared_from_this<Engine> {
     int Begin();
     int Commit();
     void Rollback();
+    /// Transactions and statements that were undone since the file was opened.
+    std::int64_t undone() const { return undone_; }
     /// Runs a statement that writes. A failure undoes the whole transaction around it.
     int Write(Query& query);
     /// Why nothing may be written any more until the transaction has ended; 0 when it may.
@@ -95,6 +97,7 @@ class Engine : public std::enable_shared_from_this<Engine> {
     std::string lastError_;
     int depth_ = 0;
     int broken_ = 0;
+    std::int64_t undone_ = 0;
 };
 
 /// The engine's number for the library's extended code.

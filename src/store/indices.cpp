@@ -34,12 +34,8 @@ Result<std::vector<BucketRow>> ReadBucket(Database& db, std::uint8_t section, co
 Result<std::vector<BucketRow>*> OrderedBucket(Session& session, std::uint8_t section,
                                               const SpreadRange& bounds, std::int32_t own) {
     BucketOrder& order = session.bucketOrder;
-    // The one change that may have come since is the store of the row itself.
-    if (order.changes < 0 || session.ProgramDb->ChangeCount() != order.changes + 1) order.Clear();
-    for (auto& [key, rows] : order.buckets) {
-        if (key.first != section) continue;
-        std::erase_if(rows, [own](const BucketRow& row) { return row.fPK == own; });
-    }
+    if (order.changes < 0 || session.ProgramDb->ChangeCount() != order.changes) order.Clear();
+    order.Forget(own);
     const auto found = order.buckets.find({section, bounds.low});
     if (found != order.buckets.end()) return &found->second;
     auto rows = ReadBucket(*session.ProgramDb, section, bounds);
@@ -71,12 +67,16 @@ std::int32_t EvenPosition(std::size_t place, std::size_t count, const SpreadRang
         .value;
 }
 
-/// Spreads the rows of a bucket evenly and writes each; `own` is new and carries its mark already.
+/// Spreads the rows of a bucket evenly and writes each; `own` is new and carries its mark already. Rows at 0
+/// at its front stay: confidential records without a name never get a place.
 int RespreadBucket(Session& session, std::vector<BucketRow>& rows, const SpreadRange& bounds,
                    std::int32_t own) {
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
+    bool atFront = true;
     for (std::size_t place = 0; place < rows.size(); ++place) {
+        atFront = atFront && rows[place].fPK != own && rows[place].position == 0;
+        if (atFront) continue;
         rows[place].position = EvenPosition(place, rows.size(), bounds, session.ports.random);
         const bool mark = rows[place].fPK != own;
         if (const int error = WritePosition(**table, rows[place].fPK, rows[place].position, mark); error != 0)
@@ -90,21 +90,22 @@ struct MergedRow {
     Bytes text;
     std::int32_t fPK = kNewRecord;
     std::size_t index = 0;
+    std::int32_t position = 0;
 };
 
 int AppendStandingRows(Session& session, std::uint8_t section, const SpreadRange& bounds,
                        std::vector<MergedRow>& merged) {
-    auto cursor = session.ProgramDb->Select(BucketStatement(section, bounds, "fPK, fT1"));
+    auto cursor = session.ProgramDb->Select(BucketStatement(section, bounds, "fPK, fR1, fT1"));
     if (!cursor) return cursor.error().number;
-    std::vector<std::int32_t> keys;
+    std::vector<BucketRow> rows;
     std::vector<Bytes> ciphered;
     while (cursor->Next()) {
-        keys.push_back(cursor->Int(0));
-        ciphered.emplace_back(cursor->Bytes(1));
+        rows.push_back({cursor->Int(0), cursor->Int(1)});
+        ciphered.emplace_back(cursor->Bytes(2));
     }
     const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
     cry::DecipherBatch(session.cipher, views, [&](std::size_t i, std::string_view plain) {
-        merged.push_back({Bytes(TrimBlanks(plain)), keys[i], 0});
+        merged.push_back({Bytes(TrimBlanks(plain)), rows[i].fPK, 0, rows[i].position});
     });
     return cursor->error();
 }
@@ -194,12 +195,15 @@ int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Byte
                          [](const MergedRow& a, const MergedRow& b) { return a.text < b.text; });
         for (std::size_t place = 0; place < merged.size(); ++place) {
             MergedRow& row = merged[place];
+            const bool nameless = row.text.empty() && row.position == 0;  // and so it stays
             const std::int32_t position = EvenPosition(place, merged.size(), bounds, session.ports.random);
             cry::WipeString(row.text);
+            int error = 0;
             if (row.fPK == kNewRecord)
                 positions[row.index] = position;
-            else if (const int error = WritePosition(**table, row.fPK, position, true); error != 0)
-                return error;
+            else if (!nameless)
+                error = WritePosition(**table, row.fPK, position, true);
+            if (error != 0) return error;
         }
     }
     return 0;

@@ -34,6 +34,7 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
     auto opened = session.ProgramDb->OpenRecordset("tt");
     if (!opened) return fail(opened.error().number);
     Recordset& row = **opened;
+    const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
 
     outcome.added = true;
     if (key != kNewRecord) {
@@ -51,6 +52,8 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
     MarkChange(row, outcome.added);
     if (const int error = row.Update(1, 0)) return fail(error);
     outcome.fPK = NumberOf(row.Field("fPK"));
+    // A row that has a new place in the alphabet gets it from `after`.
+    session.bucketOrder.Passed(changesBefore, session.ProgramDb->ChangeCount());
     if (after)
         if (const int error = after(outcome.fPK, outcome.added)) return fail(error);
     if (const int error = transaction.Commit()) return fail(error);
@@ -66,7 +69,13 @@ std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std:
 }
 
 int DeleteRow(Session& session, std::int32_t key) {
-    return session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess);
+    const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
+    const int error =
+        session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess);
+    if (error != 0) return error;
+    session.bucketOrder.Forget(key);
+    session.bucketOrder.Passed(changesBefore, session.ProgramDb->ChangeCount());
+    return 0;
 }
 
 int DeleteRows(Session& session, std::uint8_t section, const std::string& clauses) {

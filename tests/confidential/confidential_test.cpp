@@ -73,6 +73,26 @@ TEST_F(Records, ARecordWithoutANameGetsNoPlaceInTheAlphabet) {
     EXPECT_EQ(NumberOf(row->Field("fR1")), 0);
     EXPECT_EQ(NumberOf(row->Field("fR2")), 0);
     EXPECT_EQ(Names(1), (std::vector<Bytes>{""}));
+    // Nor when its bucket is spread by many new ones.
+    std::vector<Record> many(3);
+    for (Record& each : many)
+        each.kind = 1;
+    many[1].n[0] = "1";
+    ASSERT_EQ(AddRecords(store.session, many), 0);
+    EXPECT_EQ(Names(1), (std::vector<Bytes>{"", "", "", "1"}));
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fR1=0 And fR2=0 And AE=1"), 3);
+}
+
+TEST_F(Records, ARecordThatDoesNotDecodeWholeSaysSo) {
+    const Record record = Add(1, "Bank");
+    EXPECT_TRUE(FetchRecord(store.session, record.key)->readable);
+    const Bytes whole = EncodeConfidentialRecord(store.session, record);
+    for (const Bytes& payload : {whole.substr(0, whole.size() - 1), Bytes("\x09\x01\x01"), Bytes()}) {
+        store.Set(record.key, "fEtx", cry::FieldCipher(store.session.cipher, 1, payload));
+        EXPECT_FALSE(FetchRecord(store.session, record.key)->readable);
+    }
+    store.Set(record.key, "fEtx", Null{});
+    EXPECT_FALSE(FetchRecord(store.session, record.key)->readable);
 }
 
 TEST_F(Records, OnlyARenameMovesARecordAndNothingChangesItsKind) {

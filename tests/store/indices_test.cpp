@@ -166,6 +166,36 @@ TEST_F(Order, ASaveDeciphersNoMoreThanTheHalvingNeeds) {
     EXPECT_TRUE(FindDisorder(store.session, Section::Memo).empty());
 }
 
+TEST_F(Order, WhatWasTakenBackIsForgotten) {
+    Save(kNewRecord, "Ab1");
+    {
+        const Transaction transaction(*store.session.ProgramDb);
+        for (const char* subject : {"Ab2", "Ab3", "Ab4"})
+            Save(kNewRecord, subject);
+    }
+    Save(kNewRecord, "Ab0");
+    EXPECT_TRUE(FindDisorder(store.session, Section::Memo).empty());
+}
+
+TEST_F(Order, ABucketIsReadOnceForManySavesRenamesAndDeletes) {
+    const auto& buckets = store.session.bucketOrder.buckets;
+    const auto remembered = [&] { return buckets.empty() ? 0 : buckets.begin()->second.size(); };
+    const std::int32_t first = Save(kNewRecord, "Ab1");
+    const std::int32_t second = Save(kNewRecord, "Ab2");
+    EXPECT_EQ(DeleteRow(store.session, first), 0);
+    Save(second, "Ab2");
+    Save(second, "Ab3");
+    ASSERT_EQ(remembered(), 1U);
+    // A row that only the memory knows, to tell whether the memory is asked.
+    auto& rows = store.session.bucketOrder.buckets.begin()->second;
+    rows.push_back({1, rows.back().position + 1});
+    Save(kNewRecord, "Ab4");
+    EXPECT_EQ(remembered(), 3U);
+    ASSERT_EQ(store.session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=" + std::to_string(second)), 0);
+    Save(kNewRecord, "Ab6");
+    EXPECT_EQ(remembered(), 2U) << "somebody else's write: read anew";
+}
+
 TEST_F(Order, AFullGapSpreadsTheBucketAndMarksTheRewrittenRows) {
     const std::int32_t first = Save(kNewRecord, "Ab1");
     const std::int32_t second = Save(kNewRecord, "Ab3");

@@ -4,7 +4,7 @@ import os
 import subprocess
 import time
 
-from bmr_support import BMR, PASS, Base, main
+from bmr_support import BMR, PASS, RANDOM_OPS, Base, call, main
 
 
 class Catalogue(Base):
@@ -31,6 +31,12 @@ class Catalogue(Base):
         self.assertEqual(self.file.read_bytes(), before)
         self.bmr("delete", keys["Abc"])
         self.assertNotIn("Abc", [r["Subject"] for r in self.listed(section="memo")])
+        self.assertIn("all whole", self.bmr("check"))
+
+    def test_a_file_is_whole_after_many_operations(self):
+        self.bmr("new")
+        done = call(RANDOM_OPS, self.file, "--operations", 3000, "--seed", time.time_ns() % 100000)
+        self.assertEqual((done.returncode, done.stderr), (0, ""), done.args)
         self.assertIn("all whole", self.bmr("check"))
 
     def add_card(self, secrets, *args, status=0):

@@ -1,6 +1,6 @@
 """What the tests of the command line share: they run the real bmr and sampledb.
 
-usage of each: TEST.py BMR SAMPLEDB ALTER DATA [unittest arguments]
+usage of each: TEST.py BMR SAMPLEDB ALTER RANDOM_OPS DATA [unittest arguments]
 """
 import json
 import os
@@ -12,7 +12,7 @@ import sys
 import tempfile
 import unittest
 
-BMR, SAMPLEDB, ALTER, DATA = sys.argv[1:5]
+BMR, SAMPLEDB, ALTER, RANDOM_OPS, DATA = sys.argv[1:6]
 PASS = "Blue kettle 7 – Ü"
 FOREIGN_PASS = "correct Horse 9"
 
@@ -60,4 +60,4 @@ class Base(unittest.TestCase):
 
 
 def main():
-    unittest.main(argv=[sys.argv[0], *sys.argv[5:]], verbosity=1)
+    unittest.main(argv=[sys.argv[0], *sys.argv[6:]], verbosity=1)

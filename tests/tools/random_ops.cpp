@@ -1,0 +1,165 @@
+#include <CLI/CLI.hpp>
+#include <array>
+#include <iostream>
+#include <random>
+#include <vector>
+
+#include "confidential/confidential.h"
+#include "main_shared.h"
+#include "notes/memo.h"
+#include "sitting.h"
+#include "store/categories.h"
+#include "store/indices.h"
+
+/// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
+/// memos and confidential records by the functions of their sections, in random order, then reads every one
+/// and compares it with what was stored. What the whole file looks like afterwards is for `bmr check` to say.
+namespace {
+
+using namespace bmr;
+using confidential::Record;
+using notes::Memo;
+using tools::Failure;
+
+constexpr int kOperationsInATransaction = 500;
+constexpr std::int32_t kCategories = 6;
+
+struct Options {
+    std::filesystem::path file;
+    int passphraseFd = -1;
+    int operations = 3000;
+    unsigned seed = 1;
+};
+
+class Player {
+  public:
+    Player(store::Session& session, unsigned seed) : session_(session), random_(seed) {}
+
+    void Play(int operations) {
+        for (int done = 0; done < operations;) {
+            store::Transaction transaction(*session_.ProgramDb);
+            Check(transaction.error());
+            for (int i = 0; i < kOperationsInATransaction && done < operations; ++i, ++done)
+                Draw(2) == 0 ? OnMemos() : OnRecords();
+            Check(transaction.Commit());
+        }
+    }
+
+    void Compare() {
+        session_.ShowPrivate = true;
+        auto listed = notes::ListMemos(session_, store::Category::All);
+        if (!listed || listed->size() != memos_.size())
+            throw Failure("the memos listed are not those stored");
+        for (const Memo& memo : memos_) {
+            const auto read = notes::FetchMemo(session_, memo.key);
+            if (!read || !read->readable || read->subject != memo.subject || read->body != memo.body ||
+                read->category != memo.category || read->isPrivate != memo.isPrivate)
+                throw Failure("memo " + std::to_string(memo.key) + " is not what was stored");
+        }
+        for (const Record& record : records_) {
+            const auto read = confidential::FetchRecord(session_, record.key);
+            if (!read || !read->readable || read->n != record.n || read->notes != record.notes ||
+                read->kind != record.kind || read->isPrivate != record.isPrivate)
+                throw Failure("record " + std::to_string(record.key) + " is not what was stored");
+        }
+        std::size_t count = 0;
+        for (std::int32_t kind = 1; kind <= 16; ++kind)
+            if (const auto keys = confidential::ListRecords(session_, kind)) count += keys->size();
+        if (count != records_.size()) throw Failure("the records listed are not those stored");
+        for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
+            if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
+                throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
+    }
+
+    std::string Counts() const {
+        return std::to_string(memos_.size()) + " memos, " + std::to_string(records_.size()) + " records";
+    }
+
+  private:
+    int Draw(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
+
+    /// Crowded on purpose: half of the names share their first letters, some are equal, some empty.
+    Bytes Name() {
+        static constexpr std::array<std::string_view, 6> kHeads = {"Ab", "Mo", "mo", "\xC4p", "9 ", " b"};
+        Bytes name(Draw(2) == 0 ? kHeads[static_cast<std::size_t>(Draw(6))] : std::string_view());
+        for (int i = Draw(9); i > 0; --i)
+            name += ByteChar(static_cast<unsigned>(Draw(12) == 0 ? 0xC0 + Draw(64) : 'A' + Draw(58)));
+        return name;
+    }
+    Bytes Text() { return Bytes(static_cast<std::size_t>(Draw(8) == 0 ? Draw(3000) : Draw(60)), 'x'); }
+
+    template <class T>
+    T& Any(std::vector<T>& all) {
+        return all[static_cast<std::size_t>(Draw(static_cast<int>(all.size())))];
+    }
+    template <class T>
+    void Remove(std::vector<T>& all) {
+        T& one = Any(all);
+        Check(store::DeleteRow(session_, one.key));
+        std::swap(one, all.back());
+        all.pop_back();
+    }
+    static void Check(int error) {
+        if (error != 0) throw Failure("an operation failed with " + std::to_string(error));
+    }
+
+    void OnMemos() {
+        const int what = memos_.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(memos_);
+        Memo* old = what < 5 ? nullptr : &Any(memos_);
+        Memo memo = old ? *old : notes::ClearMemo(session_, 0);
+        if (what < 7) memo.subject = Name();
+        if (!old || what == 7) memo.body = Text();
+        if (!old || what == 8) memo.category = Draw(kCategories);
+        memo.isPrivate = Draw(10) == 0;
+        Check(notes::WriteMemo(session_, memo));
+        Keep(memos_, old, std::move(memo));
+    }
+
+    void OnRecords() {
+        const int what = records_.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(records_);
+        Record* old = what < 5 ? nullptr : &Any(records_);
+        Record record = old ? *old : Record();
+        if (!old) record.kind = 1 + Draw(16);
+        if (what < 7) record.n[0] = Name();
+        if (!old || what > 6) record.n[static_cast<std::size_t>(1 + Draw(4))] = Name();
+        if (!old || what == 7) record.notes = Text();
+        record.isPrivate = Draw(10) == 0;
+        Check(confidential::SaveRecord(session_, record));
+        Keep(records_, old, std::move(record));
+    }
+
+    template <class T>
+    static void Keep(std::vector<T>& all, T* old, T one) {
+        if (old)
+            *old = std::move(one);
+        else
+            all.push_back(std::move(one));
+    }
+
+    store::Session& session_;
+    std::mt19937 random_;
+    std::vector<Memo> memos_;
+    std::vector<Record> records_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App app("Works on memos and confidential records of a database at random.", "random_ops");
+    app.add_option("FILE", options.file, "The database")->required();
+    app.add_option("--passphrase-fd", options.passphraseFd, "Where the passphrase comes from");
+    app.add_option("--operations", options.operations, "How many")->capture_default_str();
+    app.add_option("--seed", options.seed, "The same seed does the same")->capture_default_str();
+    return tools::RunMain(app, argc, argv, [&] {
+        tools::Sitting sitting(options.passphraseFd);
+        sitting.Open(options.file);
+        Player player(sitting.session(), options.seed);
+        player.Play(options.operations);
+        player.Compare();
+        std::cout << player.Counts() << '\n';
+        sitting.Close();
+    });
+}

@@ -70,8 +70,6 @@ class frmClassified final : public SectionForm {
         QToolButton* open;
     };
 
-    QAction* MakeAction(const char* name, const QString& text, const char* icon,
-                        void (frmClassified::*slot)());
     void BuildActions();
     QWidget* BuildKinds();
     QWidget* BuildList();

@@ -31,17 +31,6 @@ QString Text(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-QToolButton* FieldButton(const QString& name, const char* icon, const QString& tip) {
-    auto* button = new QToolButton;
-    button->setObjectName(name);
-    button->setIcon(kit::Icon(icon));
-    button->setAutoRaise(true);
-    button->setToolTip(tip);
-    button->setAccessibleName(tip);
-    button->setFocusPolicy(Qt::StrongFocus);
-    return button;
-}
-
 /// The chosen kind stands on yellow, in light and in dark windows.
 constexpr const char* kKindStyle =
     "QPushButton { text-align: left; padding: 4px 8px; border: none; border-radius: 4px; }"
@@ -51,32 +40,22 @@ constexpr const char* kKindStyle =
 
 }  // namespace
 
-QAction* frmClassified::MakeAction(const char* name, const QString& text, const char* icon,
-                                   void (frmClassified::*slot)()) {
-    auto* action = new QAction(kit::Icon(icon), text, this);
-    action->setObjectName(name);
-    if (slot) connect(action, &QAction::triggered, this, slot);
-    action->setShortcutContext(Qt::WindowShortcut);
-    addAction(action);
-    return action;
-}
-
 void frmClassified::BuildActions() {
-    mnuAdd =
-        MakeAction("mnuConfidentialAdd", tr("&New Record …"), "document-new", &frmClassified::cmdAdd_Click);
-    mnuAdd->setIconText(tr("New Record"));
-    mnuAdd->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
-    mnuEdit =
-        MakeAction("mnuConfidentialEdit", tr("&Edit …"), "document-edit", &frmClassified::cmdEdit_Click);
-    mnuEdit->setIconText(tr("Edit"));
-    mnuEdit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
-    mnuDelete =
-        MakeAction("mnuConfidentialDelete", tr("&Delete …"), "edit-delete", &frmClassified::cmdDelete_Click);
-    mnuDelete->setIconText(tr("Delete"));
-    mnuDelete->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
-    mnuCopySecret = MakeAction("mnuConfidentialCopySecret", tr("Copy &Secret"), "edit-copy", nullptr);
-    mnuCopySecret->setIconText(tr("Copy secret"));
-    mnuCopySecret->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    using kit::MakeAction;
+    mnuAdd = MakeAction(*this,
+                        {"mnuConfidentialAdd", tr("&New Record…"), "document-new", tr("New Record"),
+                         QKeySequence(Qt::CTRL | Qt::Key_N)},
+                        &frmClassified::cmdAdd_Click);
+    mnuEdit = MakeAction(*this,
+                         {"mnuConfidentialEdit", tr("&Edit…"), "document-edit", tr("Edit"),
+                          QKeySequence(Qt::CTRL | Qt::Key_E)},
+                         &frmClassified::cmdEdit_Click);
+    mnuDelete = MakeAction(*this,
+                           {"mnuConfidentialDelete", tr("&Delete…"), "edit-delete", tr("Delete"),
+                            QKeySequence(Qt::CTRL | Qt::Key_D)},
+                           &frmClassified::cmdDelete_Click);
+    mnuCopySecret = MakeAction(*this, {"mnuConfidentialCopySecret", tr("Copy &Secret"), "edit-copy",
+                                       tr("Copy secret"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)});
     connect(mnuCopySecret, &QAction::triggered, this, [this] {
         for (std::size_t i = 0; i < rows_.size(); ++i)
             if (rows_[i].txtCtl->hasFocus()) return CopyField(i);
@@ -182,9 +161,9 @@ void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {
     row.txtCtl->setObjectName("txtCtl" + number);
     row.txtCtl->setReadOnly(true);
     row.txtCtl->setContextMenuPolicy(Qt::CustomContextMenu);
-    row.copy =
-        FieldButton("copy" + number, "edit-copy", tr("Copy; gone from the clipboard after 30 seconds"));
-    row.open = FieldButton("open" + number, "internet-web-browser", tr("Open the web page"));
+    row.copy = kit::MakeIconButton("copy" + number, "edit-copy",
+                                   tr("Copy; gone from the clipboard after 30 seconds"));
+    row.open = kit::MakeIconButton("open" + number, "internet-web-browser", tr("Open the web page"));
     connect(row.txtCtl, &QWidget::customContextMenuRequested, this,
             [this, i](const QPoint& at) { FieldMenu(i, rows_[i].txtCtl->mapToGlobal(at)); });
     connect(row.copy, &QToolButton::clicked, this, [this, i] { CopyField(i); });

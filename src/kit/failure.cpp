@@ -36,4 +36,11 @@ bool AskToOverwrite(store::Session& session, const QString& record) {
     return session.ports.prompter.Ask(box) == Answer::Yes;
 }
 
+bool AskDiscard(store::Session& session) {
+    Box box = MessageBox(20, BoxIcon::Question);
+    box.buttons = Buttons::YesNo;
+    box.standard = Answer::No;
+    return session.ports.prompter.Ask(box) == Answer::Yes;
+}
+
 }  // namespace bmr::kit

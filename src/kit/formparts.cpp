@@ -1,12 +1,18 @@
 #include "kit/formparts.h"
 
-#include <QAction>
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QDialogButtonBox>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTextBlock>
+#include <QToolButton>
 #include <QVBoxLayout>
 
-#include "base/bytes.h"
+#include "kit/icons.h"
 #include "kit/theme.h"
+#include "kit/words.h"
 
 namespace bmr::kit {
 
@@ -65,6 +71,99 @@ QString PlainText(const QPlainTextEdit& edit) {
     for (const QChar separator : {QChar(QChar::ParagraphSeparator), QChar(QChar::LineSeparator)})
         text.replace(separator, QChar('\n'));
     return text;
+}
+
+QAction* MakeAction(QWidget& form, const Command& command) {
+    auto* action = new QAction(command.text, &form);
+    action->setObjectName(command.name);
+    if (command.icon) action->setIcon(Icon(command.icon));
+    if (!command.brief.isEmpty()) action->setIconText(command.brief);
+    if (command.shortcut.isEmpty()) return action;
+    action->setShortcut(command.shortcut);
+    action->setShortcutContext(Qt::WindowShortcut);
+    form.addAction(action);
+    return action;
+}
+
+QToolButton* MakeIconButton(const QString& name, const char* icon, const QString& tip) {
+    auto* button = new QToolButton;
+    button->setObjectName(name);
+    button->setIcon(Icon(icon));
+    button->setAutoRaise(true);
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    button->setFocusPolicy(Qt::StrongFocus);
+    return button;
+}
+
+QLineEdit* MakeLineField(const char* name, const QString& accessibleName) {
+    auto* field = new QLineEdit;
+    field->setObjectName(name);
+    field->setAccessibleName(accessibleName);
+    return field;
+}
+
+QPlainTextEdit* MakeTextField(const char* name, const QString& accessibleName) {
+    auto* field = new QPlainTextEdit;
+    field->setObjectName(name);
+    field->setAccessibleName(accessibleName);
+    field->setTabChangesFocus(true);
+    return field;
+}
+
+QCheckBox* MakePrivateBox() {
+    auto* box = new QCheckBox(QCoreApplication::translate("formparts", "&Private"));
+    box->setObjectName("ctlPrivate");
+    box->setToolTip(QCoreApplication::translate("formparts", "Hidden unless private records are shown"));
+    return box;
+}
+
+QCheckBox* MakeRecordChanged(QWidget& form) {
+    auto* box = new QCheckBox(&form);
+    box->setObjectName("recordChanged");
+    box->hide();
+    return box;
+}
+
+SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save) {
+    auto* box = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+    QPushButton* cmdOK = box->button(QDialogButtonBox::Save);
+    cmdOK->setObjectName("cmdOK");
+    cmdOK->setToolTip(QCoreApplication::translate("formparts", "Ctrl+Return"));
+    QPushButton* cmdEsc = box->button(QDialogButtonBox::Cancel);
+    cmdEsc->setObjectName("cmdEsc");
+    QObject::connect(cmdEsc, &QPushButton::clicked, &editor, &QDialog::reject);
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), &editor);
+        QObject::connect(shortcut, &QShortcut::activated, &editor, save);
+    }
+    QObject::connect(cmdOK, &QPushButton::clicked, &editor, std::move(save));
+    return {box, cmdOK, cmdEsc};
+}
+
+void SetTabOrder(std::initializer_list<QWidget*> order) {
+    QWidget* before = nullptr;
+    for (QWidget* widget : order) {
+        if (before) QWidget::setTabOrder(before, widget);
+        before = widget;
+    }
+}
+
+bool Tell(QLabel& line, const QString& why) {
+    line.setText(why);
+    line.setVisible(!why.isEmpty());
+    return why.isEmpty();
+}
+
+bool ShowLines(QPlainTextEdit& edit, std::string_view text) {
+    edit.setPlainText(ToQString(text).replace("\r\n", "\n"));
+    return text.find("\r\n") != std::string_view::npos || text.find('\n') == std::string_view::npos;
+}
+
+Bytes TakeLines(const QPlainTextEdit& edit, bool twoCharacters) {
+    QString text = PlainText(edit);
+    if (twoCharacters) text.replace("\n", "\r\n");
+    return FromQString(text);
 }
 
 void MarkUnmappable(QPlainTextEdit& edit) {

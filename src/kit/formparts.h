@@ -1,11 +1,21 @@
 #pragma once
 
+#include <QAction>
+#include <QKeySequence>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QString>
+#include <functional>
+#include <initializer_list>
 
-class QAction;
+#include "base/bytes.h"
+
+class QCheckBox;
+class QDialog;
+class QDialogButtonBox;
+class QLineEdit;
 class QPushButton;
+class QToolButton;
 
 namespace bmr::kit {
 
@@ -23,6 +33,54 @@ QLabel* MakeHeading(const char* name);
 
 /// A button that does what the action does, with its short text, icon and tip.
 QPushButton* MakeButton(const char* name, QAction* action);
+
+/// An entry of a screen's menu as it is made.
+struct Command {
+    const char* name;
+    QString text;
+    const char* icon = nullptr;
+    QString brief = {};          ///< what its button and the toolbar say
+    QKeySequence shortcut = {};  ///< acts in the screen's window only, the toolbar notwithstanding
+};
+QAction* MakeAction(QWidget& form, const Command& command);
+/// The same, and what it does.
+template <class Form>
+QAction* MakeAction(Form& form, const Command& command, void (Form::*slot)()) {
+    QAction* action = MakeAction(form, command);
+    QObject::connect(action, &QAction::triggered, &form, slot);
+    return action;
+}
+
+/// A button of one icon that the keyboard reaches; its tip is also its name.
+QToolButton* MakeIconButton(const QString& name, const char* icon, const QString& tip);
+
+QLineEdit* MakeLineField(const char* name, const QString& accessibleName);
+/// A field of many lines, which Tab leaves.
+QPlainTextEdit* MakeTextField(const char* name, const QString& accessibleName);
+/// The mark of a private record, in an editor.
+QCheckBox* MakePrivateBox();
+/// The hidden mark of a section's screen by which its editor tells it of changes.
+QCheckBox* MakeRecordChanged(QWidget& form);
+
+/// The foot of an editor. Cancel rejects; Ctrl+Return saves from anywhere in the editor.
+struct SaveCancel {
+    QDialogButtonBox* box;
+    QPushButton* cmdOK;
+    QPushButton* cmdEsc;
+};
+SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save);
+
+/// Tab goes from each to the next.
+void SetTabOrder(std::initializer_list<QWidget*> order);
+
+/// Shows or hides an error line; true when there is nothing to say.
+bool Tell(QLabel& line, const QString& why);
+
+/// Puts a record's text of many lines into a field. True when its lines end in two characters, as ours do; a
+/// text that was written otherwise keeps its own ends.
+bool ShowLines(QPlainTextEdit& edit, std::string_view text);
+/// The field's text for the record, with line ends of two characters or of one.
+Bytes TakeLines(const QPlainTextEdit& edit, bool twoCharacters);
 
 /// The text of a field to the letter, lines ended by "\n". The field's own `toPlainText` would turn every
 /// no-break space into a blank.

@@ -7,12 +7,14 @@
 #include "store/drafts.h"
 
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-class QToolButton;
+
+namespace bmr::kit {
+class CategoryField;
+}
 
 namespace bmr::notes {
 
@@ -38,11 +40,9 @@ class frmEditNotepad final : public QDialog {
   private:
     void BuildControls();
     void Lay();
-    void FillCategories(std::int32_t number);
     void Changed();
     bool Storable();
     void cmdOK_Click();
-    void cmdEditCat_Click();
     Bytes Body() const;
 
     store::Session& session_;
@@ -57,8 +57,7 @@ class frmEditNotepad final : public QDialog {
     QLabel* lblNoteError;
     QLabel* lblLength;
     QCheckBox* ctlPrivate;
-    QComboBox* cboCategory;
-    QToolButton* cmdEditCat;
+    kit::CategoryField* cboCategory;
     QPushButton* cmdOK;
     QPushButton* cmdEsc;
 };

@@ -1,7 +1,6 @@
 #include "notes/frmNotepad.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFrame>
 #include <QLabel>
 #include <QLocale>
@@ -10,10 +9,9 @@
 #include <utility>
 
 #include "base/languageus.h"
-#include "kit/categorycombo.h"
+#include "kit/categoryfield.h"
 #include "kit/emptystate.h"
 #include "kit/failure.h"
-#include "kit/frmEditCategories.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 #include "notes/frmEditNotepad.h"
@@ -55,13 +53,13 @@ frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
     BuildPad();
     Lay();
     const bool lastUsed = session_.settings.CatShow == 0;
-    FillCategories(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
+    cboCategories->Fill(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
     Rebuild(store::kNewRecord);
     listSelect->SelectFirst();
 }
 
 frmNotepad::~frmNotepad() {
-    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(category_);
+    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(cboCategories->Number());
 }
 
 QList<QAction*> frmNotepad::ToolActions() {
@@ -73,23 +71,12 @@ void frmNotepad::showEvent(QShowEvent* event) {
     TellStatus();
 }
 
-void frmNotepad::FillCategories(std::int32_t number) {
-    categories_ = store::FillCategories(session_, store::Section::Memo, true, true, true);
-    kit::FillCategoryCombo(*cboCategories, categories_);
-    kit::SelectCategory(*cboCategories, number);
-    TakeCategory();
-}
-
-void frmNotepad::TakeCategory() {
-    category_ = kit::SelectedCategory(*cboCategories);
-    mnuMemoDeleteCategory->setEnabled(category_ != Category::All);
-}
-
 void frmNotepad::Rebuild(std::int32_t key) {
     if (!session_.DatabaseOpen || session_.ending) return;
     HidePad();
+    mnuMemoDeleteCategory->setEnabled(cboCategories->Number() != Category::All);
     int error = 0;
-    listSelect->Rebuild([&] { error = model_->Rebuild(category_, search_); });
+    listSelect->Rebuild([&] { error = model_->Rebuild(cboCategories->Number(), search_); });
     kit::TellFailure(session_, error, tr("The memos could not be read."));
     ShowEmptyState();
     listSelect->SelectKey(key);
@@ -97,9 +84,13 @@ void frmNotepad::Rebuild(std::int32_t key) {
     TellStatus();
 }
 
+bool frmNotepad::Editing() const {
+    return editing_ || cboCategories->Editing();
+}
+
 void frmNotepad::Refresh() {
     const std::int32_t key = listSelect->SelectedKey();
-    FillCategories(category_);
+    cboCategories->Fill(cboCategories->Number());
     Rebuild(key);
 }
 
@@ -118,7 +109,8 @@ void frmNotepad::SelectRecord(std::int32_t fPK) {
         const auto memo = FetchMemo(session_, fPK);
         if (!memo) return;
         search_.clear();
-        if (category_ != Category::All && category_ != memo->category) FillCategories(memo->category);
+        if (cboCategories->Number() != Category::All && cboCategories->Number() != memo->category)
+            cboCategories->Fill(memo->category);
         Rebuild(fPK);
     }
     listSelect->SelectKey(fPK);
@@ -139,7 +131,7 @@ void frmNotepad::ShowMemo(std::int32_t key) {
     txtInput->setPlainText(kit::ToQString(memo->body).replace("\r\n", "\n"));
     ctlPrivate->setChecked(memo->isPrivate);
     ctlPrivate->setVisible(memo->isPrivate);
-    cboCategory->setText(kit::ToQString(store::CategoryName(categories_, memo->category)));
+    cboCategory->setText(kit::ToQString(store::CategoryName(cboCategories->Entries(), memo->category)));
     ShowDate(*ctlDateCreated, "Date created: ", memo->dateCreated);
     ShowDate(*ctlLastModified, "Last modified: ", memo->dateLastModified);
     cry::WipeString(memo->body);
@@ -148,26 +140,9 @@ void frmNotepad::ShowMemo(std::int32_t key) {
     mnuMemoDeleteSelected->setEnabled(true);
 }
 
-void frmNotepad::cboCategories_Click() {
-    if (kit::SelectedCategory(*cboCategories) == Category::Edit) return cmdEditCat_Click(true);
-    TakeCategory();
-    Rebuild(listSelect->SelectedKey());
-}
-
 void frmNotepad::ShowAllCategories() {
-    FillCategories(Category::All);
+    cboCategories->Fill(Category::All);
     Rebuild(listSelect->SelectedKey());
-}
-
-void frmNotepad::cmdEditCat_Click(bool fromCombo) {
-    kit::frmEditCategories form(session_, store::Section::Memo, this);
-    editing_ = true;
-    const bool stored = form.exec() == QDialog::Accepted;
-    editing_ = false;
-    if (session_.ending || !session_.DatabaseOpen) return;
-    const std::int32_t key = listSelect->SelectedKey();
-    FillCategories(stored && !fromCombo ? form.LastWorkedOn(category_) : category_);
-    Rebuild(key);
 }
 
 void frmNotepad::cmdAdd_Click() {
@@ -184,7 +159,7 @@ void frmNotepad::cmdAdd_Click() {
         box.icon = BoxIcon::Warning;
         session_.ports.prompter.Ask(box);
     }
-    Memo memo = ClearMemo(session_, category_);
+    Memo memo = ClearMemo(session_, cboCategories->Number());
     memo.subject = kit::FromQString(subject);
     EditRecord(std::move(memo));
 }
@@ -233,11 +208,12 @@ void frmNotepad::EditRecord(Memo memo, const store::Draft* draft) {
     if (session_.ending || !session_.DatabaseOpen) return;
     emit DraftSettled();
     const std::int32_t shown = listSelect->SelectedKey();
-    const std::int32_t categoryBefore = category_;
-    FillCategories(stored && category_ != Category::All ? memo.category : category_);
+    const std::int32_t categoryBefore = cboCategories->Number();
+    cboCategories->Fill(stored && cboCategories->Number() != Category::All ? memo.category
+                                                                           : cboCategories->Number());
     if (stored)
         Rebuild(memo.key);
-    else if (category_ != categoryBefore)
+    else if (cboCategories->Number() != categoryBefore)
         Rebuild(shown);  // the editor's own door to the categories led to the end of the one that was shown
     else
         ShowMemo(shown);
@@ -261,11 +237,11 @@ void frmNotepad::cmdDelete_Click() {
 }
 
 void frmNotepad::mnuMemoDeleteAll_Click(bool oneCategory) {
-    if (model_->rowCount() == 0 || (oneCategory && category_ == Category::All)) return;
+    if (model_->rowCount() == 0 || (oneCategory && cboCategories->Number() == Category::All)) return;
     const int first = oneCategory ? 102 : 80;
     for (const int number : {first, 81})
         if (session_.ports.prompter.Ask(ConfirmDelete(number, Msg(number))) != Answer::Ok) return;
-    const int error = DeleteMemos(session_, oneCategory ? category_ : Category::All);
+    const int error = DeleteMemos(session_, oneCategory ? cboCategories->Number() : Category::All);
     kit::TellFailure(session_, error, tr("The memos were not deleted."));
     Rebuild(store::kNewRecord);
     listSelect->SelectFirst();
@@ -277,7 +253,7 @@ void frmNotepad::ShowEmptyState() {
     setFocusProxy(any ? static_cast<QWidget*>(listSelect) : empty_);
     if (any) return;
     QList<QAction*> offers;
-    const bool filtered = category_ != Category::All;
+    const bool filtered = cboCategories->Number() != Category::All;
     if (search_.isEmpty()) offers << mnuMemoAdd;
     if (filtered) offers << actShowAll;
     if (!search_.isEmpty())

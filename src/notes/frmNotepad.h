@@ -7,15 +7,14 @@
 #include "store/categories.h"
 
 class QCheckBox;
-class QComboBox;
 class QFrame;
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 class QStackedLayout;
-class QToolButton;
 
 namespace bmr::kit {
+class CategoryField;
 class EmptyState;
 class RecordListView;
 }  // namespace bmr::kit
@@ -38,7 +37,7 @@ class frmNotepad final : public SectionForm {
     void Refresh() override;
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
-    bool Editing() const override { return editing_; }
+    bool Editing() const override;
     std::vector<store::Draft> Drafts() const override;
     void OpenDraft(const store::Draft& draft) override;
 
@@ -52,17 +51,12 @@ class frmNotepad final : public SectionForm {
     void showEvent(QShowEvent* event) override;
 
   private:
-    QAction* MakeAction(const char* name, const QString& text, const char* icon, void (frmNotepad::*slot)());
     void BuildActions();
     void BuildMenu();
     void BuildList();
     void BuildPad();
     void Lay();
 
-    void FillCategories(std::int32_t number);
-    void TakeCategory();
-    void cboCategories_Click();
-    void cmdEditCat_Click(bool fromCombo);
     void ShowAllCategories();
     void Rebuild(std::int32_t key);
     void ShowMemo(std::int32_t key);
@@ -75,8 +69,6 @@ class frmNotepad final : public SectionForm {
 
     store::Session& session_;
     MemoModel* model_;
-    store::CategoryList categories_;
-    std::int32_t category_ = store::Category::All;
     QString search_;
     std::int32_t beforeSearch_ = store::kNewRecord;  ///< the memo that was selected when the search began
     bool editing_ = false;
@@ -90,8 +82,7 @@ class frmNotepad final : public SectionForm {
     QAction* mnuMemoDeleteAll;
     QAction* actShowAll;
 
-    QComboBox* cboCategories;
-    QToolButton* cmdEditCat;
+    kit::CategoryField* cboCategories;
     QPushButton* cmdAdd;
     QPushButton* cmdEdit;
     QPushButton* cmdDelete;

@@ -1,5 +1,4 @@
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -8,9 +7,9 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStackedLayout>
-#include <QToolButton>
 #include <QVBoxLayout>
 
+#include "kit/categoryfield.h"
 #include "kit/emptystate.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
@@ -25,37 +24,25 @@ namespace bmr::notes {
 
 using kit::Space;
 
-QAction* frmNotepad::MakeAction(const char* name, const QString& text, const char* icon,
-                                void (frmNotepad::*slot)()) {
-    auto* action = new QAction(text, this);
-    action->setObjectName(name);
-    if (icon) action->setIcon(kit::Icon(icon));
-    if (slot) connect(action, &QAction::triggered, this, slot);
-    return action;
-}
-
 void frmNotepad::BuildActions() {
-    mnuMemoAdd = MakeAction("mnuMemoAdd", tr("&New Memo …"), "document-new", &frmNotepad::cmdAdd_Click);
-    mnuMemoAdd->setIconText(tr("New memo"));
-    mnuMemoAdd->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
-    mnuMemoEdit = MakeAction("mnuMemoEdit", tr("&Edit …"), "document-edit", &frmNotepad::cmdEdit_Click);
-    mnuMemoEdit->setIconText(tr("Edit"));
-    mnuMemoEdit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
-    mnuMemoDeleteSelected = MakeAction("mnuMemoDeleteSelected", tr("&Selected Memo"), "edit-delete",
+    using kit::MakeAction;
+    mnuMemoAdd = MakeAction(
+        *this,
+        {"mnuMemoAdd", tr("&New Memo…"), "document-new", tr("New memo"), QKeySequence(Qt::CTRL | Qt::Key_N)},
+        &frmNotepad::cmdAdd_Click);
+    mnuMemoEdit = MakeAction(
+        *this, {"mnuMemoEdit", tr("&Edit…"), "document-edit", tr("Edit"), QKeySequence(Qt::CTRL | Qt::Key_E)},
+        &frmNotepad::cmdEdit_Click);
+    mnuMemoDeleteSelected = MakeAction(*this,
+                                       {"mnuMemoDeleteSelected", tr("&Selected Memo"), "edit-delete",
+                                        tr("Delete"), QKeySequence(Qt::CTRL | Qt::Key_D)},
                                        &frmNotepad::cmdDelete_Click);
-    mnuMemoDeleteSelected->setIconText(tr("Delete"));
-    mnuMemoDeleteSelected->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
-    mnuMemoDeleteCategory =
-        MakeAction("mnuMemoDeleteCategory", tr("All in this &Category"), nullptr, nullptr);
+    mnuMemoDeleteCategory = MakeAction(*this, {"mnuMemoDeleteCategory", tr("All in this &Category")});
     connect(mnuMemoDeleteCategory, &QAction::triggered, this, [this] { mnuMemoDeleteAll_Click(true); });
-    mnuMemoDeleteAll = MakeAction("mnuMemoDeleteAll", tr("&All Memos"), nullptr, nullptr);
+    mnuMemoDeleteAll = MakeAction(*this, {"mnuMemoDeleteAll", tr("&All Memos")});
     connect(mnuMemoDeleteAll, &QAction::triggered, this, [this] { mnuMemoDeleteAll_Click(false); });
-    actShowAll =
-        MakeAction("showAll", tr("Show all categories"), "view-list-details", &frmNotepad::ShowAllCategories);
-    for (QAction* action : {mnuMemoAdd, mnuMemoEdit, mnuMemoDeleteSelected}) {
-        action->setShortcutContext(Qt::WindowShortcut);
-        addAction(action);
-    }
+    actShowAll = MakeAction(*this, {"showAll", tr("Show all categories"), "view-list-details"},
+                            &frmNotepad::ShowAllCategories);
 }
 
 void frmNotepad::BuildMenu() {
@@ -71,26 +58,15 @@ void frmNotepad::BuildMenu() {
     remove->addAction(mnuMemoDeleteCategory);
     remove->addAction(mnuMemoDeleteAll);
     mnuMemo->addSeparator();
-    mnuMemo->addAction(kit::Icon("tag"), tr("Edit Cate&gories …"), this, [this] { cmdEditCat_Click(false); });
+    mnuMemo->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
+                       [this] { cboCategories->EditCategories(); });
 }
 
 void frmNotepad::BuildList() {
-    cboCategories = new QComboBox;
-    cboCategories->setObjectName("cboCategories");
-    cboCategories->setAccessibleName(tr("Category"));
-    cboCategories->setMaxVisibleItems(24);
-    connect(cboCategories, &QComboBox::activated, this, &frmNotepad::cboCategories_Click);
-    cmdEditCat = new QToolButton;
-    cmdEditCat->setObjectName("cmdEditCat");
-    cmdEditCat->setIcon(kit::Icon("configure"));
-    cmdEditCat->setAutoRaise(true);
-    cmdEditCat->setFocusPolicy(Qt::StrongFocus);
-    cmdEditCat->setToolTip(tr("Edit categories"));
-    cmdEditCat->setAccessibleName(tr("Edit categories"));
-    connect(cmdEditCat, &QToolButton::clicked, this, [this] { cmdEditCat_Click(false); });
-    recordChanged = new QCheckBox(this);
-    recordChanged->setObjectName("recordChanged");
-    recordChanged->hide();
+    using kit::CategoryField;
+    cboCategories = new CategoryField(session_, store::Section::Memo, CategoryField::Use::Filter);
+    connect(cboCategories, &CategoryField::Chosen, this, [this] { Rebuild(listSelect->SelectedKey()); });
+    recordChanged = kit::MakeRecordChanged(*this);
     cmdAdd = kit::MakeButton("cmdAdd", mnuMemoAdd);
     cmdEdit = kit::MakeButton("cmdEdit", mnuMemoEdit);
     cmdDelete = kit::MakeButton("cmdDelete", mnuMemoDeleteSelected);
@@ -116,12 +92,9 @@ void frmNotepad::BuildPad() {
     padFrame->setBackgroundRole(QPalette::Base);
     padFrame->setAutoFillBackground(true);
     txtSubject = kit::MakeHeading("txtSubject");
-    txtInput = new QPlainTextEdit;
-    txtInput->setObjectName("txtInput");
-    txtInput->setAccessibleName(tr("Text of the memo"));
+    txtInput = kit::MakeTextField("txtInput", tr("Text of the memo"));
     txtInput->setReadOnly(true);
     txtInput->setFrameShape(QFrame::NoFrame);
-    txtInput->setTabChangesFocus(true);
     kit::GiveFieldMenu(*txtInput, session_);
     ctlPrivate = new QCheckBox(tr("Private"));
     ctlPrivate->setObjectName("ctlPrivate");
@@ -157,10 +130,6 @@ void frmNotepad::BuildPad() {
 }
 
 void frmNotepad::Lay() {
-    auto* filter = new QHBoxLayout;
-    filter->setSpacing(Space::Tight);
-    filter->addWidget(cboCategories, 1);
-    filter->addWidget(cmdEditCat);
     auto* lists = new QWidget;
     stack_ = new QStackedLayout(lists);
     stack_->addWidget(listSelect);
@@ -175,7 +144,7 @@ void frmNotepad::Lay() {
     auto* column = new QVBoxLayout(left);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
     column->setSpacing(Space::Row);
-    column->addLayout(filter);
+    column->addWidget(cboCategories);
     column->addWidget(lists, 1);
     column->addLayout(buttons);
     auto* right = new QWidget;
@@ -197,9 +166,8 @@ void frmNotepad::Lay() {
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(splitter);
-    QWidget* order[] = {cboCategories, cmdEditCat, listSelect, cmdAdd, cmdEdit, cmdDelete, txtInput};
-    for (std::size_t i = 1; i < std::size(order); ++i)
-        setTabOrder(order[i - 1], order[i]);
+    kit::SetTabOrder(
+        {cboCategories->Combo(), cboCategories->Button(), listSelect, cmdAdd, cmdEdit, cmdDelete, txtInput});
 }
 
 }  // namespace bmr::notes

@@ -2,7 +2,6 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -11,18 +10,15 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QShortcut>
-#include <QToolButton>
 
 #include "base/languageus.h"
 #include "calendar/calendar.h"
-#include "kit/categorycombo.h"
+#include "kit/categoryfield.h"
 #include "kit/dateedit.h"
+#include "kit/failure.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
-#include "kit/frmEditCategories.h"
 #include "kit/guards.h"
-#include "kit/icons.h"
 #include "kit/theme.h"
 #include "kit/words.h"
 
@@ -49,10 +45,6 @@ frmEditTodo::frmEditTodo(store::Session& session, const EditorValues& values, bo
     BuildDates();
     Lay(isNew);
     recordToEditor(values);
-    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
-        auto* store = new QShortcut(QKeySequence(Qt::CTRL | key), this);
-        connect(store, &QShortcut::activated, this, &frmEditTodo::cmdOK_Click);
-    }
     ctlTask->setFocus();
     kit::GuardDialog(*this);
 }
@@ -60,14 +52,9 @@ frmEditTodo::frmEditTodo(store::Session& session, const EditorValues& values, bo
 frmEditTodo::~frmEditTodo() = default;
 
 void frmEditTodo::BuildTexts() {
-    ctlTask = new QLineEdit;
-    ctlTask->setObjectName("ctlTask");
-    ctlTask->setAccessibleName(tr("Task"));
+    ctlTask = kit::MakeLineField("ctlTask", tr("Task"));
     lblTaskError = MakeErrorLine("lblTaskError");
-    ctlNote = new QPlainTextEdit;
-    ctlNote->setObjectName("ctlNote");
-    ctlNote->setAccessibleName(tr("Note"));
-    ctlNote->setTabChangesFocus(true);
+    ctlNote = kit::MakeTextField("ctlNote", tr("Note"));
     ctlNote->setMinimumHeight(fontMetrics().lineSpacing() * 6);
     lblNoteError = MakeErrorLine("lblNoteError");
     kit::GiveFieldMenu(*ctlTask, session_);
@@ -85,29 +72,10 @@ void frmEditTodo::BuildChoices() {
         group->addButton(ctlPri[i]);
         connect(ctlPri[i], &QRadioButton::toggled, this, &frmEditTodo::Changed);
     }
-    ctlPrivate = new QCheckBox(tr("&Private"));
-    ctlPrivate->setObjectName("ctlPrivate");
-    ctlPrivate->setToolTip(tr("Hidden unless private records are shown"));
-    cboCategory = new QComboBox;
-    cboCategory->setObjectName("cboCategory");
-    cboCategory->setAccessibleName(tr("Category"));
-    cmdEditCat = new QToolButton;
-    cmdEditCat->setObjectName("cmdEditCat");
-    cmdEditCat->setIcon(kit::Icon("configure"));
-    cmdEditCat->setToolTip(tr("Edit categories"));
-    cmdEditCat->setAccessibleName(tr("Edit categories"));
-    cmdEditCat->setFocusPolicy(Qt::StrongFocus);
+    ctlPrivate = kit::MakePrivateBox();
+    cboCategory = new kit::CategoryField(session_, store::Section::Todo, kit::CategoryField::Use::Editor);
     connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditTodo::Changed);
-    connect(cboCategory, &QComboBox::currentIndexChanged, this, [this] {
-        const std::int32_t shown = kit::SelectedCategory(*cboCategory);
-        if (shown == store::Category::Edit) return;
-        category_ = shown;
-        Changed();
-    });
-    connect(cboCategory, &QComboBox::activated, this, [this] {
-        if (kit::SelectedCategory(*cboCategory) == store::Category::Edit) cmdEditCat_Click();
-    });
-    connect(cmdEditCat, &QToolButton::clicked, this, &frmEditTodo::cmdEditCat_Click);
+    connect(cboCategory, &kit::CategoryField::Chosen, this, &frmEditTodo::Changed);
 }
 
 void frmEditTodo::BuildDates() {
@@ -119,8 +87,7 @@ void frmEditTodo::BuildDates() {
         edit->SetCaption(caption);
         connect(edit, &kit::DateEdit::Edited, error, &QLabel::hide);
         connect(edit, &kit::DateEdit::NotUnderstood, this, [this, error](const QString& typed) {
-            error->setText(tr("“%1” is no date.").arg(typed));
-            error->show();
+            kit::Tell(*error, tr("“%1” is no date.").arg(typed));
             Changed();
         });
         return edit;
@@ -134,13 +101,11 @@ void frmEditTodo::BuildDates() {
 }
 
 QWidget* frmEditTodo::MakeButtons(bool isNew) {
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
-    cmdOK = buttons->button(QDialogButtonBox::Save);
-    cmdOK->setObjectName("cmdOK");
+    const kit::SaveCancel foot = kit::MakeSaveCancel(*this, [this] { cmdOK_Click(); });
+    QDialogButtonBox* buttons = foot.box;
+    cmdOK = foot.cmdOK;
     cmdOK->setDefault(true);
-    cmdOK->setToolTip(tr("Ctrl+Return"));
-    cmdEsc = buttons->button(QDialogButtonBox::Cancel);
-    cmdEsc->setObjectName("cmdEsc");
+    cmdEsc = foot.cmdEsc;
     if (isNew) {
         auto* more = buttons->addButton(tr("Save and &new"), QDialogButtonBox::ActionRole);
         more->setObjectName("cmdSaveNew");
@@ -149,8 +114,6 @@ QWidget* frmEditTodo::MakeButtons(bool isNew) {
             cmdOK_Click();
         });
     }
-    connect(cmdOK, &QPushButton::clicked, this, &frmEditTodo::cmdOK_Click);
-    connect(cmdEsc, &QPushButton::clicked, this, &frmEditTodo::cmdEsc_Click);
     return buttons;
 }
 
@@ -162,12 +125,6 @@ void frmEditTodo::Lay(bool isNew) {
     for (QRadioButton* option : ctlPri)
         options->addWidget(option);
     options->addStretch();
-    auto* category = new QWidget;
-    auto* combo = new QHBoxLayout(category);
-    combo->setContentsMargins(0, 0, 0, 0);
-    combo->setSpacing(Space::Tight);
-    combo->addWidget(cboCategory, 1);
-    combo->addWidget(cmdEditCat);
 
     auto* left = new QFormLayout;
     auto* right = new QFormLayout;
@@ -177,7 +134,7 @@ void frmEditTodo::Lay(bool isNew) {
         half->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     }
     left->addRow(MakeLabel(tr("Priority"), ctlPri[0]), priority);
-    left->addRow(MakeLabel(tr("Cate&gory"), cboCategory), category);
+    left->addRow(MakeLabel(tr("Cate&gory"), cboCategory), cboCategory);
     left->addRow(QString(), ctlPrivate);
     right->addRow(MakeLabel(tr("&Due"), ctlDateDue), WithError(ctlDateDue, lblDueError));
     right->addRow(MakeLabel(tr("&Completed"), ctlDateCompleted),
@@ -199,19 +156,15 @@ void frmEditTodo::Lay(bool isNew) {
     column->addWidget(WithError(ctlNote, lblNoteError), 1);
     column->addSpacing(Space::Row);
     column->addWidget(MakeButtons(isNew));
-    QWidget* order[] = {ctlTask,    ctlPri[0],  ctlPri[1],        ctlPri[2], cboCategory, cmdEditCat,
-                        ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote,   cmdOK,       cmdEsc};
-    for (std::size_t i = 1; i < std::size(order); ++i)
-        setTabOrder(order[i - 1], order[i]);
+    kit::SetTabOrder({ctlTask, ctlPri[0], ctlPri[1], ctlPri[2], cboCategory->Combo(), cboCategory->Button(),
+                      ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote, cmdOK, cmdEsc});
     resize(qMax(620, fontMetrics().averageCharWidth() * 96), fontMetrics().lineSpacing() * 25);
 }
 
 void frmEditTodo::recordToEditor(const EditorValues& values) {
     filling_ = true;
     ctlTask->setText(kit::ToQString(values.task));
-    // Line ends are kept in two characters; a note that was written otherwise keeps its own.
-    crlf_ = values.note.find("\r\n") != Bytes::npos || values.note.find('\n') == Bytes::npos;
-    ctlNote->setPlainText(kit::ToQString(values.note).replace("\r\n", "\n"));
+    crlf_ = kit::ShowLines(*ctlNote, values.note);
     wasPrivate_ = values.isPrivate;
     ShowChoices(values);
     filling_ = false;
@@ -219,7 +172,7 @@ void frmEditTodo::recordToEditor(const EditorValues& values) {
 }
 
 void frmEditTodo::ShowChoices(const EditorValues& values) {
-    FillCategories(values.category);
+    cboCategory->Fill(values.category);
     const auto chosen = static_cast<std::size_t>(values.priority.value_or(-1));
     if (chosen < ctlPri.size()) {
         ctlPri[chosen]->setChecked(true);
@@ -236,24 +189,14 @@ void frmEditTodo::ShowChoices(const EditorValues& values) {
 EditorValues frmEditTodo::Values() const {
     EditorValues values;
     values.task = kit::FromQString(ctlTask->text());
-    QString note = kit::PlainText(*ctlNote);
-    if (crlf_) note.replace("\n", "\r\n");
-    values.note = kit::FromQString(note);
+    values.note = kit::TakeLines(*ctlNote, crlf_);
     for (std::size_t i = ctlPri.size(); i-- > 0;)
         if (ctlPri[i]->isChecked()) values.priority = static_cast<std::int32_t>(i);
     values.isPrivate = ctlPrivate->isChecked();
     values.due = ctlDateDue->Date();
     values.completed = ctlDateCompleted->Date();
-    values.category = kit::SelectedCategory(*cboCategory);
+    values.category = cboCategory->Number();
     return values;
-}
-
-void frmEditTodo::FillCategories(std::int32_t number) {
-    kit::FillCategoryCombo(*cboCategory,
-                           store::FillCategories(session_, store::Section::Todo, false, true, true));
-    if (!kit::SelectCategory(*cboCategory, number))
-        kit::SelectCategory(*cboCategory, store::Category::Unfiled);
-    category_ = kit::SelectedCategory(*cboCategory);
 }
 
 void frmEditTodo::MarkChanged() {
@@ -296,9 +239,7 @@ bool frmEditTodo::Storable() {
         QString why = kit::RefusalOf(text);
         if (const auto over = text.size() + text.count('\n') - kLongestText; why.isEmpty() && over > 0)
             why = tr("Too long by %1 characters: a record holds %2.").arg(over).arg(kLongestText);
-        line.setText(why);
-        line.setVisible(!why.isEmpty());
-        return why.isEmpty();
+        return kit::Tell(line, why);
     };
     const bool task = judge(*lblTaskError, ctlTask->text());
     const bool note = judge(*lblNoteError, kit::PlainText(*ctlNote));
@@ -322,10 +263,7 @@ void frmEditTodo::cmdEsc_Click() {
     another = false;
     const bool dates = session_.ending || CommitDates();  // a date that is still being typed is a change too
     if (recordChanged && !session_.ending) {
-        Box box = MessageBox(20, BoxIcon::Question);
-        box.buttons = Buttons::YesNo;
-        box.standard = Answer::No;  // it loses nothing
-        if (session_.ports.prompter.Ask(box) != Answer::Yes) {
+        if (!kit::AskDiscard(session_)) {
             // "No" stores, so it is held to the same rules as the button that says so.
             if (session_.ending || (dates && Storable())) QDialog::reject();
             return;
@@ -337,15 +275,6 @@ void frmEditTodo::cmdEsc_Click() {
 
 void frmEditTodo::reject() {
     cmdEsc_Click();
-}
-
-void frmEditTodo::cmdEditCat_Click() {
-    const std::int32_t before = category_;
-    kit::frmEditCategories form(session_, store::Section::Todo, this);
-    form.exec();
-    if (session_.ending || !session_.DatabaseOpen) return;
-    FillCategories(before);
-    if (category_ != before) Changed();
 }
 
 }  // namespace bmr::tasks

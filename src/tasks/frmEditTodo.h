@@ -10,17 +10,16 @@
 #include "tasks/task.h"
 
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
 class QRadioButton;
-class QToolButton;
 
 namespace bmr::kit {
+class CategoryField;
 class DateEdit;
-}
+}  // namespace bmr::kit
 
 namespace bmr::tasks {
 
@@ -58,7 +57,6 @@ class frmEditTodo final : public QDialog {
     QWidget* MakeButtons(bool isNew);
     void recordToEditor(const EditorValues& values);
     void ShowChoices(const EditorValues& values);
-    void FillCategories(std::int32_t number);
     void Changed();
     /// Takes dates that are typed but not confirmed. False when one is no date.
     bool CommitDates();
@@ -68,15 +66,13 @@ class frmEditTodo final : public QDialog {
     bool Storable();
     void cmdOK_Click();
     void cmdEsc_Click();
-    void cmdEditCat_Click();
 
     store::Session& session_;
     DatePickers pickers_;
-    std::int32_t category_ = store::Category::Unfiled;  ///< as last chosen, the editor's own entry apart
-    bool crlf_ = true;                                  ///< line ends of the note as they are kept
-    bool filling_ = false;                              ///< controls are set by us
-    bool wasPrivate_ = false;                           ///< as the record came
-    bool refused_ = false;                              ///< the last try to store found what cannot be
+    bool crlf_ = true;         ///< line ends of the note as they are kept
+    bool filling_ = false;     ///< controls are set by us
+    bool wasPrivate_ = false;  ///< as the record came
+    bool refused_ = false;     ///< the last try to store found what cannot be
 
     QLineEdit* ctlTask;
     QLabel* lblTaskError;
@@ -84,8 +80,7 @@ class frmEditTodo final : public QDialog {
     QLabel* lblNoteError;
     std::array<QRadioButton*, 3> ctlPri{};
     QCheckBox* ctlPrivate;
-    QComboBox* cboCategory;
-    QToolButton* cmdEditCat;
+    kit::CategoryField* cboCategory;
     kit::DateEdit* ctlDateDue;
     QLabel* lblDueError;
     kit::DateEdit* ctlDateCompleted;

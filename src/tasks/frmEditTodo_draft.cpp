@@ -44,8 +44,7 @@ store::Draft frmEditTodo::DraftOf(const EditorValues& choices, const QString& ta
 
 std::optional<store::Draft> frmEditTodo::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
-    EditorValues values = Values();
-    values.category = category_;
+    const EditorValues values = Values();
     std::optional<store::Draft> draft = DraftOf(values, ctlTask->text(), kit::PlainText(*ctlNote));
     draft->isPrivate = draft->isPrivate || wasPrivate_;
     return draft;

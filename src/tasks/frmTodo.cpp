@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
@@ -11,10 +10,9 @@
 #include <utility>
 
 #include "base/languageus.h"
-#include "kit/categorycombo.h"
+#include "kit/categoryfield.h"
 #include "kit/emptystate.h"
 #include "kit/failure.h"
-#include "kit/frmEditCategories.h"
 #include "kit/recordlistview.h"
 #include "kit/strip.h"
 #include "kit/words.h"
@@ -47,13 +45,13 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
     BuildList();
     Lay();
     const bool lastUsed = session_.settings.CatShow == 0;
-    FillCategories(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
+    cboCategories->Fill(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
     showListitems();
     TodoList->SelectFirst();
 }
 
 frmTodo::~frmTodo() {
-    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(category_);
+    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(cboCategories->Number());
     if (!session_.DatabaseOpen) return;
     QByteArray begun = txtQuickAdd->text().toUtf8();
     session_.quickTask = Secret(std::string_view(begun.constData(), static_cast<std::size_t>(begun.size())));
@@ -69,17 +67,9 @@ void frmTodo::showEvent(QShowEvent* event) {
     TellStatus();
 }
 
-void frmTodo::FillCategories(std::int32_t number) {
-    store::CategoryList list = store::FillCategories(session_, store::Section::Todo, true, true, true);
-    kit::FillCategoryCombo(*cboCategories, list);
-    kit::SelectCategory(*cboCategories, number);
-    category_ = kit::SelectedCategory(*cboCategories);
-    model_->SetCategories(std::move(list));
-}
-
 void frmTodo::showListitems() {
     if (!session_.DatabaseOpen || session_.ending) return;
-    const TaskFilter filter{.showCompleted = ShowCompleted->isChecked(), .category = category_};
+    const TaskFilter filter{.showCompleted = ShowCompleted->isChecked(), .category = cboCategories->Number()};
     int error = 0;
     TodoList->Rebuild([&] { error = model_->Rebuild(filter, search_.toStdString()); });
     TodoList->header()->setSortIndicator(-1, Qt::AscendingOrder);  // each build is in standard order
@@ -99,9 +89,13 @@ std::optional<std::int32_t> frmTodo::Selected() const {
     return key;
 }
 
+bool frmTodo::Editing() const {
+    return editing_ || cboCategories->Editing();
+}
+
 void frmTodo::Refresh() {
     const std::int32_t key = TodoList->SelectedKey();
-    FillCategories(category_);
+    cboCategories->Fill(cboCategories->Number());
     RebuildAndSelect(key);
 }
 
@@ -121,21 +115,15 @@ void frmTodo::SelectRecord(std::int32_t fPK) {
         if (!task) return;
         if (task->completed && !ShowCompleted->isChecked()) ShowCompleted->setChecked(true);
         search_.clear();
-        if (category_ != Category::All && category_ != task->category) FillCategories(Category::All);
+        if (cboCategories->Number() != Category::All && cboCategories->Number() != task->category)
+            cboCategories->Fill(Category::All);
         showListitems();
     }
     TodoList->SelectKey(fPK);
 }
 
-void frmTodo::cboCategories_Click() {
-    const std::int32_t chosen = kit::SelectedCategory(*cboCategories);
-    if (chosen == Category::Edit) return cmdEditCat_Click(true);
-    category_ = chosen;
-    RebuildAndSelect(TodoList->SelectedKey());
-}
-
 void frmTodo::ShowAllCategories() {
-    FillCategories(Category::All);
+    cboCategories->Fill(Category::All);
     RebuildAndSelect(TodoList->SelectedKey());
 }
 
@@ -144,24 +132,13 @@ void frmTodo::ShowCompleted_Click() {
     RebuildAndSelect(TodoList->SelectedKey());
 }
 
-void frmTodo::cmdEditCat_Click(bool fromCombo) {
-    kit::frmEditCategories form(session_, store::Section::Todo, this);
-    editing_ = true;
-    const bool stored = form.exec() == QDialog::Accepted;
-    editing_ = false;
-    if (session_.ending || !session_.DatabaseOpen) return;
-    const std::int32_t key = TodoList->SelectedKey();
-    FillCategories(stored && !fromCombo ? form.LastWorkedOn(category_) : category_);
-    RebuildAndSelect(key);
-}
-
 void frmTodo::cmdAdd_Click() {
-    EditRecord(ClearRecord(category_));
+    EditRecord(ClearRecord(cboCategories->Number()));
 }
 
 void frmTodo::mnuTodoEdit_Click() {
     if (model_->rowCount() == 0) return;
-    EditRecord(RecordToEdit(session_, Selected(), category_));
+    EditRecord(RecordToEdit(session_, Selected(), cboCategories->Number()));
 }
 
 std::vector<store::Draft> frmTodo::Drafts() const {
@@ -171,8 +148,8 @@ std::vector<store::Draft> frmTodo::Drafts() const {
         drafts.push_back(std::move(*draft));
     }
     if (const QString begun = txtQuickAdd->text().trimmed(); !begun.isEmpty()) {
-        EditorValues choices = RecordToEditor(ClearRecord(category_), {});
-        choices.category = store::RealCategory(category_);
+        EditorValues choices = RecordToEditor(ClearRecord(cboCategories->Number()), {});
+        choices.category = store::RealCategory(cboCategories->Number());
         drafts.push_back(frmEditTodo::DraftOf(choices, begun, {}));
     }
     return drafts;
@@ -191,18 +168,18 @@ void frmTodo::EditRecord(Task task, const store::Draft* draft) {
         const bool stored = EditAndStore(task, another, std::exchange(draft, nullptr));
         if (session_.ending || !session_.DatabaseOpen) break;
         emit DraftSettled();
-        const std::int32_t categoryBefore = category_;
+        const std::int32_t categoryBefore = cboCategories->Number();
         const std::int32_t selected = TodoList->SelectedKey();
-        FillCategories(category_);
+        cboCategories->Fill(cboCategories->Number());
         if (!stored) {
             // The editor's own door to the categories may have led to the end of the one that is shown.
-            if (category_ != categoryBefore) RebuildAndSelect(selected);
+            if (cboCategories->Number() != categoryBefore) RebuildAndSelect(selected);
             break;
         }
         showListitems();
         TodoList->SelectKey(keyBefore);  // the key before the store: after an add no row has it
         if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
-        if (another) task = ClearRecord(category_);
+        if (another) task = ClearRecord(cboCategories->Number());
     }
     editing_ = false;
 }
@@ -244,7 +221,7 @@ void frmTodo::AddQuickly() {
         strip_->Say(why, kit::Strip::Kind::Warning);
         return;
     }
-    Task task = ClearRecord(category_);
+    Task task = ClearRecord(cboCategories->Number());
     task.task = kit::FromQString(typed);
     if (!Store(task)) return;
     txtQuickAdd->clear();
@@ -322,18 +299,18 @@ void frmTodo::ShowEmptyState() {
     if (any) return;
     QList<QAction*> offers;
     if (!search_.isEmpty()) {
-        if (category_ != Category::All) offers << actShowAll;
+        if (cboCategories->Number() != Category::All) offers << actShowAll;
         if (!ShowCompleted->isChecked()) offers << actShowCompleted;
         empty_->Set("edit-find", tr("Nothing for “%1” in Tasks.").arg(search_), offers);
         return;
     }
     offers << mnuTodoNew;
-    if (category_ != Category::All) offers << actShowAll;
+    if (cboCategories->Number() != Category::All) offers << actShowAll;
     if (!ShowCompleted->isChecked()) offers << actShowCompleted;
     const bool open = !ShowCompleted->isChecked();
-    const QString where = category_ != Category::All ? tr("No tasks in this category.")
-                          : open                     ? tr("No open tasks.")
-                                                     : tr("No tasks yet.");
+    const QString where = cboCategories->Number() != Category::All ? tr("No tasks in this category.")
+                          : open                                   ? tr("No open tasks.")
+                                                                   : tr("No tasks yet.");
     empty_->Set("view-pim-tasks", where, offers);
 }
 

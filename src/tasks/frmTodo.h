@@ -6,13 +6,12 @@
 #include "tasks/tasklist.h"
 
 class QCheckBox;
-class QComboBox;
 class QLineEdit;
 class QPushButton;
 class QStackedLayout;
-class QToolButton;
 
 namespace bmr::kit {
+class CategoryField;
 class EmptyState;
 class RecordListView;
 class Strip;
@@ -36,7 +35,7 @@ class frmTodo final : public SectionForm {
     void Refresh() override;
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
-    bool Editing() const override { return editing_; }
+    bool Editing() const override;
     std::vector<store::Draft> Drafts() const override;
     void OpenDraft(const store::Draft& draft) override;
 
@@ -64,12 +63,8 @@ class frmTodo final : public SectionForm {
     void BuildFilter();
     void BuildList();
     void Lay();
-    QAction* MakeAction(const char* name, const QString& text, const char* icon, void (frmTodo::*slot)());
 
-    void FillCategories(std::int32_t number);
-    void cboCategories_Click();
     void ShowCompleted_Click();
-    void cmdEditCat_Click(bool fromCombo);
     void ColumnClick(int column);
     void ShowPopup(const QPoint& at);
     void Tick(std::int32_t key, bool checked);
@@ -89,7 +84,6 @@ class frmTodo final : public SectionForm {
 
     store::Session& session_;
     TodoModel* model_;
-    std::int32_t category_ = store::Category::All;  ///< as last chosen, the entry that opens the editor apart
     QString search_;
     std::int32_t beforeSearch_ = store::kNewRecord;  ///< the row that was selected when the search began
     bool editing_ = false;
@@ -107,10 +101,9 @@ class frmTodo final : public SectionForm {
     QAction* actShowAll;
     QAction* actShowCompleted;
 
-    QComboBox* cboCategories;
+    kit::CategoryField* cboCategories;
     QCheckBox* ShowCompleted;
     QCheckBox* recordChanged;
-    QToolButton* cmdEditCat;
     QPushButton* cmdAdd;
     QPushButton* cmdEdit;
     QPushButton* cmdDelete;

@@ -7,10 +7,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStackedLayout>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "base/shortdate.h"
+#include "kit/categoryfield.h"
 #include "kit/dateentry.h"
 #include "kit/emptystate.h"
 #include "kit/fieldmenu.h"
@@ -38,43 +38,30 @@ QMenu* AddMenu(QMenu& menu, const char* name, const QString& text) {
 
 }  // namespace
 
-QAction* frmTodo::MakeAction(const char* name, const QString& text, const char* icon,
-                             void (frmTodo::*slot)()) {
-    auto* action = new QAction(text, this);
-    action->setObjectName(name);
-    if (icon) action->setIcon(kit::Icon(icon));
-    if (slot) connect(action, &QAction::triggered, this, slot);
-    return action;
-}
-
 void frmTodo::BuildActions() {
-    mnuTodoNew = MakeAction("mnuTodoNew", tr("&New Task…"), "task-new", &frmTodo::cmdAdd_Click);
-    mnuTodoNew->setIconText(tr("New task"));
-    mnuTodoNew->setShortcut(QKeySequence::New);
-    mnuTodoEdit = MakeAction("mnuTodoEdit", tr("&Edit…"), "document-edit", &frmTodo::mnuTodoEdit_Click);
-    mnuTodoEdit->setIconText(tr("Edit"));
-    mnuTodoEdit->setShortcut(Qt::Key_F2);
-    mnuTodoDeleteSelected = MakeAction("mnuTodoDeleteSelected", tr("&Selected Task"), "edit-delete",
+    using kit::MakeAction;
+    mnuTodoNew = MakeAction(
+        *this, {"mnuTodoNew", tr("&New Task…"), "task-new", tr("New task"), QKeySequence(QKeySequence::New)},
+        &frmTodo::cmdAdd_Click);
+    mnuTodoEdit = MakeAction(
+        *this, {"mnuTodoEdit", tr("&Edit…"), "document-edit", tr("Edit"), QKeySequence(Qt::Key_F2)},
+        &frmTodo::mnuTodoEdit_Click);
+    mnuTodoDeleteSelected = MakeAction(*this,
+                                       {"mnuTodoDeleteSelected", tr("&Selected Task"), "edit-delete",
+                                        tr("Delete"), QKeySequence(Qt::CTRL | Qt::Key_Delete)},
                                        &frmTodo::mnuTodoDeleteItem_Click);
-    mnuTodoDeleteSelected->setIconText(tr("Delete"));
-    mnuTodoDeleteSelected->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Delete));
-    mnuTodoDeleteCompleted = MakeAction("mnuTodoDeleteCompleted", tr("All &Completed Tasks"), nullptr,
+    mnuTodoDeleteCompleted = MakeAction(*this, {"mnuTodoDeleteCompleted", tr("All &Completed Tasks")},
                                         &frmTodo::mnuTodoDeleteCompleted_Click);
     mnuTodoDeleteAll =
-        MakeAction("mnuTodoDeleteAll", tr("&All Tasks"), nullptr, &frmTodo::mnuTodoDeleteAll_Click);
-    mnuTodoCompleted =
-        MakeAction("mnuTodoCompleted", tr("&Completed"), "task-complete", &frmTodo::mnuCompleted_Click);
-    mnuTodoCompleted->setIconText(tr("Completed"));
-    mnuTodoCompleted->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
-    actShowAll =
-        MakeAction("showAll", tr("Show all categories"), "view-list-details", &frmTodo::ShowAllCategories);
-    actShowCompleted = MakeAction("showCompleted", tr("Show completed"), "task-complete", nullptr);
+        MakeAction(*this, {"mnuTodoDeleteAll", tr("&All Tasks")}, &frmTodo::mnuTodoDeleteAll_Click);
+    mnuTodoCompleted = MakeAction(*this,
+                                  {"mnuTodoCompleted", tr("&Completed"), "task-complete", tr("Completed"),
+                                   QKeySequence(Qt::CTRL | Qt::Key_D)},
+                                  &frmTodo::mnuCompleted_Click);
+    actShowAll = MakeAction(*this, {"showAll", tr("Show all categories"), "view-list-details"},
+                            &frmTodo::ShowAllCategories);
+    actShowCompleted = MakeAction(*this, {"showCompleted", tr("Show completed"), "task-complete"});
     connect(actShowCompleted, &QAction::triggered, this, [this] { ShowCompleted->click(); });
-    // Shortcuts act in this screen only, the main window's toolbar notwithstanding.
-    for (QAction* action : {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, mnuTodoCompleted}) {
-        action->setShortcutContext(Qt::WindowShortcut);
-        addAction(action);
-    }
 }
 
 void frmTodo::BuildMenu() {
@@ -96,7 +83,7 @@ void frmTodo::BuildMenu() {
         priority->addAction(tr(kPriorities[i]), this, [this, i] { mnuTodoPriority_Click(i); });
     mnuTodo->addSeparator();
     QAction* categories = mnuTodo->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
-                                             [this] { cmdEditCat_Click(false); });
+                                             [this] { cboCategories->EditCategories(); });
     categories->setObjectName("mnuTodoEditCat");
     QMenu* import = AddMenu(*mnuTodo, "mnuTodoImport", tr("&Import"));
     QAction* palm = import->addAction("&Palm Todo-File");
@@ -134,35 +121,23 @@ void frmTodo::BuildPopup() {
 }
 
 void frmTodo::BuildFilter() {
-    cboCategories = new QComboBox;
-    cboCategories->setObjectName("cboCategories");
-    cboCategories->setAccessibleName(tr("Category"));
-    cboCategories->setMinimumWidth(fontMetrics().averageCharWidth() * 26);
-    cboCategories->setMaxVisibleItems(24);
-    connect(cboCategories, &QComboBox::activated, this, &frmTodo::cboCategories_Click);
-    cmdEditCat = new QToolButton;
-    cmdEditCat->setObjectName("cmdEditCat");
-    cmdEditCat->setIcon(kit::Icon("configure"));
-    cmdEditCat->setAutoRaise(true);
-    cmdEditCat->setFocusPolicy(Qt::StrongFocus);
-    cmdEditCat->setToolTip(tr("Edit categories"));
-    cmdEditCat->setAccessibleName(tr("Edit categories"));
-    connect(cmdEditCat, &QToolButton::clicked, this, [this] { cmdEditCat_Click(false); });
+    using kit::CategoryField;
+    cboCategories = new CategoryField(session_, store::Section::Todo, CategoryField::Use::Filter);
+    cboCategories->Combo()->setMinimumWidth(fontMetrics().averageCharWidth() * 26);
+    connect(cboCategories, &CategoryField::Filled, this,
+            [this] { model_->SetCategories(cboCategories->Entries()); });
+    connect(cboCategories, &CategoryField::Chosen, this,
+            [this] { RebuildAndSelect(TodoList->SelectedKey()); });
     ShowCompleted = new QCheckBox(tr("&Show completed"));
     ShowCompleted->setObjectName("ShowCompleted");
     ShowCompleted->setChecked(session_.settings.TodoShowCompleted == 1);
     connect(ShowCompleted, &QCheckBox::clicked, this, &frmTodo::ShowCompleted_Click);
-    recordChanged = new QCheckBox(this);
-    recordChanged->setObjectName("recordChanged");
-    recordChanged->hide();
-
+    recordChanged = kit::MakeRecordChanged(*this);
     cmdAdd = kit::MakeButton("cmdAdd", mnuTodoNew);
     cmdEdit = kit::MakeButton("cmdEdit", mnuTodoEdit);
     cmdDelete = kit::MakeButton("cmdDelete", mnuTodoDeleteSelected);
-    txtQuickAdd = new QLineEdit;
-    txtQuickAdd->setObjectName("txtQuickAdd");
+    txtQuickAdd = kit::MakeLineField("txtQuickAdd", tr("New task"));
     txtQuickAdd->setPlaceholderText(tr("Type a task and press Return"));
-    txtQuickAdd->setAccessibleName(tr("New task"));
     txtQuickAdd->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
     kit::GiveFieldMenu(*txtQuickAdd, session_);
     txtQuickAdd->setText(QString::fromUtf8(session_.quickTask.view()));
@@ -218,7 +193,6 @@ void frmTodo::Lay() {
     filter->setSpacing(Space::Row);
     filter->addWidget(label);
     filter->addWidget(cboCategories);
-    filter->addWidget(cmdEditCat);
     filter->addSpacing(Space::Row);
     filter->addWidget(ShowCompleted);
     filter->addStretch();
@@ -239,10 +213,8 @@ void frmTodo::Lay() {
     column->addLayout(stack_, 1);
     column->addLayout(bottom);
     setFocusProxy(TodoList);
-    QWidget* order[] = {cboCategories, cmdEditCat, ShowCompleted, TodoList,
-                        txtQuickAdd,   cmdAdd,     cmdEdit,       cmdDelete};
-    for (std::size_t i = 1; i < std::size(order); ++i)
-        setTabOrder(order[i - 1], order[i]);
+    kit::SetTabOrder({cboCategories->Combo(), cboCategories->Button(), ShowCompleted, TodoList, txtQuickAdd,
+                      cmdAdd, cmdEdit, cmdDelete});
 }
 
 }  // namespace bmr::tasks

@@ -6,7 +6,18 @@
 namespace bmr::tasks {
 namespace {
 
-TEST_F(FormTodo, AnEndUnderTheOpenEditorStoresNothing) {
+struct FormTodoFailures : FormTodo {
+    /// The editor changes a task that becomes another section's meanwhile.
+    void MeetARefusal(Visitor& visitor, std::int32_t key) {
+        visitor.Meet("frmEditTodo", [this, key](QWidget& editor) {
+            db.Set(key, "fSec", std::int32_t{14});
+            test::TypeText(Named(editor, "ctlTask"), "!");
+            Click(editor, "cmdOK");
+        });
+    }
+};
+
+TEST_F(FormTodoFailures, AnEndUnderTheOpenEditorStoresNothing) {
     Visitor visitor;
     visitor.Meet("frmEditTodo", [&](QWidget& editor) {
         test::TypeText(Named(editor, "ctlTask"), "half a thought");
@@ -25,15 +36,11 @@ TEST_F(FormTodo, AnEndUnderTheOpenEditorStoresNothing) {
     EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=15"), 0);
 }
 
-TEST_F(FormTodo, AStoreOverAnotherSectionsRowIsRefused) {
+TEST_F(FormTodoFailures, AStoreOverAnotherSectionsRowIsRefused) {
     const auto key = Add("mine");
     Open();
     Visitor visitor;
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        db.Set(key, "fSec", std::int32_t{14});
-        test::TypeText(Named(editor, "ctlTask"), "!");
-        Click(editor, "cmdOK");
-    });
+    MeetARefusal(visitor, key);
     visitor.Meet("frmEditTodo", [](QWidget& editor) {
         EXPECT_EQ(Named<QLineEdit>(editor, "ctlTask").text(), "!") << "what was typed can still be copied";
         QTest::keyClick(&editor, Qt::Key_Escape);
@@ -43,15 +50,11 @@ TEST_F(FormTodo, AStoreOverAnotherSectionsRowIsRefused) {
     EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=14 And fPK=" + std::to_string(key)), 1);
 }
 
-TEST_F(FormTodo, AnEndWhileAFailureIsToldOpensNoEditorAgain) {
+TEST_F(FormTodoFailures, AnEndWhileAFailureIsToldOpensNoEditorAgain) {
     const auto key = Add("mine");
     Open();
     Visitor visitor;
-    visitor.Meet("frmEditTodo", [&](QWidget& editor) {
-        db.Set(key, "fSec", std::int32_t{14});
-        test::TypeText(Named(editor, "ctlTask"), "!");
-        Click(editor, "cmdOK");
-    });
+    MeetARefusal(visitor, key);
     db.prompter.onAsk = [&] {
         db.session.ending = true;
         db.session.DatabaseOpen = false;
@@ -62,7 +65,7 @@ TEST_F(FormTodo, AnEndWhileAFailureIsToldOpensNoEditorAgain) {
     EXPECT_FALSE(form->Editing());
 }
 
-TEST_F(FormTodo, ADamagedTaskIsOnlyWrittenOverWhenAsked) {
+TEST_F(FormTodoFailures, ADamagedTaskIsOnlyWrittenOverWhenAsked) {
     db.session.ShowPrivate = true;
     const auto key = Add("broken");
     const std::string row = "SELECT fEtx FROM tt WHERE fPK=" + std::to_string(key);
@@ -83,7 +86,7 @@ TEST_F(FormTodo, ADamagedTaskIsOnlyWrittenOverWhenAsked) {
     EXPECT_EQ(Stored(key).task, "again");
 }
 
-TEST_F(FormTodo, ACategoryThatEndsInACancelledEditorLeavesTheFilterTrue) {
+TEST_F(FormTodoFailures, ACategoryThatEndsInACancelledEditorLeavesTheFilterTrue) {
     Visitor visitor;
     db.prompter.inputs = {"Garden"};
     visitor.Meet("frmEditCategories", [](QWidget& dialog) {

@@ -1,0 +1,62 @@
+#include "kit/categoryfield.h"
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QToolButton>
+
+#include "kit/categorycombo.h"
+#include "kit/formparts.h"
+#include "kit/frmEditCategories.h"
+#include "kit/theme.h"
+#include "store/session.h"
+
+namespace bmr::kit {
+
+using store::Category;
+
+CategoryField::CategoryField(store::Session& session, std::uint8_t section, Use use, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      section_(section),
+      use_(use),
+      combo_(new QComboBox),
+      cmdEditCat(MakeIconButton("cmdEditCat", "configure", tr("Edit categories"))) {
+    combo_->setObjectName(use == Use::Filter ? "cboCategories" : "cboCategory");
+    combo_->setAccessibleName(tr("Category"));
+    combo_->setMaxVisibleItems(24);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(Space::Tight);
+    row->addWidget(combo_, 1);
+    row->addWidget(cmdEditCat);
+    setFocusProxy(combo_);
+    connect(combo_, &QComboBox::activated, this, [this] {
+        if (SelectedCategory(*combo_) == Category::Edit) return OpenDialog(true);
+        number_ = SelectedCategory(*combo_);
+        emit Chosen();
+    });
+    connect(cmdEditCat, &QToolButton::clicked, this, &CategoryField::EditCategories);
+}
+
+void CategoryField::Fill(std::int32_t number) {
+    const bool filter = use_ == Use::Filter;
+    entries_ = store::FillCategories(session_, section_, filter, true, true);
+    FillCategoryCombo(*combo_, entries_);
+    if (!SelectCategory(*combo_, number) && !filter) SelectCategory(*combo_, Category::Unfiled);
+    number_ = SelectedCategory(*combo_);
+    emit Filled();
+}
+
+void CategoryField::OpenDialog(bool fromCombo) {
+    const std::int32_t before = number_;
+    frmEditCategories form(session_, section_, this);
+    editing_ = true;
+    const bool stored = form.exec() == QDialog::Accepted;
+    editing_ = false;
+    if (session_.ending || !session_.DatabaseOpen) return;
+    const bool goesOn = use_ == Use::Filter && stored && !fromCombo;
+    Fill(goesOn ? form.LastWorkedOn(before) : before);
+    if (use_ == Use::Filter || number_ != before) emit Chosen();
+}
+
+}  // namespace bmr::kit

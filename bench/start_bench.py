@@ -43,9 +43,7 @@ def until_window(command, title, env):
     return took, resident
 
 
-def main(build):
-    build = pathlib.Path(build)
-    name, servers = display()
+def measure(build, name):
     with tempfile.TemporaryDirectory() as home:
         env = {**os.environ, "DISPLAY": name, "HOME": home, "XDG_CONFIG_HOME": home, "XDG_RUNTIME_DIR": home,
                "QT_QPA_PLATFORM": "xcb"}
@@ -56,11 +54,17 @@ def main(build):
         os.close(write)
         subprocess.run([build / "tools/bmr", "new", file, "--passphrase-fd", str(read)], pass_fds=[read], check=True)
         bare = min(until_window([build / "bench/bare_window"], "bare window", env)[0] for _ in range(RUNS))
-        runs = [until_window([build / "src/brindlemere", file], "Passphrase", env) for _ in range(RUNS)]
-    for server in servers:
-        server.kill()
-    ours = min(took for took, _ in runs)
-    resident = max(size for _, size in runs)
+        runs = [until_window([build / "src/brindlemere", file], "Database: START", env) for _ in range(RUNS)]
+    return bare, min(took for took, _ in runs), max(size for _, size in runs)
+
+
+def main(build):
+    name, servers = display()
+    try:
+        bare, ours, resident = measure(pathlib.Path(build), name)
+    finally:
+        for server in servers:
+            server.kill()
     over = ours / bare > 1.6 or resident > 64
     print(f"start     {ours * 1e3:8.1f} ms  base {bare * 1e3:8.1f} ms  ratio {ours / bare:5.2f}  limit 1.60")
     print(f"resident  {resident:8.1f} MiB  limit 64")

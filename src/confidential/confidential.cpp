@@ -97,8 +97,8 @@ int SaveRecord(Session& session, Record& record) {
         cry::WipeString(before);
         return FillRow(session, row, record, added, renamed);
     };
-    const auto place = [&](std::int32_t fPK, bool) {
-        return renamed ? store::BucketPosition(session, Section::Confidential, fPK, record.n[0]) : 0;
+    const auto place = [&](std::int32_t fPK, bool added) {
+        return renamed ? store::BucketPosition(session, Section::Confidential, fPK, record.n[0], added) : 0;
     };
     const store::StoreOutcome outcome =
         store::StoreRow(session, Section::Confidential, record.key, fill, place);

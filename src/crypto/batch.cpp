@@ -31,11 +31,14 @@ class KeyedFields {
     void Run(std::span<const std::uint8_t> keystring, unsigned threads, const Work& work) {
         FindRuns();
         const std::size_t keys = runs_.size() - 1;
-        const std::size_t wanted = threads != 0 ? threads : std::thread::hardware_concurrency();
+        const std::size_t useful = keys / kKeysPerThread + 1;
+        // Asking for the cores opens a file, which a few fields are not worth.
+        const std::size_t wanted =
+            threads != 0 || useful == 1 ? threads : std::thread::hardware_concurrency();
         std::atomic<std::size_t> next{0};
         const auto worker = [&] { TakeRuns(keystring, next, work); };
         std::vector<std::jthread> others;
-        for (std::size_t i = 1; i < std::min(wanted, keys / kKeysPerThread + 1); ++i) {
+        for (std::size_t i = 1; i < std::min(wanted, useful); ++i) {
             try {
                 others.emplace_back(worker);
             } catch (const std::system_error&) {

@@ -1,5 +1,7 @@
 #include "notes/memo.h"
 
+#include <span>
+
 #include "base/languageus.h"
 #include "store/bulkadd.h"
 #include "store/categories.h"
@@ -33,17 +35,21 @@ Bytes EncodeMemo(Session& session, const Memo& memo) {
     return payload;
 }
 
-/// Sets every column but the place in the alphabet's `fR1`.
-void FillMemoRow(Session& session, Recordset& row, Memo& memo, bool renamed) {
+/// Sets every column but the place in the alphabet's `fR1`. 0 or an error number.
+int FillMemoRow(Session& session, Recordset& row, Memo& memo, bool renamed) {
     Bytes payload = EncodeMemo(session, memo);
-    row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));
+    const std::string_view texts[] = {payload, memo.subject};
+    const auto ciphered = cry::EncipherBatch(session.cipher, std::span(texts).first(renamed ? 2 : 1));
     cry::WipeString(payload);
+    if (ciphered.front().empty()) return store::EngineNumber::Failed;
+    row.SetField("fEtx", ciphered.front());
     row.SetField("fG1", memo.category);
     if (renamed) {
-        row.SetField("fT1", cry::FieldCipher(session.cipher, 1, memo.subject));
+        row.SetField("fT1", ciphered.back());
         row.SetField("fR2", store::BucketKey(memo.subject, session.ports.random));
     }
     store::FillColumns(row, kNoise, session.ports.random);
+    return 0;
 }
 
 /// `changed` is the day of the change, 0 for today.
@@ -110,11 +116,10 @@ int WriteMemo(Session& session, Memo& memo) {
             renamed = before != TrimBlanks(memo.subject);
             cry::WipeString(before);
         }
-        FillMemoRow(session, row, memo, renamed);
-        return 0;
+        return FillMemoRow(session, row, memo, renamed);
     };
-    const auto place = [&](std::int32_t fPK, bool) {
-        return renamed ? store::BucketPosition(session, Section::Memo, fPK, memo.subject) : 0;
+    const auto place = [&](std::int32_t fPK, bool added) {
+        return renamed ? store::BucketPosition(session, Section::Memo, fPK, memo.subject, added) : 0;
     };
     const store::StoreOutcome outcome = store::StoreRow(session, Section::Memo, memo.key, fill, place);
     if (outcome.error != 0) return outcome.error;

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <span>
 #include <string>
 #include <unordered_map>
 
 #include "crypto/conversion.h"
 #include "crypto/cry.h"
+#include "store/bucketsearch.h"
 #include "store/db.h"
 #include "store/section_store.h"
 
@@ -32,10 +34,10 @@ Result<std::vector<BucketRow>> ReadBucket(Database& db, std::uint8_t section, co
 
 /// The rows of the text's bucket without `own`, from memory where the memory still holds.
 Result<std::vector<BucketRow>*> OrderedBucket(Session& session, std::uint8_t section,
-                                              const SpreadRange& bounds, std::int32_t own) {
+                                              const SpreadRange& bounds, std::int32_t own, bool added) {
     BucketOrder& order = session.bucketOrder;
     if (order.changes < 0 || session.ProgramDb->ChangeCount() != order.changes) order.Clear();
-    order.Forget(own);
+    if (!added) order.Forget(own);
     const auto found = order.buckets.find({section, bounds.low});
     if (found != order.buckets.end()) return &found->second;
     auto rows = ReadBucket(*session.ProgramDb, section, bounds);
@@ -44,11 +46,20 @@ Result<std::vector<BucketRow>*> OrderedBucket(Session& session, std::uint8_t sec
     return &(order.buckets[{section, bounds.low}] = std::move(*rows));
 }
 
-Bytes TextOfRow(Session& session, std::int32_t fPK) {
-    auto cursor =
-        session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) + kOwnerAccess);
-    if (!cursor || !cursor->Next()) return {};
-    return cry::FieldCipher(session.cipher, 2, cursor->Bytes(0));
+/// The texts of the rows at `places`, trimmed; one that cannot be read is empty.
+std::vector<Bytes> TextsOfRows(Session& session, const std::vector<BucketRow>& rows,
+                               std::span<const std::size_t> places) {
+    std::vector<Bytes> ciphered(places.size());
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        auto cursor = session.ProgramDb->Select(
+            "SELECT fT1 FROM tt WHERE fPK=" + std::to_string(rows[places[i]].fPK) + kOwnerAccess);
+        if (cursor && cursor->Next()) ciphered[i] = Bytes(cursor->Bytes(0));
+    }
+    std::vector<Bytes> texts(places.size());
+    const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
+    cry::DecipherBatch(session.cipher, views,
+                       [&](std::size_t i, std::string_view plain) { texts[i] = Bytes(TrimBlanks(plain)); });
+    return texts;
 }
 
 int WritePosition(Recordset& table, std::int32_t fPK, std::int32_t position, bool mark) {
@@ -153,15 +164,17 @@ std::optional<std::int32_t> PositionBetween(const std::vector<BucketRow>& rows, 
     return static_cast<std::int32_t>(low + offset);
 }
 
-int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK, std::string_view text) {
+int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK, std::string_view text,
+                   bool added) {
     const std::string_view plain = TrimBlanks(text);
     const SpreadRange bounds = BucketBounds(plain);
-    auto ordered = OrderedBucket(session, section, bounds, fPK);
+    auto ordered = OrderedBucket(session, section, bounds, fPK, added);
     if (!ordered) return ordered.error().number;
     std::vector<BucketRow>& rows = **ordered;
 
-    const std::size_t place = FindBucketPlace(
-        rows, plain, [&session](const BucketRow& row) { return TextOfRow(session, row.fPK); });
+    const std::size_t place = FindBucketPlace(rows.size(), plain, [&](std::span<const std::size_t> places) {
+        return TextsOfRows(session, rows, places);
+    });
     const auto position = PositionBetween(rows, place, bounds, session.ports.random);
     rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), {fPK, position.value_or(0)});
 

@@ -36,22 +36,6 @@ SpreadRange BucketBounds(std::string_view text);
 /// the neighbouring pair of buckets, is drawn anew: such a row would stand apart from its own bucket.
 std::int32_t BucketKey(std::string_view text, RandomSource& random);
 
-/// The number of rows at the front of `rows` whose text is not above `text` (new rows go behind their
-/// equals), found by halving; `textOf` deciphers a row and is called at most 1 + log2(rows) times.
-template <class TextOf>
-std::size_t FindBucketPlace(const std::vector<BucketRow>& rows, std::string_view text, TextOf textOf) {
-    std::size_t low = 0;
-    std::size_t high = rows.size();
-    while (low < high) {
-        const std::size_t middle = low + (high - low) / 2;
-        if (textOf(rows[middle]) <= text)
-            low = middle + 1;
-        else
-            high = middle;
-    }
-    return low;
-}
-
 /// A position strictly between the rows at place - 1 and place, inside the bucket's bounds: a point of the
 /// slot `place * spread` among `n * spread` where that lies between, else a random point of the gap. Nothing
 /// when there is no room.
@@ -60,9 +44,10 @@ std::optional<std::int32_t> PositionBetween(const std::vector<BucketRow>& rows, 
 
 /// Gives the stored row `fPK` its position by its text and writes it (`fR1`) in an update of its own; where
 /// there is no room, the whole bucket is spread anew, each rewritten row with `AE Or 2`. Call it inside the
-/// transaction that wrote the row's fT1 and fR2. 0, -31 when the row is gone, or the engine's number.
+/// transaction that wrote the row's fT1 and fR2; `added` tells that it wrote a new row. 0, -31 when the row
+/// is gone, or the engine's number.
 [[nodiscard]] int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK,
-                                 std::string_view text);
+                                 std::string_view text, bool added);
 
 /// Positions (fR1) for many new rows at once, one for each of `texts`, before they are added: every bucket
 /// that gets one is merged with the rows that stand there (their texts deciphered in one batch), spread

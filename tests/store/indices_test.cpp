@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
 #include "crypto/conversion.h"
 #include "notes/memo.h"
+#include "store/bucketsearch.h"
 #include "support/data.h"
 #include "support/store.h"
 
@@ -76,6 +78,46 @@ TEST(BucketPositions, LieStrictlyBetweenTheNeighbours) {
     EXPECT_LE(full, 2);  // fewer than one in a thousand
     EXPECT_FALSE(PositionBetween({{1, 500}, {2, 501}}, 1, bounds, random));
     EXPECT_FALSE(PositionBetween({{1, bounds.low}}, 0, bounds, random));
+}
+
+/// How many texts the search for `text` deciphered; the place must be the right one.
+std::size_t TextsRead(const std::vector<Bytes>& sorted, const Bytes& text) {
+    std::size_t read = 0;
+    const std::size_t place = FindBucketPlace(sorted.size(), text, [&](std::span<const std::size_t> places) {
+        std::vector<Bytes> texts;
+        for (const std::size_t at : places)
+            texts.push_back(sorted.at(at));
+        read += places.size();
+        return texts;
+    });
+    EXPECT_EQ(place, std::upper_bound(sorted.begin(), sorted.end(), text) - sorted.begin()) << text;
+    return read;
+}
+
+TEST(BucketSearch, FindsThePlaceWithinItsLimitHoweverTheTextsAreSpread) {
+    test::SeededRandom random(3);
+    const std::pair<const char*, std::size_t> spreads[] = {
+        {"abcdefghijklmnopqrstuvwxyz", 8}, {"eeeeeeeeeeetanz", 6}, {"a", 30}, {"aZ 9\xE9\xFF", 3}, {"", 0}};
+    for (const auto& [letters, length] : spreads) {
+        const auto draw = [&, letters = std::string_view(letters), length = length] {
+            Bytes text = "Ke";
+            const auto most = static_cast<std::int32_t>(length);
+            for (int i = most == 0 ? 0 : DrawBelow(random, most + 1); i > 0; --i)
+                text += letters[static_cast<std::size_t>(
+                    DrawBelow(random, static_cast<std::int32_t>(letters.size())))];
+            return text;
+        };
+        for (const std::size_t rows : {0, 1, 2, 3, 65, 700, 4000}) {
+            std::vector<Bytes> sorted(rows);
+            std::generate(sorted.begin(), sorted.end(), draw);
+            std::sort(sorted.begin(), sorted.end());
+            const double limit = rows == 0 ? 0 : 2 + std::log2(rows);
+            for (int i = 0; i < 60; ++i)
+                ASSERT_LE(TextsRead(sorted, draw()), limit) << letters << " " << rows;
+            for (const char* outside : {"", "A", "Kd", "Kf", "\xFF"})
+                ASSERT_LE(TextsRead(sorted, outside), limit) << outside << " " << rows;
+        }
+    }
 }
 
 class Order : public testing::Test {

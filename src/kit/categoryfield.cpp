@@ -30,6 +30,7 @@ CategoryField::CategoryField(store::Session& session, std::uint8_t section, Use 
     row->addWidget(combo_, 1);
     row->addWidget(cmdEditCat);
     setFocusProxy(combo_);
+    setFocusPolicy(Qt::StrongFocus);  // a label leads its mnemonic to nothing else
     connect(combo_, &QComboBox::activated, this, [this] {
         if (SelectedCategory(*combo_) == Category::Edit) return OpenDialog(true);
         number_ = SelectedCategory(*combo_);

@@ -75,6 +75,7 @@ DateEdit::DateEdit(Day today, QWidget* parent)
     row->addWidget(drop_);
     row->addStretch(1);
     setFocusProxy(box_);
+    setFocusPolicy(Qt::StrongFocus);  // a label leads its mnemonic to nothing else
 
     connect(box_, &QCheckBox::clicked, this, [this](bool on) {
         Take(on ? std::optional(today_) : std::nullopt);

@@ -157,6 +157,11 @@ TEST_F(FormEditTodo, KeyboardReachesEverythingInTheOrderOfTheEye) {
     }
     EXPECT_EQ(seen.join(' ').toStdString(),
               "ctlTask ctlPri1 cboCategory cmdEditCat ctlPrivate box line drop box ctlNote cmdOK cmdEsc");
+    for (const auto& [key, name] :
+         {std::pair{Qt::Key_D, "box"}, {Qt::Key_G, "cboCategory"}, {Qt::Key_N, "ctlNote"}}) {
+        QTest::keyClick(form->windowHandle(), key, Qt::AltModifier);
+        EXPECT_EQ(form->focusWidget()->objectName(), name);
+    }
     for (const QWidget* control :
          form->findChildren<QWidget*>(QRegularExpression("^(ctl|cbo|cmd|box|line|drop)"))) {
         const auto* button = qobject_cast<const QAbstractButton*>(control);

@@ -76,6 +76,10 @@ Day FromQDate(const QDate& date) {
     return {static_cast<std::int32_t>(QDate(1899, 12, 30).daysTo(date))};
 }
 
+QString ShortDate(DateValue date) {
+    return date.serial < 1 ? QString() : QLocale().toString(ToQDate(DayOf(date)), QLocale::ShortFormat);
+}
+
 std::optional<Day> ReadDate(const QString& typed, Day today, const QLocale& locale) {
     const QString text = typed.trimmed();
     if (text.isEmpty()) return std::nullopt;

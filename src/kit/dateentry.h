@@ -15,6 +15,9 @@ LocaleFacts FactsOf(const QLocale& locale);
 QDate ToQDate(Day day);
 Day FromQDate(const QDate& date);
 
+/// A stored date in the locale's short form; empty where there is none.
+QString ShortDate(DateValue date);
+
 /// What a person types for a date: the locale's short form, "2026-11-21", "21.11." (the next such day), "t"
 /// or "today",
 /// "+3" and "-1" (days from today), "+2w", a weekday's name or its beginning (the next such day, today

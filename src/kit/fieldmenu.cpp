@@ -92,13 +92,17 @@ void AddUses(QMenu& menu, const FieldState& state, const Outward& to) {
 
 template <class Field>
 void Show(Field& field, const QPoint& at, const Outward& to) {
-    const FieldState state = StateOf(field, to.onlySelected);
+    FieldState state = StateOf(field, to.onlySelected);
+    if (!state.writable && state.empty) return;
+    const FieldUse& use = to.use;
+    if (use.whole && (use.masked || state.selected.isEmpty())) state.selected = state.content = *use.whole;
     const auto allowed =
         shell::SetMenuForSelection(state.selected.toStdString(), state.writable, state.secret);
     QMenu menu(&field);
     menu.setObjectName("mnuAddressBoxRC");
     Add(menu, "mnuCut", "Cu&t", "edit-cut", allowed.cut, [&field] { field.cut(); });
-    Add(menu, "mnuCopy", "&Copy", "edit-copy", allowed.copy, [&field] { field.copy(); });
+    Add(menu, "mnuCopy", "&Copy", "edit-copy", allowed.copy,
+        [&state] { QApplication::clipboard()->setText(state.selected); });
     Add(menu, "mnuCopyNoSpaces", "Copy (&no spaces)", "edit-copy", allowed.copyNoSpaces, [&state] {
         QApplication::clipboard()->setText(
             QString::fromStdString(shell::WithoutBlanks(state.selected.toStdString())));
@@ -111,43 +115,64 @@ void Show(Field& field, const QPoint& at, const Outward& to) {
     menu.exec(at);
 }
 
-void Give(QLineEdit& field, Outward to) {
+using Ask = std::function<Outward()>;
+
+void Give(QLineEdit& field, Ask ask) {
     field.setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(
         &field, &QWidget::customContextMenuRequested, &field,
-        [&field, to = std::move(to)](const QPoint& at) { Show(field, field.mapToGlobal(at), to); });
+        [&field, ask = std::move(ask)](const QPoint& at) { Show(field, field.mapToGlobal(at), ask()); });
 }
 
-void Give(QPlainTextEdit& field, Outward to) {
-    to.onlySelected = true;
+void Give(QPlainTextEdit& field, Ask ask) {
     field.setContextMenuPolicy(Qt::CustomContextMenu);
     // Such a field tells places within its viewport.
     QObject::connect(&field, &QWidget::customContextMenuRequested, &field,
-                     [&field, to = std::move(to)](const QPoint& at) {
+                     [&field, ask = std::move(ask)](const QPoint& at) {
+                         Outward to = ask();
+                         to.onlySelected = true;
                          Show(field, field.viewport()->mapToGlobal(at), to);
                      });
+}
+
+Ask Always(Outward to) {
+    return [to = std::move(to)] { return to; };
+}
+
+Ask InSession(store::Session& session, std::function<FieldUse()> use) {
+    return [&session, use = std::move(use)] {
+        return Outward{&session.ports.prompter, session.ports.desktop, use()};
+    };
 }
 
 }  // namespace
 
 void GiveFieldMenu(QLineEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use) {
-    Give(field, {&prompter, &desktop, std::move(use)});
+    Give(field, Always({&prompter, &desktop, std::move(use)}));
 }
 
 void GiveFieldMenu(QPlainTextEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use) {
-    Give(field, {&prompter, &desktop, std::move(use)});
+    Give(field, Always({&prompter, &desktop, std::move(use)}));
 }
 
 void GiveFieldMenu(QLineEdit& field) {
-    Give(field, {});
+    Give(field, Always({}));
 }
 
 void GiveFieldMenu(QLineEdit& field, store::Session& session) {
-    Give(field, ForFreeText(session));
+    Give(field, Always(ForFreeText(session)));
 }
 
 void GiveFieldMenu(QPlainTextEdit& field, store::Session& session) {
-    Give(field, ForFreeText(session));
+    Give(field, Always(ForFreeText(session)));
+}
+
+void GiveFieldMenu(QLineEdit& field, store::Session& session, std::function<FieldUse()> use) {
+    Give(field, InSession(session, std::move(use)));
+}
+
+void GiveFieldMenu(QPlainTextEdit& field, store::Session& session, std::function<FieldUse()> use) {
+    Give(field, InSession(session, std::move(use)));
 }
 
 }  // namespace bmr::kit

@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <functional>
+#include <optional>
 
 #include "base/ports.h"
 
@@ -18,6 +19,9 @@ struct FieldUse {
     bool mail = false;
     bool dial = false;
     std::function<QString()> person = {};  ///< whose number it is
+    /// The content, where all of it is meant when nothing is selected.
+    std::optional<QString> whole = {};
+    bool masked = false;  ///< what the field shows only stands for `whole`
 };
 
 /// Gives a field our own pop-up menu in place of the toolkit's: Cut, Copy, Copy (no spaces), Paste, Select
@@ -35,5 +39,9 @@ void GiveFieldMenu(QLineEdit& field);
 /// what is selected, as far as the session knows a desktop.
 void GiveFieldMenu(QLineEdit& field, store::Session& session);
 void GiveFieldMenu(QPlainTextEdit& field, store::Session& session);
+
+/// The menu for a field that shows now this and now that: `use` is asked whenever the menu opens.
+void GiveFieldMenu(QLineEdit& field, store::Session& session, std::function<FieldUse()> use);
+void GiveFieldMenu(QPlainTextEdit& field, store::Session& session, std::function<FieldUse()> use);
 
 }  // namespace bmr::kit

@@ -10,6 +10,7 @@
 
 #include "base/languageus.h"
 #include "kit/categoryfield.h"
+#include "kit/dateentry.h"
 #include "kit/emptystate.h"
 #include "kit/failure.h"
 #include "kit/recordlistview.h"
@@ -26,18 +27,8 @@ namespace {
 /// Place of the memo pad among the last-used categories.
 constexpr std::size_t kLastCategory = 2;
 
-/// Empty for what is no date.
-QString ShortDate(DateValue date) {
-    if (date.serial < 1) return {};
-    const auto day = YearMonthDay(DayOf(date));
-    return QLocale().toString(
-        QDate(static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
-              static_cast<int>(static_cast<unsigned>(day.day()))),
-        QLocale::ShortFormat);
-}
-
 void ShowDate(QLabel& label, const QString& caption, DateValue date) {
-    const QString shown = ShortDate(date);
+    const QString shown = kit::ShortDate(date);
     label.setText(shown.isEmpty() ? shown : caption + shown);
 }
 

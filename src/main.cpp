@@ -21,7 +21,6 @@
 #include "kit/sessionevents.h"
 #include "kit/theme.h"
 #include "notes/frmNotepad.h"
-#include "shell/helpers.h"
 #include "store/session.h"
 #include "tasks/frmTodo.h"
 
@@ -40,7 +39,7 @@ void TellFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
     std::_Exit(1);
 }
 
-app::SectionTable Sections(kit::ClipboardGuard& clipboard, Desktop& desktop) {
+app::SectionTable Sections(kit::ClipboardGuard& clipboard) {
     using store::Section;
     app::SectionTable table;
     table[Section::Todo] = [](store::Session& session, QWidget* parent) {
@@ -49,16 +48,9 @@ app::SectionTable Sections(kit::ClipboardGuard& clipboard, Desktop& desktop) {
     table[Section::Memo] = [](store::Session& session, QWidget* parent) {
         return new notes::frmNotepad(session, parent);
     };
-    table[Section::Confidential] = [&clipboard, &desktop](store::Session& session, QWidget* parent) {
-        confidential::Outside outside;
-        outside.copy = [&clipboard](const QString& secret) { clipboard.Copy(secret); };
-        outside.web = [&session, &desktop](const std::string& address) {
-            shell::OpenWebsite(session.ports.prompter, desktop, address);
-        };
-        outside.mail = [&session, &desktop](const std::string& address) {
-            shell::SendMail(session.ports.prompter, desktop, address);
-        };
-        return new confidential::frmClassified(session, std::move(outside), parent);
+    table[Section::Confidential] = [&clipboard](store::Session& session, QWidget* parent) {
+        return new confidential::frmClassified(
+            session, [&clipboard](const QString& secret) { clipboard.Copy(secret); }, parent);
     };
     return table;
 }
@@ -84,7 +76,7 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::SessionEvents events;
     kit::Guards guards(*keyboard, random, clipboard);
     app::frmMDI frame({session,
-                       Sections(clipboard, desktop),
+                       Sections(clipboard),
                        {environment.documents},
                        &theme,
                        QString::fromStdString(guards.Describe()),

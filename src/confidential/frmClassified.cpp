@@ -1,22 +1,26 @@
 #include "confidential/frmClassified.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCheckBox>
-#include <QContextMenuEvent>
 #include <QFrame>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QStackedLayout>
 #include <QToolButton>
+#include <algorithm>
 #include <utility>
 
 #include "base/languageus.h"
 #include "confidential/frmEditConfidential.h"
 #include "confidential/recordmodel.h"
+#include "kit/dateentry.h"
 #include "kit/emptystate.h"
 #include "kit/failure.h"
+#include "kit/formparts.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 #include "shell/helpers.h"
@@ -30,11 +34,9 @@ const QString kMask = QString(10, '?');
 
 }  // namespace
 
-frmClassified::frmClassified(store::Session& session, Outside outside, QWidget* parent)
-    : SectionForm(parent),
-      session_(session),
-      outside_(std::move(outside)),
-      model_(new RecordModel(session, this)) {
+frmClassified::frmClassified(store::Session& session, std::function<void(const QString&)> copy,
+                             QWidget* parent)
+    : SectionForm(parent), session_(session), copy_(std::move(copy)), model_(new RecordModel(session, this)) {
     setObjectName("frmClassified");
     setWindowTitle("CONFIDENTIAL");
     BuildActions();
@@ -56,7 +58,7 @@ frmClassified::~frmClassified() {
 }
 
 QList<QAction*> frmClassified::ToolActions() {
-    return {mnuAdd, mnuEdit, mnuDelete, nullptr, mnuCopySecret};
+    return {mnuAdd, mnuEdit, mnuDelete, nullptr, mnuCopy};
 }
 
 void frmClassified::showEvent(QShowEvent* event) {
@@ -111,21 +113,20 @@ void frmClassified::SetSearch(const QString& text) {
 void frmClassified::SelectRecord(std::int32_t fPK) {
     auto record = FetchRecord(session_, fPK);
     if (!record) return;
-    search_.clear();
-    if (record->kind != currentKind) cat_Click(record->kind);
+    const std::int32_t kind = record->kind;
     WipeRecord(*record);
+    if (ConfidentialKindFields(kind) == nullptr) return;  // no list holds it
+    search_.clear();
+    if (kind != currentKind) cat_Click(kind);
     listSelect_Initialize(fPK);
 }
 
 void frmClassified::HidePad() {
     WipeRecord(record_);
-    record_.key = store::kNewRecord;
-    for (const Row& row : rows_)
-        row.txtCtl->clear();
-    txtTall_->clear();
-    txtNotes->clear();
+    record_ = Record();
+    ShowFields();
     padFrame->hide();
-    for (QAction* action : {mnuEdit, mnuDelete, mnuCopySecret})
+    for (QAction* action : {mnuEdit, mnuDelete, mnuCopy})
         action->setEnabled(false);
 }
 
@@ -135,47 +136,44 @@ void frmClassified::ShowRecord(std::int32_t key) {
     WipeRecord(record_);
     record_ = std::move(*record);
     ShowFields();
-    const auto day = YearMonthDay(DayOf(record_.dateLastModified));
-    lblLastModified->setText("Last modified: " +
-                             QLocale().toString(QDate(static_cast<int>(day.year()),
-                                                      static_cast<int>(static_cast<unsigned>(day.month())),
-                                                      static_cast<int>(static_cast<unsigned>(day.day()))),
-                                                QLocale::ShortFormat));
     ctlPrivate->setChecked(record_.isPrivate);
     padFrame->show();
     for (QAction* action : {mnuEdit, mnuDelete})
         action->setEnabled(true);
-    bool secret = false;
-    for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
-        secret = secret || (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty());
-    mnuCopySecret->setEnabled(secret);
+    const auto filled = [](const Bytes& text) { return !text.empty(); };
+    mnuCopy->setEnabled(filled(record_.notes) || std::any_of(record_.n.begin(), record_.n.end(), filled));
 }
 
 QString frmClassified::FieldText(std::size_t i) const {
     return kit::ToQString(record_.n[i]);
 }
 
+bool frmClassified::IsMasked(std::size_t i) const {
+    return IsMaskedCaption(CurrentKind()->captions[i]) && !chkPlainPW->isChecked();
+}
+
 void frmClassified::ShowFields() {
-    const Kind& kind = *CurrentKind();
+    const Kind* kind = CurrentKind();
+    const int height = kind ? kind->height : 1;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const bool used = i < kind.FieldCount();
-        const bool filled = used && !record_.n[i].empty();
-        const bool masked = used && IsMaskedCaption(kind.captions[i]) && !chkPlainPW->isChecked();
-        const bool tall = i == 1 && kind.height > 1;
-        rows_[i].txtCtl->setText(masked && filled ? kMask : FieldText(i));
+        const bool filled = kind && i < kind->FieldCount() && !record_.n[i].empty();
+        rows_[i].txtCtl->setText(filled && IsMasked(i) ? kMask : FieldText(i));
         rows_[i].txtCtl->setCursorPosition(0);
-        rows_[i].txtCtl->setVisible(!tall);
+        rows_[i].txtCtl->setVisible(i != 1 || height == 1);
         rows_[i].copy->setVisible(filled);
-        rows_[i].open->setVisible(filled && IsUrlCaption(kind.captions[i]));
+        rows_[i].open->setVisible(filled && IsUrlCaption(kind->captions[i]));
     }
-    txtTall_->setVisible(kind.height > 1);
-    txtTall_->setFixedHeight(fontMetrics().lineSpacing() * kind.height + 12);
+    txtTall_->setVisible(height > 1);
+    txtTall_->setFixedHeight(kit::HeightOfLines(*txtTall_, height));
     txtTall_->setPlainText(FieldText(1).replace("\r\n", "\n"));
     txtNotes->setPlainText(kit::ToQString(record_.notes).replace("\r\n", "\n"));
+    lblDamaged->setVisible(!record_.readable);
+    const QString day = kit::ShortDate(record_.dateLastModified);
+    lblLastModified->setText(day.isEmpty() ? day : "Last modified: " + day);
 }
 
 void frmClassified::chkPlainPW_Click() {
-    if (record_.key != store::kNewRecord) ShowFields();
+    ShowFields();
 }
 
 void frmClassified::cmdAdd_Click() {
@@ -204,7 +202,7 @@ void frmClassified::OpenDraft(const store::Draft& draft) {
     if (record) {
         SelectRecord(draft.key);
     } else {
-        if (ConfidentialKindFields(draft.category) == nullptr) return;
+        if (ConfidentialKindFields(draft.category) == nullptr) return;  // the draft stays
         if (currentKind != draft.category) cat_Click(draft.category);
         HidePad();
         padFrame->show();  // empty behind the dialog that covers it
@@ -214,9 +212,11 @@ void frmClassified::OpenDraft(const store::Draft& draft) {
 }
 
 void frmClassified::EditRecord(Record record, const store::Draft* draft) {
-    const bool isNew = record.key == store::kNewRecord;
+    if (ConfidentialKindFields(record.kind) == nullptr) return WipeRecord(record);
+    if (!record.readable && !kit::AskToOverwrite(session_, tr("record"))) return WipeRecord(record);
+    const std::int32_t keyBefore = record.key;
     const std::int32_t shown = ListSelect->SelectedKey();
-    const Bytes nameBefore = record.n[0];
+    Bytes nameBefore = record.n[0];
     bool stored = false;
     editing_ = true;
     for (bool again = false; !stored; again = true) {
@@ -236,13 +236,15 @@ void frmClassified::EditRecord(Record record, const store::Draft* draft) {
     }
     editing_ = false;
     const std::int32_t key = record.key;
-    const bool renamed = nameBefore != record.n[0];
+    // A row that was deleted behind the editor has come back under another key.
+    const bool moved = key != keyBefore || nameBefore != record.n[0];
+    cry::WipeString(nameBefore);
     WipeRecord(record);
     if (session_.ending || !session_.DatabaseOpen) return;
     emit DraftSettled();
-    if (stored && (isNew || renamed))
+    if (stored && moved)
         listSelect_Initialize(key);
-    else if (!isNew)
+    else if (keyBefore != store::kNewRecord)
         ShowRecord(shown);
     else
         ShowNothing();
@@ -264,28 +266,74 @@ void frmClassified::cmdDelete_Click() {
 }
 
 void frmClassified::CopyField(std::size_t i) {
-    if (outside_.copy && !record_.n[i].empty()) outside_.copy(FieldText(i));
+    if (record_.n[i].empty()) return;
+    copy_(FieldText(i));
+    emit StatusChanged(tr("%1 copied").arg(rows_[i].lblTxt->text().trimmed()));
+}
+
+void frmClassified::mnuCopy_Click() {
+    const QWidget* focus = QApplication::focusWidget();
+    if (focus == txtNotes && !record_.notes.empty()) return copy_(kit::PlainText(*txtNotes));
+    for (std::size_t i = 0; i < rows_.size(); ++i)
+        if (rows_[i].txtCtl->parentWidget()->isAncestorOf(focus) && !record_.n[i].empty())
+            return CopyField(i);
+    // From elsewhere: the secret, or what else the record is there for.
+    for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
+        if (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty()) return CopyField(i);
+    for (const std::size_t i : {1U, 2U, 3U, 4U, 0U})
+        if (!record_.n[i].empty()) return CopyField(i);
 }
 
 void frmClassified::OpenField(std::size_t i) {
-    if (outside_.web) outside_.web(FieldText(i).toStdString());
+    if (session_.ports.desktop)
+        shell::OpenWebsite(session_.ports.prompter, *session_.ports.desktop, FieldText(i).toStdString());
 }
 
-void frmClassified::FieldMenu(std::size_t i, const QPoint& at) {
-    if (record_.n[i].empty()) return;
-    QMenu menu;
-    const QString text = FieldText(i);
-    menu.addAction(tr("&Copy"), this, [this, i] { CopyField(i); });
-    QAction* noBlanks = menu.addAction(tr("Copy (no &spaces)"), this, [this, text] {
-        outside_.copy(QString::fromStdString(shell::WithoutBlanks(text.toStdString())));
-    });
-    noBlanks->setEnabled(text.contains(' '));
-    std::string address = text.toStdString();
-    if (shell::ValidEmail(address))
-        menu.addAction(tr("&Mail …"), this, [this, address] { outside_.mail(address); });
-    if (IsUrlCaption(CurrentKind()->captions[i]))
-        menu.addAction(tr("Open &web page"), this, [this, i] { OpenField(i); });
-    menu.exec(at);
+kit::FieldUse frmClassified::UseOf(std::size_t i) const {
+    kit::FieldUse use;
+    use.whole = FieldText(i);
+    use.masked = IsMasked(i);
+    if (use.masked) return use;
+    const std::string_view caption = CurrentKind()->captions[i];
+    std::string text = use.whole->toStdString();
+    use.web = IsUrlCaption(caption) || text.starts_with("www.") || text.find("://") != std::string::npos;
+    use.mail = IsMailCaption(caption) || shell::ValidEmail(text);
+    use.dial = IsPhoneCaption(caption);
+    return use;
+}
+
+void frmClassified::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Down:
+        case Qt::Key_Right:
+        case Qt::Key_Tab:
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+        case Qt::Key_PageDown:
+            if (currentKind == 0) return cat[1]->setFocus(Qt::TabFocusReason);
+            break;
+        default:
+            break;
+    }
+    SectionForm::keyPressEvent(event);
+}
+
+bool frmClassified::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return SectionForm::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (auto* kind = qobject_cast<QAbstractButton*>(watched)) {
+        if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) return false;
+        kind->click();
+        return true;
+    }
+    if (!key->matches(QKeySequence::Copy)) return false;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const bool part = rows_[i].txtCtl->hasSelectedText() && !(CurrentKind() && IsMasked(i));
+        if (rows_[i].txtCtl != watched || part) continue;
+        CopyField(i);  // not the mask, and without a selection all there is
+        return true;
+    }
+    return false;
 }
 
 void frmClassified::ShowEmptyState() {

@@ -6,6 +6,7 @@
 
 #include "confidential/confidential.h"
 #include "confidential/kinds.h"
+#include "kit/fieldmenu.h"
 #include "kit/sectionform.h"
 
 class QAbstractButton;
@@ -29,19 +30,14 @@ namespace bmr::confidential {
 class RecordModel;
 class frmEditConfidential;
 
-/// What the section asks of the program around it. Texts are UTF-8.
-struct Outside {
-    std::function<void(const QString& secret)> copy;  ///< through the clipboard guard
-    std::function<void(const std::string& address)> web;
-    std::function<void(const std::string& address)> mail;
-};
-
 /// The confidential section: sixteen kinds, the records of the chosen kind, and the chosen record.
 class frmClassified final : public SectionForm {
     Q_OBJECT
 
   public:
-    frmClassified(store::Session& session, Outside outside, QWidget* parent = nullptr);
+    /// `copy` puts a text into the clipboard, under its guard.
+    frmClassified(store::Session& session, std::function<void(const QString&)> copy,
+                  QWidget* parent = nullptr);
     ~frmClassified() override;
 
     QMenu* SectionMenu() override { return mnuConfidential; }
@@ -58,9 +54,12 @@ class frmClassified final : public SectionForm {
     void cmdEdit_Click();
     void cmdDelete_Click();
     void chkPlainPW_Click();
+    void mnuCopy_Click();
 
   protected:
     void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     struct Row {
@@ -85,14 +84,15 @@ class frmClassified final : public SectionForm {
     void EditRecord(Record record, const store::Draft* draft = nullptr);
     void CopyField(std::size_t i);
     void OpenField(std::size_t i);
-    void FieldMenu(std::size_t i, const QPoint& at);
+    kit::FieldUse UseOf(std::size_t i) const;
+    bool IsMasked(std::size_t i) const;
     void ShowEmptyState();
     void TellStatus();
     const Kind* CurrentKind() const { return ConfidentialKindFields(currentKind); }
     QString FieldText(std::size_t i) const;
 
     store::Session& session_;
-    Outside outside_;
+    std::function<void(const QString&)> copy_;
     RecordModel* model_;
     std::int32_t currentKind = 0;
     Record record_;  ///< what the pad shows; wiped with it
@@ -104,7 +104,7 @@ class frmClassified final : public SectionForm {
     QAction* mnuAdd;
     QAction* mnuEdit;
     QAction* mnuDelete;
-    QAction* mnuCopySecret;
+    QAction* mnuCopy;
 
     std::array<QAbstractButton*, 17> cat{};
     kit::RecordListView* ListSelect;
@@ -112,6 +112,7 @@ class frmClassified final : public SectionForm {
     QStackedLayout* stack_;
     QFrame* padFrame;
     QLabel* lblCategory;
+    QLabel* lblDamaged;
     QLabel* lblLastModified;
     QCheckBox* ctlPrivate;
     std::array<Row, 5> rows_{};

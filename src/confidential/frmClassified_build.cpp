@@ -15,10 +15,12 @@
 #include "confidential/frmClassified.h"
 #include "confidential/recordmodel.h"
 #include "kit/emptystate.h"
+#include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recordlistview.h"
 #include "kit/theme.h"
+#include "store/record_put.h"
 
 // How the screen of the confidential section is put together; what it does stands in frmClassified.cpp.
 namespace bmr::confidential {
@@ -54,19 +56,16 @@ void frmClassified::BuildActions() {
                            {"mnuConfidentialDelete", tr("&Delete…"), "edit-delete", tr("Delete"),
                             QKeySequence(Qt::CTRL | Qt::Key_D)},
                            &frmClassified::cmdDelete_Click);
-    mnuCopySecret = MakeAction(*this, {"mnuConfidentialCopySecret", tr("Copy &Secret"), "edit-copy",
-                                       tr("Copy secret"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)});
-    connect(mnuCopySecret, &QAction::triggered, this, [this] {
-        for (std::size_t i = 0; i < rows_.size(); ++i)
-            if (rows_[i].txtCtl->hasFocus()) return CopyField(i);
-        for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
-            if (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty()) return CopyField(i);
-    });
+    mnuCopy = MakeAction(*this,
+                         {"mnuConfidentialCopy", tr("&Copy"), "edit-copy", tr("Copy"),
+                          QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
+                         &frmClassified::mnuCopy_Click);
+    mnuCopy->setToolTip(tr("Copy the field with the cursor, or the password"));
     mnuConfidential = new QMenu(tr("&Confidential"), this);
     mnuConfidential->setObjectName("mnuConfidential");
     mnuConfidential->addActions({mnuAdd, mnuEdit, mnuDelete});
     mnuConfidential->addSeparator();
-    mnuConfidential->addAction(mnuCopySecret);
+    mnuConfidential->addAction(mnuCopy);
 }
 
 QWidget* frmClassified::BuildKinds() {
@@ -81,6 +80,7 @@ QWidget* frmClassified::BuildKinds() {
         button->setCheckable(true);
         button->setStyleSheet(kKindStyle);
         button->setAutoDefault(false);
+        button->installEventFilter(this);
         group->addButton(button, index);
         cat[static_cast<std::size_t>(index)] = button;
         return button;
@@ -160,12 +160,12 @@ void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {
     row.txtCtl = new QLineEdit;
     row.txtCtl->setObjectName("txtCtl" + number);
     row.txtCtl->setReadOnly(true);
-    row.txtCtl->setContextMenuPolicy(Qt::CustomContextMenu);
+    row.txtCtl->setMaxLength(static_cast<int>(store::kLongestText));
+    row.txtCtl->installEventFilter(this);
+    kit::GiveFieldMenu(*row.txtCtl, session_, [this, i] { return UseOf(i); });
     row.copy = kit::MakeIconButton("copy" + number, "edit-copy",
                                    tr("Copy; gone from the clipboard after 30 seconds"));
     row.open = kit::MakeIconButton("open" + number, "internet-web-browser", tr("Open the web page"));
-    connect(row.txtCtl, &QWidget::customContextMenuRequested, this,
-            [this, i](const QPoint& at) { FieldMenu(i, rows_[i].txtCtl->mapToGlobal(at)); });
     connect(row.copy, &QToolButton::clicked, this, [this, i] { CopyField(i); });
     connect(row.open, &QToolButton::clicked, this, [this, i] { OpenField(i); });
     auto* field = new QWidget;
@@ -178,9 +178,7 @@ void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {
         txtTall_->setObjectName("txtTall");
         txtTall_->setReadOnly(true);
         txtTall_->setTabChangesFocus(true);
-        txtTall_->setContextMenuPolicy(Qt::CustomContextMenu);
-        connect(txtTall_, &QWidget::customContextMenuRequested, this,
-                [this](const QPoint& at) { FieldMenu(1, txtTall_->mapToGlobal(at)); });
+        kit::GiveFieldMenu(*txtTall_, session_, [this] { return UseOf(1); });
         line->addWidget(txtTall_, 1);
     }
     line->addWidget(row.open);
@@ -213,6 +211,9 @@ QWidget* frmClassified::BuildPad() {
     txtNotes->setAccessibleName(tr("Notes"));
     txtNotes->setReadOnly(true);
     txtNotes->setTabChangesFocus(true);
+    kit::GiveFieldMenu(*txtNotes, session_);
+    lblDamaged = kit::MakeErrorLine("lblDamaged");
+    lblDamaged->setText(tr("This record cannot be read whole: what the file holds of it is damaged."));
     lblLastModified = new QLabel;
     lblLastModified->setObjectName("lblLastModified");
     lblLastModified->setForegroundRole(QPalette::PlaceholderText);
@@ -224,6 +225,7 @@ QWidget* frmClassified::BuildPad() {
     column->setContentsMargins(Space::Group, Space::Margin, Space::Group, Space::Margin);
     column->setSpacing(Space::Row);
     column->addLayout(head);
+    column->addWidget(lblDamaged);
     column->addLayout(form);
     column->addWidget(chkPlainPW);
     column->addSpacing(Space::Row);

@@ -16,6 +16,7 @@
 #include "confidential/frmGenerate.h"
 #include "confidential/kinds.h"
 #include "kit/drafttext.h"
+#include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/icons.h"
@@ -33,6 +34,11 @@ namespace {
 /// numbers from kValue on.
 enum DraftField : std::uint8_t { kNotes = 1, kPrivate = 2, kValue = 10 };
 
+/// A text of many lines as a field shows it.
+QString Shown(const Bytes& text) {
+    return kit::ToQString(text).replace("\r\n", "\n").replace('\r', '\n');
+}
+
 }  // namespace
 
 frmEditConfidential::frmEditConfidential(store::Session& session, const Record& record, QWidget* parent)
@@ -46,8 +52,8 @@ frmEditConfidential::frmEditConfidential(store::Session& session, const Record& 
     filling_ = true;
     for (std::size_t i = 0; i < txtCtl.size(); ++i)
         txtCtl[i]->setText(kit::ToQString(record.n[i]));
-    tmpTxt->setPlainText(kit::ToQString(record.n[1]).replace("\r\n", "\n"));
-    txtNotes->setPlainText(kit::ToQString(record.notes).replace("\r\n", "\n"));
+    tmpTxt->setPlainText(Shown(record.n[1]));
+    txtNotes->setPlainText(Shown(record.notes));
     ctlPrivate->setChecked(record.isPrivate);
     filling_ = false;
     kit::GuardDialog(*this);
@@ -65,7 +71,16 @@ void frmEditConfidential::BuildFields() {
         txtCtl[i] = new QLineEdit(this);
         txtCtl[i]->setObjectName(QString("txtCtl%1").arg(i));
         txtCtl[i]->setAccessibleName(caption);
+        txtCtl[i]->setMaxLength(static_cast<int>(store::kLongestText));
         txtCtl[i]->installEventFilter(this);
+        if (IsMaskedCaption(kind.captions[i]))
+            kit::GiveFieldMenu(*txtCtl[i]);
+        else
+            kit::GiveFieldMenu(*txtCtl[i], session_, [caption = kind.captions[i]] {
+                return kit::FieldUse{.web = IsUrlCaption(caption),
+                                     .mail = IsMailCaption(caption),
+                                     .dial = IsPhoneCaption(caption)};
+            });
         connect(txtCtl[i], &QLineEdit::textChanged, this, &frmEditConfidential::Changed);
         if (!IsMaskedCaption(kind.captions[i])) continue;
         dice_[i] = new QToolButton(this);
@@ -74,6 +89,7 @@ void frmEditConfidential::BuildFields() {
         dice_[i]->setToolTip(tr("Make a password"));
         dice_[i]->setAccessibleName(tr("Make a password"));
         dice_[i]->setFocusPolicy(Qt::StrongFocus);
+        dice_[i]->installEventFilter(this);
         connect(dice_[i], &QToolButton::clicked, this, [this, i] { Generate(i); });
     }
     const auto block = [this](const char* name, const QString& caption) {
@@ -81,11 +97,12 @@ void frmEditConfidential::BuildFields() {
         edit->setObjectName(name);
         edit->setAccessibleName(caption);
         edit->setTabChangesFocus(true);
+        kit::GiveFieldMenu(*edit, session_);
         connect(edit, &QPlainTextEdit::textChanged, this, &frmEditConfidential::Changed);
         return edit;
     };
     tmpTxt = block("tmpTxt", QString::fromStdString(std::string(kind.captions[1])));
-    tmpTxt->setFixedHeight(fontMetrics().lineSpacing() * kind.height + 12);
+    tmpTxt->setFixedHeight(kit::HeightOfLines(*tmpTxt, kind.height));
     tmpTxt->installEventFilter(this);
     txtNotes = block("txtNotes", tr("Notes"));
     ctlPrivate = new QCheckBox("Private");
@@ -114,7 +131,7 @@ void frmEditConfidential::Lay() {
         line->setSpacing(Space::Tight);
         line->addWidget(tall ? static_cast<QWidget*>(tmpTxt) : txtCtl[i], 1);
         if (dice_[i]) line->addWidget(dice_[i]);
-        auto* label = kit::MakeLabel(QString::fromStdString(std::string(kind.captions[i])), txtCtl[i]);
+        auto* label = kit::MakeLabel(QString::fromStdString(std::string(kind.captions[i])), Field(i));
         label->setObjectName(QString("lblTxt%1").arg(i));
         form->addRow(label, field);
     }
@@ -143,22 +160,50 @@ void frmEditConfidential::Lay() {
     column->addWidget(txtNotes, 1);
     column->addWidget(ctlPrivate);
     column->addWidget(buttons);
+    OrderByEye();
     resize(qMax(560, fontMetrics().averageCharWidth() * 80), fontMetrics().lineSpacing() * 30);
 }
 
+void frmEditConfidential::OrderByEye() {
+    QWidget* last = nullptr;
+    const auto next = [&last](QWidget* widget) {
+        if (last && widget) setTabOrder(last, widget);
+        if (widget) last = widget;
+    };
+    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+        next(Field(i));
+        next(dice_[i]);
+    }
+    for (QWidget* widget : std::initializer_list<QWidget*>{txtNotes, ctlPrivate, cmdOK, cmdEsc})
+        next(widget);
+}
+
 void frmEditConfidential::Cover(const QWidget& pad) {
-    const QSize wanted = pad.size().expandedTo(minimumSizeHint());
-    setGeometry(QRect(pad.mapToGlobal(QPoint(0, 0)), wanted));
+    const QRect screen = pad.screen()->availableGeometry();
+    QRect place(pad.mapToGlobal(QPoint(0, 0)), pad.size().expandedTo(minimumSizeHint()));
+    // A dialog that is larger than the pad must not reach over the screen's edge.
+    place.moveRight(qMin(place.right(), screen.right()));
+    place.moveBottom(qMin(place.bottom(), screen.bottom()));
+    setGeometry(place);
+}
+
+QWidget* frmEditConfidential::Field(std::size_t i) const {
+    return i == 1 && !singleLineField1 ? static_cast<QWidget*>(tmpTxt) : txtCtl[i];
 }
 
 Record frmEditConfidential::Value() const {
     Record record = record_;
     const Kind& kind = *ConfidentialKindFields(record.kind);
-    const auto bytes = [](const QString& text) { return kit::FromQString(text); };
+    // What nobody has changed stays to the byte, whatever ends its lines.
+    const auto take = [](const QString& text, Bytes& into) {
+        if (text != Shown(into)) into = kit::FromQString(QString(text).replace("\n", "\r\n"));
+    };
     for (std::size_t i = 0; i < kind.FieldCount(); ++i)
-        record.n[i] = bytes(txtCtl[i]->text());
-    if (!singleLineField1) record.n[1] = bytes(kit::PlainText(*tmpTxt).replace("\n", "\r\n"));
-    record.notes = bytes(kit::PlainText(*txtNotes).replace("\n", "\r\n"));
+        if (Field(i) == tmpTxt)
+            take(kit::PlainText(*tmpTxt), record.n[i]);
+        else if (txtCtl[i]->text() != kit::ToQString(record.n[i]))
+            record.n[i] = kit::FromQString(txtCtl[i]->text());
+    take(kit::PlainText(*txtNotes), record.notes);
     record.isPrivate = ctlPrivate->isChecked();
     return record;
 }
@@ -172,9 +217,8 @@ std::optional<store::Draft> frmEditConfidential::HalfWritten() const {
     draft->isPrivate = record_.isPrivate || ctlPrivate->isChecked();
     kit::SetTitle(*draft, txtCtl[0]->text());
     for (std::size_t i = 0; i < txtCtl.size(); ++i) {
-        const bool tall = i == 1 && !singleLineField1;
         kit::PutText(*draft, static_cast<std::uint8_t>(kValue + i),
-                     tall ? kit::PlainText(*tmpTxt) : txtCtl[i]->text());
+                     Field(i) == tmpTxt ? kit::PlainText(*tmpTxt) : txtCtl[i]->text());
     }
     kit::PutText(*draft, kNotes, kit::PlainText(*txtNotes));
     kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
@@ -184,7 +228,7 @@ std::optional<store::Draft> frmEditConfidential::HalfWritten() const {
 void frmEditConfidential::Fill(const store::Draft& draft) {
     for (std::size_t i = 0; i < txtCtl.size(); ++i) {
         const QString text = kit::TextOf(draft, static_cast<std::uint8_t>(kValue + i));
-        if (i == 1 && !singleLineField1)
+        if (Field(i) == tmpTxt)
             tmpTxt->setPlainText(text);
         else
             txtCtl[i]->setText(text);
@@ -200,28 +244,40 @@ void frmEditConfidential::Changed() {
     if (filling_) return;
     changed = true;
     kit::MarkUnmappable(*txtNotes);
-    if (lblError->isVisible()) Storable();
+    kit::MarkUnmappable(*tmpTxt);
+    if (lblError->isVisible()) Unstorable();
 }
 
-bool frmEditConfidential::Storable() {
-    QStringList texts{kit::PlainText(*tmpTxt), kit::PlainText(*txtNotes)};
-    for (const QLineEdit* edit : txtCtl)
-        texts << edit->text();
+QWidget* frmEditConfidential::Unstorable() {
+    const Kind& kind = *ConfidentialKindFields(record_.kind);
     QString why;
-    for (const QString& text : texts)
-        if (why.isEmpty()) why = kit::RefusalOf(text);
-    const auto length = static_cast<std::size_t>(kit::PlainText(*txtNotes).replace("\n", "\r\n").size());
-    if (why.isEmpty() && length > store::kLongestText)
-        why = tr("The notes have %1 characters; %2 can be stored.")
-                  .arg(QLocale().toString(static_cast<qulonglong>(length)),
-                       QLocale().toString(static_cast<qulonglong>(store::kLongestText)));
+    const auto judge = [&why](QString text, const QString& caption) {
+        why = kit::RefusalOf(text);
+        const auto length = static_cast<std::size_t>(text.replace("\n", "\r\n").size());
+        if (why.isEmpty() && length > store::kLongestText)
+            why = tr("There are %1 characters; %2 can be stored.")
+                      .arg(QLocale().toString(static_cast<qulonglong>(length)),
+                           QLocale().toString(static_cast<qulonglong>(store::kLongestText)));
+        if (!why.isEmpty()) why = caption.trimmed() + ": " + why;
+        return !why.isEmpty();
+    };
+    QWidget* found = nullptr;
+    for (std::size_t i = 0; i < kind.FieldCount() && !found; ++i) {
+        const QString text = Field(i) == tmpTxt ? kit::PlainText(*tmpTxt) : txtCtl[i]->text();
+        if (judge(text, Field(i)->accessibleName())) found = Field(i);
+    }
+    if (!found && judge(kit::PlainText(*txtNotes), txtNotes->accessibleName())) found = txtNotes;
     lblError->setText(why);
-    lblError->setVisible(!why.isEmpty());
-    return why.isEmpty();
+    lblError->setVisible(found);
+    return found;
 }
 
 void frmEditConfidential::cmdOK_Click() {
-    if (Storable()) accept();
+    QWidget* wrong = Unstorable();
+    if (wrong)
+        wrong->setFocus(Qt::OtherFocusReason);
+    else
+        accept();
 }
 
 void frmEditConfidential::reject() {
@@ -255,6 +311,10 @@ bool frmEditConfidential::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+            if (enter && watched == dice_[i]) {
+                Generate(i);
+                return true;
+            }
             if (watched != txtCtl[i] || !(tab || enter)) continue;
             // Tab stops at the dice on its way, or nobody without a mouse could reach them.
             if (tab && dice_[i])

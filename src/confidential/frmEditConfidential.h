@@ -44,9 +44,12 @@ class frmEditConfidential final : public QDialog {
   private:
     void BuildFields();
     void Lay();
+    void OrderByEye();
     void Changed();
-    bool Storable();
+    /// Marks in words what cannot be stored and tells its field; null when everything can.
+    QWidget* Unstorable();
     void cmdOK_Click();
+    QWidget* Field(std::size_t i) const;
     void MoveOn(std::size_t from);
     void Generate(std::size_t i);
 

@@ -11,6 +11,7 @@
 #include <QRadioButton>
 #include <QSpinBox>
 
+#include "kit/fieldmenu.h"
 #include "kit/guards.h"
 #include "kit/icons.h"
 #include "kit/theme.h"
@@ -47,6 +48,7 @@ frmGenerate::frmGenerate(RandomSource& random, QWidget* parent) : QDialog(parent
     txtPassword = new QLineEdit;
     txtPassword->setObjectName("txtPassword");
     txtPassword->setReadOnly(true);
+    kit::GiveFieldMenu(*txtPassword);
     txtPassword->setAccessibleName(tr("Password"));
     txtPassword->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     lblEntropy = new QLabel;

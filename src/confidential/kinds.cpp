@@ -89,4 +89,12 @@ bool IsUrlCaption(std::string_view caption) {
     return caption == "URL";
 }
 
+bool IsMailCaption(std::string_view caption) {
+    return caption == "Email Address";
+}
+
+bool IsPhoneCaption(std::string_view caption) {
+    return caption == "Phone Number";
+}
+
 }  // namespace bmr::confidential

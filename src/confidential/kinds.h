@@ -31,5 +31,8 @@ bool IsMaskedCaption(std::string_view caption);
 
 /// True for a caption whose field is a web address.
 bool IsUrlCaption(std::string_view caption);
+/// The same for a mail address and for a telephone number.
+bool IsMailCaption(std::string_view caption);
+bool IsPhoneCaption(std::string_view caption);
 
 }  // namespace bmr::confidential

@@ -166,6 +166,11 @@ Bytes TakeLines(const QPlainTextEdit& edit, bool twoCharacters) {
     return FromQString(text);
 }
 
+int HeightOfLines(const QPlainTextEdit& edit, int lines) {
+    const auto margins = 2 * (edit.frameWidth() + static_cast<int>(edit.document()->documentMargin()));
+    return edit.fontMetrics().lineSpacing() * lines + margins;
+}
+
 void MarkUnmappable(QPlainTextEdit& edit) {
     QList<QTextEdit::ExtraSelection> marks;
     QTextCharFormat format;

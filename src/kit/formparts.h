@@ -86,6 +86,9 @@ Bytes TakeLines(const QPlainTextEdit& edit, bool twoCharacters);
 /// no-break space into a blank.
 QString PlainText(const QPlainTextEdit& edit);
 
+/// The height at which a field shows that many lines and no more.
+int HeightOfLines(const QPlainTextEdit& edit, int lines);
+
 /// The characters of a text that the record format cannot hold are underlined where they stand.
 void MarkUnmappable(QPlainTextEdit& edit);
 

@@ -3,10 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -36,10 +41,8 @@ class Classified : public testing::Test {
   protected:
     Classified() {
         store.session.ShowPrivate = true;
-        Outside outside;
-        outside.copy = [this](const QString& secret) { copied = secret; };
-        outside.web = [this](const std::string& address) { opened = address; };
-        form = std::make_unique<frmClassified>(store.session, std::move(outside));
+        store.session.ports.desktop = &desktop;
+        form = std::make_unique<frmClassified>(store.session, [this](const QString& text) { copied = text; });
         form->resize(1000, 700);
         form->show();
     }
@@ -67,9 +70,9 @@ class Classified : public testing::Test {
     }
 
     test::TempStore store;
+    test::RecordingDesktop desktop;
     std::unique_ptr<frmClassified> form;
     QString copied;
-    std::string opened;
 };
 
 TEST_F(Classified, NothingIsShownUntilAKindIsChosen) {
@@ -90,7 +93,7 @@ TEST_F(Classified, APasswordIsMaskedOnThePadCopiedAsItIsAndOpenInTheDialog) {
     Find<QToolButton>("copy3").click();
     EXPECT_EQ(copied, "rosebud");
     Find<QToolButton>("open1").click();
-    EXPECT_EQ(opened, "https://example.org");
+    EXPECT_EQ(desktop.asked, std::vector<std::string>{"web https://example.org"});
     Find<QCheckBox>("chkPlainPW").click();
     EXPECT_EQ(password.text(), "rosebud");
     Find<QCheckBox>("chkPlainPW").click();
@@ -143,6 +146,114 @@ TEST_F(Classified, AHighFieldKeepsItsLinesAndTabAndEnterGoTheToldWay) {
     });
     form->cmdAdd_Click();
     EXPECT_EQ(Find<QPlainTextEdit>("txtTall").toPlainText(), "Long Lane 1\nOld Town");
+}
+
+TEST_F(Classified, ADamagedRecordIsShownAsSuchAndOnlyWrittenOverWhenAsked) {
+    form->cat_Click(1);
+    AddLogin("Broken", "rosebud");
+    auto& list = Find<kit::RecordListView>("ListSelect");
+    const std::int32_t key = list.SelectedKey();
+    EXPECT_FALSE(Find<QLabel>("lblDamaged").isVisible());
+    EXPECT_NE(Find<QLabel>("lblLastModified").text(), "");
+    store.Set(key, "fEtx", Bytes("xxxx"));
+    form->Refresh();
+    EXPECT_TRUE(Find<QLabel>("lblDamaged").isVisible());
+    EXPECT_EQ(Find<QLabel>("lblLastModified").text(), "") << "no date is no day in 1899";
+    store.prompter.Expect(0, Answer::No);
+    form->cmdEdit_Click();  // no dialog comes
+    EXPECT_EQ(store.prompter.shown.back().standard, Answer::No);
+
+    // A kind that no version knows: no list holds it, and nothing asks what its fields mean.
+    store.Set(key, "fG1", std::int32_t{99});
+    form->SelectRecord(key);
+    store::Draft draft;
+    draft.key = key;
+    form->OpenDraft(draft);
+    EXPECT_EQ(Names(), QStringList{"Broken"}) << "the list was not read anew";
+}
+
+TEST_F(Classified, TheMenuAndTheKeysCopyWhatStandsBehindTheMask) {
+    form->cat_Click(1);
+    AddLogin("Library", "hun ter2");
+    auto& password = Find<QLineEdit>("txtCtl3");
+    const auto choose = [](QWidget& field, const char* entry) {
+        QStringList names;
+        QTimer::singleShot(0, &field, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            for (QAction* action : menu->actions()) {
+                if (action->isEnabled() && !action->isSeparator()) names << action->objectName();
+                if (action->objectName() == entry) action->trigger();
+            }
+            menu->close();
+        });
+        QContextMenuEvent click(QContextMenuEvent::Mouse, QPoint(3, 3), field.mapToGlobal(QPoint(3, 3)));
+        QCoreApplication::sendEvent(&field, &click);
+        return names;
+    };
+    const auto clipboard = [] { return QApplication::clipboard()->text(); };
+    password.selectAll();
+    EXPECT_EQ(choose(password, "mnuCopy"), (QStringList{"mnuCopy", "mnuCopyNoSpaces", "mnuSelectAll"}));
+    EXPECT_EQ(clipboard(), "hun ter2");
+    choose(password, "mnuCopyNoSpaces");
+    EXPECT_EQ(clipboard(), "hunter2");
+    auto& url = Find<QLineEdit>("txtCtl1");
+    url.setSelection(0, 5);
+    EXPECT_TRUE(choose(url, "mnuCopy").contains("mnuWeb"));
+    EXPECT_EQ(clipboard(), "https");
+
+    QApplication::setActiveWindow(form.get());
+    password.setFocus();
+    password.selectAll();
+    QTest::keyClick(&password, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(copied, "hun ter2") << "not the mask";
+    url.setFocus();
+    Find<QAction>("mnuConfidentialCopy").trigger();
+    EXPECT_EQ(copied, "https://example.org") << "the field with the cursor";
+    Find<kit::RecordListView>("ListSelect").setFocus();
+    Find<QAction>("mnuConfidentialCopy").trigger();
+    EXPECT_EQ(copied, "hun ter2") << "from the list, the secret";
+}
+
+TEST_F(Classified, TextsAreMeasuredAndLeftToTheByte) {
+    Record record;
+    record.kind = 5;
+    record.n[0] = "Bank";
+    record.n[1] = "Lane 1\nTown";  // ended as another program does
+    record.notes = "a\rb";
+    ASSERT_EQ(SaveRecord(store.session, record), 0);
+    form->cat_Click(5);
+    OnDialog([](QDialog& editor) {
+        auto* high = editor.findChild<QPlainTextEdit*>("tmpTxt");
+        const QString before = high->toPlainText();
+        high->setPlainText(QString(70000, 'x'));
+        editor.findChild<QPushButton*>("cmdOK")->click();
+        EXPECT_TRUE(editor.isVisible());
+        EXPECT_TRUE(editor.findChild<QLabel*>("lblError")->text().contains("Bank Address"));
+        high->setPlainText(before);
+        Type(editor, "txtCtl4", "4711");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdEdit_Click();
+    const auto stored = FetchRecord(store.session, record.key);
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->n[4], "4711");
+    EXPECT_EQ(stored->n[1], record.n[1]);
+    EXPECT_EQ(stored->notes, record.notes);
+}
+
+TEST_F(Classified, ARecordThatWasDeletedBehindTheEditorComesBack) {
+    form->cat_Click(1);
+    AddLogin("Library", "hunter2");
+    const std::int32_t key = Find<kit::RecordListView>("ListSelect").SelectedKey();
+    OnDialog([&](QDialog& editor) {
+        ASSERT_EQ(store::DeleteRow(store.session, key), 0);
+        Type(editor, "txtCtl2", "me");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdEdit_Click();
+    EXPECT_EQ(Find<QLineEdit>("txtCtl2").text(), "me");
+    EXPECT_EQ(Names(), QStringList{"Library"});
 }
 
 TEST_F(Classified, TheDiceFillAPassword) {

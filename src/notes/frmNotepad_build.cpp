@@ -117,10 +117,12 @@ void frmNotepad::BuildPad() {
     head->addWidget(ctlPrivate, 0, Qt::AlignTop);
     auto* foot = new QHBoxLayout;
     foot->setSpacing(Space::Group);
-    foot->addWidget(cboCategory);
-    foot->addStretch();
-    foot->addWidget(ctlDateCreated);
-    foot->addWidget(ctlLastModified);
+    auto* dates = new QVBoxLayout;  // one below the other, or a small window cuts them
+    dates->setSpacing(0);
+    dates->addWidget(ctlDateCreated, 0, Qt::AlignRight);
+    dates->addWidget(ctlLastModified, 0, Qt::AlignRight);
+    foot->addWidget(cboCategory, 1, Qt::AlignBottom);
+    foot->addLayout(dates);
     auto* column = new QVBoxLayout(padFrame);
     column->setContentsMargins(Space::Group, Space::Margin, Space::Group, Space::Margin);
     column->setSpacing(Space::Row);
@@ -158,7 +160,7 @@ void frmNotepad::Lay() {
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(left);
     splitter->addWidget(right);
-    left->setMinimumWidth(240);
+    left->setMinimumWidth(qMax(240, column->minimumSize().width()));  // all three buttons can be read
     right->setMinimumWidth(240);
     splitter->setStretchFactor(0, 35);
     splitter->setStretchFactor(1, 65);

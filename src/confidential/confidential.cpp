@@ -48,12 +48,14 @@ Bytes EncodeConfidentialRecord(Session& session, const Record& record) {
     RandomSource& random = session.ports.random;
     Bytes payload;
     const auto add = [&](RecordField field, const Value& value, FieldTag tag) {
-        if (!IsBlank(value))
-            store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
+        store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
+    };
+    const auto addText = [&](std::size_t field, std::string_view text, FieldTag tag) {
+        if (!text.empty()) store::AppendText(payload, static_cast<std::uint8_t>(field), text, tag);
     };
     for (std::size_t i = 0; i < record.n.size(); ++i)
-        add(static_cast<RecordField>(i), record.n[i], FieldTag::Text);
-    add(RecordField::notes, record.notes, FieldTag::Memo);
+        addText(i, record.n[i], FieldTag::Text);
+    addText(static_cast<std::size_t>(RecordField::notes), record.notes, FieldTag::Memo);
     add(RecordField::DateLastModified, record.dateLastModified, FieldTag::Date);
     add(RecordField::Private, record.isPrivate, FieldTag::Boolean);
     add(RecordField::UserName, std::int32_t{record.userNumber}, FieldTag::Byte);

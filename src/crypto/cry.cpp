@@ -54,8 +54,7 @@ Bytes Encipher(CipherState& state, std::string_view text) {
     return EncryptText(state, SelectorText(selector), text);
 }
 
-Bytes Decipher(CipherState& state, std::string_view text) {
-    if (state.Keystring.empty()) return {};
+void DecipherToPlain(CipherState& state, std::string_view text) {
     switch (FieldTextForm(text)) {
         case FieldForm::Malformed:
             state.FieldPlain = Secret(std::string_view("\0", 1));
@@ -68,6 +67,11 @@ Bytes Decipher(CipherState& state, std::string_view text) {
             BlockDecrypt(state, text.substr(2));
             break;
     }
+}
+
+Bytes Decipher(CipherState& state, std::string_view text) {
+    if (state.Keystring.empty()) return {};
+    DecipherToPlain(state, text);
     return Bytes(TrimBlanks(state.FieldPlain.view()));
 }
 
@@ -102,6 +106,12 @@ Bytes FieldCipher(CipherState& state, int mode, const Value& value) {
     Bytes out = FieldCipher(state, mode, std::string_view(text));
     WipeString(text);
     return out;
+}
+
+std::string_view DecipherField(CipherState& state, std::string_view text) {
+    if (text.empty() || state.Keystring.empty()) return {};
+    DecipherToPlain(state, text);
+    return state.FieldPlain.view();
 }
 
 void SelectFieldKey(CipherState& state, std::int32_t selector) {

@@ -39,6 +39,11 @@ inline Bytes FieldCipher(CipherState& state, int mode, const Bytes& text) {
     return FieldCipher(state, mode, std::string_view(text));
 }
 
+/// Mode 2 without its trimmed result, which would be one more copy of a record in memory: deciphers `text`
+/// into `FieldPlain` and gives that, untrimmed. Empty, and `FieldPlain` as it was, for an empty text and
+/// without a `Keystring`.
+std::string_view DecipherField(CipherState& state, std::string_view text);
+
 /// Sets `FieldKey` to the 16 bytes that `selector` picks from `Keystring`. REQUIRES: a `Keystring`.
 void SelectFieldKey(CipherState& state, std::int32_t selector);
 

@@ -30,8 +30,8 @@ Bytes EncodeMemo(Session& session, const Memo& memo) {
     add(MemoField::Private, memo.isPrivate, FieldTag::Boolean);
     add(MemoField::DateCreated, memo.dateCreated, FieldTag::Date);
     add(MemoField::DateLastModified, memo.dateLastModified, FieldTag::Date);
-    add(MemoField::Subject, memo.subject, FieldTag::Text);
-    add(MemoField::Memo, memo.body, FieldTag::Memo);
+    store::AppendText(payload, static_cast<std::uint8_t>(MemoField::Subject), memo.subject, FieldTag::Text);
+    store::AppendText(payload, static_cast<std::uint8_t>(MemoField::Memo), memo.body, FieldTag::Memo);
     return payload;
 }
 

@@ -45,6 +45,8 @@ int Positions(Session& session, std::uint8_t section, const BulkRecords& records
 
 int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records,
               std::vector<std::int32_t>& keys) {
+    // Without keys the cipher gives nothing, and nothing is no record.
+    if (session.cipher.Keystring.empty()) return EngineNumber::Failed;
     RandomSource& random = session.ports.random;
     Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return transaction.error();

@@ -58,14 +58,6 @@ Value DecodeDate(std::string_view value) {
     return DateValue{static_cast<double>(UnpackDate(packed, DateKind::Start).serial)};
 }
 
-/// The plain payload of a field cipher text of mode 1, untrimmed. A text of no length and a state without
-/// keys leave what was deciphered before, which is none of this record's.
-std::string_view PlainPayload(cry::CipherState& cipher, std::string_view text) {
-    if (text.empty() || cipher.Keystring.empty()) return {};
-    cry::FieldCipher(cipher, 2, text);
-    return cipher.FieldPlain.view();
-}
-
 }  // namespace
 
 PayloadReader::PayloadReader(std::string_view payload) : rest_(payload) {
@@ -140,7 +132,7 @@ void DecodeRecord(std::vector<Value>& fields, std::string_view text, bool deciph
                   cry::CipherState& cipher) {
     if (text.empty()) return;
     fields.assign(fields.size(), Bytes());
-    PayloadReader reader(decipher ? PlainPayload(cipher, text) : text);
+    PayloadReader reader(decipher ? cry::DecipherField(cipher, text) : text);
     for (RawField field; reader.Next(field);) {
         if (field.number >= fields.size()) fields.resize(std::size_t{field.number} + 1, Bytes());
         fields[field.number] = DecodeRaw(field);
@@ -148,7 +140,7 @@ void DecodeRecord(std::vector<Value>& fields, std::string_view text, bool deciph
 }
 
 Value GetRecordField(cry::CipherState& cipher, std::string_view text, std::uint8_t number) {
-    return GetPayloadField(PlainPayload(cipher, text), number);
+    return GetPayloadField(cry::DecipherField(cipher, text), number);
 }
 
 Value GetPayloadField(std::string_view payload, std::uint8_t number) {
@@ -166,7 +158,7 @@ std::uint8_t PrivateFieldOf(std::uint8_t section) {
 }
 
 bool IsRecordPrivate(cry::CipherState& cipher, std::string_view text, std::uint8_t section) {
-    return IsPayloadPrivate(PlainPayload(cipher, text), section);
+    return IsPayloadPrivate(cry::DecipherField(cipher, text), section);
 }
 
 bool IsPayloadPrivate(std::string_view payload, std::uint8_t section) {

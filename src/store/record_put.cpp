@@ -1,10 +1,12 @@
 #include "store/record_put.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
 #include "base/buckets.h"
 #include "crypto/conversion.h"
+#include "crypto/cry.h"
 
 namespace bmr::store {
 namespace {
@@ -59,15 +61,33 @@ Bytes EncodeDate(const Value& value, RandomSource& random) {
     return conversion::PackInteger(packed, 4).value_or(Bytes());
 }
 
-Bytes EncodeText(std::string_view text) {
+/// Makes room for `more` bytes; what was there stands in no memory that was given back.
+void Reserve(Bytes& payload, std::size_t more) {
+    const std::size_t needed = payload.size() + more;
+    if (needed <= payload.capacity()) return;
+    Bytes larger;
+    larger.reserve(std::max(needed, 2 * payload.capacity()));
+    larger.append(payload);
+    payload.swap(larger);
+    cry::WipeString(larger);
+}
+
+/// Length prefix and characters of a text.
+void PutText(Bytes& out, std::string_view text) {
     text = text.substr(0, kLongestText);
     const auto size = static_cast<unsigned>(text.size());
-    Bytes out;
+    Reserve(out, size + 3);
     if (size <= kShortText)
         out += ByteChar(size);
     else
         out += {ByteChar(255), ByteChar(size & 0xFF), ByteChar(size >> 8)};
-    return out += text;
+    out.append(text);
+}
+
+Bytes EncodeText(std::string_view text) {
+    Bytes out;
+    PutText(out, text);
+    return out;
 }
 
 Bytes EncodeValue(const Value& value, FieldTag tag, RandomSource& random) {
@@ -117,9 +137,17 @@ bool AppendField(Bytes& payload, std::uint8_t number, const Value& value, FieldT
                  RandomSource& random) {
     const Bytes field = EncodeField(value, tag, random);
     if (field.empty()) return false;
+    Reserve(payload, field.size() + 1);
     payload += ByteChar(number);
     payload += field;
     return true;
+}
+
+void AppendText(Bytes& payload, std::uint8_t number, std::string_view text, FieldTag tag) {
+    Reserve(payload, 2);
+    payload += ByteChar(number);
+    payload += ByteChar(static_cast<unsigned>(tag));
+    PutText(payload, text);
 }
 
 }  // namespace bmr::store

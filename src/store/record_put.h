@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "base/bytes.h"
 #include "base/random.h"
@@ -36,6 +37,10 @@ Bytes EncodeField(const Value& value, FieldTag tag, RandomSource& random);
 /// Appends character(number) and the encoded field to `payload`. False (and nothing appended) on a value that
 /// is refused.
 bool AppendField(Bytes& payload, std::uint8_t number, const Value& value, FieldTag tag, RandomSource& random);
+
+/// The same for a text (tag Text or Memo), which is not copied on the way. A payload that outgrows its memory
+/// is wiped there: it may hold secrets.
+void AppendText(Bytes& payload, std::uint8_t number, std::string_view text, FieldTag tag);
 
 /// Columns that a record leaves unused and that get noise.
 struct NoiseColumns {

@@ -99,8 +99,7 @@ Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t 
         if (rows->error() != 0) return Error{rows->error(), session.ProgramDb->LastError()};
         return std::optional<Secret>();
     }
-    if (rows->Bytes(0).empty() || session.cipher.Keystring.empty()) return std::optional<Secret>(Secret());
-    cry::FieldCipher(session.cipher, 2, rows->Bytes(0));
+    if (cry::DecipherField(session.cipher, rows->Bytes(0)).empty()) return std::optional<Secret>(Secret());
     return std::optional<Secret>(std::move(session.cipher.FieldPlain));
 }
 

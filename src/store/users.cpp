@@ -82,12 +82,12 @@ Bytes UserPayload(const Session& session) {
     RandomSource& random = session.ports.random;
     Bytes payload;
     AppendField(payload, 0, std::int32_t{user.UserNumber}, FieldTag::Byte, random);
-    AppendField(payload, 1, user.PwVerifier, FieldTag::Text, random);
-    AppendField(payload, 2, user.WrappedKey, FieldTag::Text, random);
+    AppendText(payload, 1, user.PwVerifier, FieldTag::Text);
+    AppendText(payload, 2, user.WrappedKey, FieldTag::Text);
     AppendField(payload, 3, user.UserFlag1, FieldTag::Boolean, random);
     AppendField(payload, 4, user.UserFlag2, FieldTag::Boolean, random);
     AppendField(payload, 5, user.UserValue, FieldTag::Int32, random);
-    AppendField(payload, 6, user.UserName, FieldTag::Text, random);
+    AppendText(payload, 6, user.UserName, FieldTag::Text);
     return payload;
 }
 
@@ -99,11 +99,9 @@ Secret VerifierOf(std::string_view passHash) {
 /// The PIN record of a cipher text of mode 1. A record that is not whole counts as lost: a flag that could
 /// not be read must not open a guarded section.
 std::optional<PinRecord> DecodePin(Session& session, std::string_view fT2) {
-    Bytes trimmed = cry::FieldCipher(session.cipher, 2, fT2);
-    cry::WipeString(trimmed);
     PinRecord pin;
     std::array<bool, 4> seen{};
-    PayloadReader reader(session.cipher.FieldPlain.view());
+    PayloadReader reader(cry::DecipherField(session.cipher, fT2));
     for (RawField field; reader.Next(field);) {
         if (field.number >= seen.size()) continue;
         const auto tag = static_cast<FieldTag>(field.tag);
@@ -137,13 +135,11 @@ Bytes EncodePin(Session& session, std::uint8_t kind, std::string_view pin, std::
     if (pin.size() > kLongestText) return {};
     RandomSource& random = session.ports.random;
     Bytes payload;
-    Value text = Bytes(pin);
     AppendField(payload, 0, std::int32_t{kind}, FieldTag::Byte, random);
-    AppendField(payload, 1, text, FieldTag::Text, random);
+    AppendText(payload, 1, pin, FieldTag::Text);
     AppendField(payload, 2, app, FieldTag::Int32, random);
     AppendField(payload, 3, everyAccess, FieldTag::Boolean, random);
     Bytes enciphered = cry::FieldCipher(session.cipher, 1, std::string_view(payload));
-    cry::WipeString(std::get<Bytes>(text));
     cry::WipeString(payload);
     return enciphered;
 }
@@ -184,7 +180,9 @@ int WriteUser(Session& session) {
         row.Edit();
         row.SetField("AE", marks | 2);
     }
-    row.SetField("fEtx", cry::PassEncrypt(random, UserPayload(session), session.PassHash.view()));
+    Bytes payload = UserPayload(session);
+    row.SetField("fEtx", cry::PassEncrypt(random, payload, session.PassHash.view()));
+    cry::WipeString(payload);
     row.SetField("fT3",
                  cry::VerifierEncrypt(VerifierOf(session.PassHash.view()).view(), session.PassHash.view()) +
                      cry::RandomBytes(random, DrawBelow(random, 6)));

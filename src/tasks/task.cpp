@@ -23,13 +23,17 @@ bool Append(Bytes& payload, TaskField field, const Value& value, FieldTag tag, R
     return store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
 }
 
+void AppendText(Bytes& payload, TaskField field, std::string_view text, FieldTag tag) {
+    store::AppendText(payload, static_cast<std::uint8_t>(field), text, tag);
+}
+
 /// fEtx and fT1 of a record.
 int FillTexts(Session& session, const Task& task, Recordset& row) {
     RandomSource& random = session.ports.random;
     Bytes payload;
+    AppendText(payload, TaskField::Description, task.task, FieldTag::Text);
+    AppendText(payload, TaskField::Memo, task.note, FieldTag::Memo);
     const bool whole =
-        Append(payload, TaskField::Description, task.task, FieldTag::Text, random) &&
-        Append(payload, TaskField::Memo, task.note, FieldTag::Memo, random) &&
         Append(payload, TaskField::Private, task.isPrivate, FieldTag::Boolean, random) &&
         Append(payload, TaskField::UserNumber, std::int32_t{session.user.UserNumber}, FieldTag::Byte, random);
     if (!whole) return store::EngineNumber::Failed;
@@ -99,13 +103,7 @@ Task ReadRecord(Session& session, const Recordset& row) {
     task.completed = NumberOf(row.Field("fF3")) != 0;
     task.dueDate = DateColumn(row, "fR3", kDueKind, task.hasDueDate);
     task.completedDate = DateColumn(row, "fR2", kCompletedKind, task.completed);
-    const Bytes cipher = TextOf(row.Field("fEtx"));
-    if (cipher.empty() || session.cipher.Keystring.empty()) {
-        ReadPayload(task, {});
-    } else {
-        cry::FieldCipher(session.cipher, 2, cipher);
-        ReadPayload(task, session.cipher.FieldPlain.view());
-    }
+    ReadPayload(task, cry::DecipherField(session.cipher, TextOf(row.Field("fEtx"))));
     return task;
 }
 

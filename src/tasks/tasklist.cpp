@@ -176,11 +176,9 @@ Result<std::vector<TaskRow>> ShowListitems(Session& session, const TaskFilter& f
 RowTexts ReadRowTexts(Session& session, std::int32_t fPK) {
     RowTexts texts;
     auto cursor = session.ProgramDb->Select("SELECT fEtx FROM tt WHERE fPK=" + std::to_string(fPK));
-    if (!cursor || !cursor->Next() || cursor->Bytes(0).empty() || session.cipher.Keystring.empty())
-        return texts;
-    cry::FieldCipher(session.cipher, 2, cursor->Bytes(0));
+    if (!cursor || !cursor->Next()) return texts;
     Task task;
-    ReadPayload(task, session.cipher.FieldPlain.view());
+    ReadPayload(task, cry::DecipherField(session.cipher, cursor->Bytes(0)));
     texts.isPrivate = task.isPrivate;
     texts.readable = task.readable;
     texts.task = std::move(task.task);

@@ -187,6 +187,16 @@ class Recordset {
 [[nodiscard]] int CompactDatabase(const std::filesystem::path& source, const std::filesystem::path& target,
                                   std::string* detail = nullptr);
 
+/// Writes a compacted copy and puts it in the file's place, which stays locked until then: a program that
+/// writes meanwhile is refused, and never loses what it saved. `copy` lies beside the file and must not
+/// exist.
+[[nodiscard]] int CompactInPlace(const std::filesystem::path& path, const std::filesystem::path& copy,
+                                 std::string* detail = nullptr);
+
+/// The file that a link leads to, so that a copy takes the place of the file and not of the link; a path that
+/// cannot be followed as it is.
+std::filesystem::path FollowLinks(const std::filesystem::path& path);
+
 /// Repairs in place what can be repaired: rolls back an open journal, rebuilds the indexes, and where rows
 /// are unreadable writes a copy of the readable ones and puts it in the file's place. The file is left as it
 /// was when nothing could be won.

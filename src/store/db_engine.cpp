@@ -150,7 +150,7 @@ void Engine::RemoveColdJournal() {
     sqlite3_file_control(handle(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &journal);
     if (journal == nullptr || journal->pMethods != nullptr) return;
     std::error_code ignored;
-    std::filesystem::remove(PathOf(db_->getFilename() + "-journal"), ignored);
+    std::filesystem::remove(PathOf(sqlite3_filename_journal(sqlite3_db_filename(handle(), "main"))), ignored);
 }
 
 /// The library reads on where the last page is cut, as if zeros stood there.

@@ -104,7 +104,8 @@ std::filesystem::path FreeNameBeside(const std::filesystem::path& path) {
 
 }  // namespace
 
-int RepairDatabase(const std::filesystem::path& path, std::string* detail) {
+int RepairDatabase(const std::filesystem::path& given, std::string* detail) {
+    const auto path = FollowLinks(given);
     const auto opened = Engine::Open(path, Engine::Purpose::Repair);
     if (!opened) return Tell(detail, opened.error().number, opened.error().detail);
     Engine& engine = **opened;

@@ -1,5 +1,9 @@
 #include "store/lifecycle.h"
 
+#include <algorithm>
+#include <array>
+#include <fstream>
+
 #include "base/languageus.h"
 #include "store/keyrecords.h"
 #include "store/session.h"
@@ -166,10 +170,15 @@ int FillNewStore(Session& session) {
 bool IsLeftover(const fs::path& path) {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) return false;
-    return fs::file_size(path, error) == 0 || static_cast<bool>(Database::Open(path));
+    // The head of a copy is written last: one that was cut off has zeros there.
+    std::array<char, 16> head{};
+    std::ifstream(path, std::ios::binary).read(head.data(), head.size());
+    if (std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; })) return true;
+    return static_cast<bool>(Database::Open(path));
 }
 
-int CompactInPlace(Session& session, const fs::path& path) {
+int Compact(Session& session, const fs::path& given) {
+    const fs::path path = FollowLinks(given);
     fs::path copy = path;
     std::string name = PathText(path.filename());
     name.replace(name.size() - std::min<std::size_t>(3, name.size()), std::string::npos, "tmp");
@@ -183,10 +192,8 @@ int CompactInPlace(Session& session, const fs::path& path) {
         return EngineNumber::Failed;
     }
     fs::remove(copy, error);
-    int failed = CompactDatabase(path, copy);
-    if (failed == 0) failed = ReplaceFile(copy, path);
+    const int failed = CompactInPlace(path, copy);
     if (failed == 0) return 0;
-    fs::remove(copy, error);
     TellFailure(session, failed);
     return failed;
 }
@@ -322,7 +329,7 @@ int RepairAndCompact(Session& session) {
     int error = CloseDatabase(session);
     if (error == 0) {
         session.ports.prompter.Comment("", true);
-        error = CompactInPlace(session, path);
+        error = Compact(session, path);
         session.ports.prompter.Comment("", false);
         if (error == 0) session.ports.prompter.Ask(MessageBox(166));
     }

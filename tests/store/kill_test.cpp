@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -128,6 +129,64 @@ TEST(Kill, AtAnyMomentLeavesTheOldOrTheNewStateAndNoConfirmedSaveIsLost) {
     RecordProperty("between", between);
     std::printf("[          ] %d kills met an open journal, %d a save that was not told yet\n", journals,
                 between);
+}
+
+/// Saves a row at a time whenever the file is free, until `leave` closes; tells of the first, and how many
+/// stood.
+[[noreturn]] void SaveWheneverFree(const std::filesystem::path& path, int leave, int tell) {
+    ::fcntl(leave, F_SETFL, O_NONBLOCK);
+    std::int32_t saved = 0;
+    for (char byte = 0; ::read(leave, &byte, 1) != 0;) {
+        auto db = Database::Open(path);
+        if (!db) continue;
+        auto table = (*db)->OpenRecordset("tt");
+        (*table)->AddNew();
+        (*table)->SetField("fSec", 16);
+        if ((*table)->Update() != 0) continue;
+        if (++saved == 1 && ::write(tell, &saved, sizeof(saved)) != sizeof(saved)) _exit(1);
+    }
+    _exit(::write(tell, &saved, sizeof(saved)) == sizeof(saved) ? 0 : 1);
+}
+
+TEST(Compacting, LosesNothingThatAnotherProgramSavesMeanwhile) {
+    const TempFolder folder;
+    const auto path = folder / "a.bmr";
+    {
+        const auto db = NewStore(path);
+        auto table = db->OpenRecordset("tt");
+        Transaction bulk(*db);
+        for (int i = 0; i < 4000; ++i) {
+            (*table)->AddNew();
+            (*table)->SetField("fEtx", Bytes(300, 'x'));
+            ASSERT_EQ((*table)->Update(), 0);
+        }
+        ASSERT_EQ(bulk.Commit(), 0);
+    }
+    int leave[2];
+    int told[2];
+    ASSERT_EQ(::pipe(leave), 0);
+    ASSERT_EQ(::pipe(told), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(leave[1]);
+        SaveWheneverFree(path, leave[0], told[1]);
+    }
+    std::int32_t saved = 0;
+    ASSERT_EQ(::read(told[0], &saved, sizeof(saved)), static_cast<ssize_t>(sizeof(saved)));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    int done = 0;
+    while (done < 10 && std::chrono::steady_clock::now() < end) {
+        if (CompactInPlace(path, folder / "a.tmp") == 0) ++done;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    ::close(leave[1]);
+    ASSERT_EQ(::read(told[0], &saved, sizeof(saved)), static_cast<ssize_t>(sizeof(saved)));
+    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ(done, 10);
+    const auto db = OpenStore(path);
+    auto rows = db->OpenRecordset("SELECT fPK FROM tt WHERE fSec=16");
+    ASSERT_TRUE(rows);
+    EXPECT_EQ((*rows)->RecordCount(), saved);
 }
 
 }  // namespace

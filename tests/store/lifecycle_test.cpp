@@ -294,6 +294,12 @@ TEST(RepairAndCompact, PutsTheCompactFileInThePlaceAndAsksAgain) {
     EXPECT_EQ(test::RowsOf(*sitting.session.ProgramDb, " WHERE fSec<3 And fSub<3"), before);
     EXPECT_FALSE(fs::exists(sitting.folder.Path() / "test.tmp"));
 
+    // A copy that was cut off by the end of the machine gets out of the way.
+    test::WriteFile(sitting.folder.Path() / "test.tmp", std::string(4096, '\0') + "rows");
+    sitting.prompter.Expect(166).Type(kPassphrase);
+    EXPECT_EQ(RepairAndCompact(sitting.session), 0);
+    EXPECT_FALSE(fs::exists(sitting.folder.Path() / "test.tmp"));
+
     // Somebody's own file of that name is not ours to overwrite; the database opens again as it was.
     test::WriteFile(sitting.folder.Path() / "test.tmp", "mine");
     sitting.prompter.Expect(0).Type(kPassphrase);
@@ -304,6 +310,25 @@ TEST(RepairAndCompact, PutsTheCompactFileInThePlaceAndAsksAgain) {
 
     sitting.prompter.Expect(134);
     EXPECT_EQ(RepairAndCompact(sitting.session), -134);
+}
+
+TEST(RepairAndCompact, WorksOnTheFileThatALinkLeadsTo) {
+    Sitting sitting;
+    const fs::path real = sitting.folder.Path() / "elsewhere" / "real.bmr";
+    fs::create_directory(real.parent_path());
+    sitting.Make();
+    sitting.Close();
+    fs::rename(sitting.file, real);
+    fs::create_symlink(real, sitting.file);
+    ASSERT_EQ(sitting.Open(), 0);
+    const auto before = fs::file_size(real);
+    sitting.prompter.Expect(166).Type(kPassphrase);
+    EXPECT_EQ(RepairAndCompact(sitting.session), 0);
+    sitting.Close();
+    EXPECT_TRUE(fs::is_symlink(sitting.file));
+    EXPECT_EQ(fs::read_symlink(sitting.file), real);
+    EXPECT_LE(fs::file_size(real), before);
+    EXPECT_EQ(std::distance(fs::directory_iterator(real.parent_path()), fs::directory_iterator()), 1);
 }
 
 /// Says no to whatever comes up and always knows the passphrase.

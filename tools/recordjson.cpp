@@ -78,7 +78,7 @@ void AddFields(Json& json, const RecordKind& kind, std::string_view payload) {
     store::RawField field;
     while (reader.Next(field)) {
         const auto rule = RuleOf(kind, field.number);
-        if (rule && rule->shape == Shape::Secret) continue;
+        if (rule && rule->shape == Shape::Secret && !field.value.empty()) continue;
         const std::string name =
             rule && !rule->name.empty() ? std::string(rule->name) : "field" + std::to_string(field.number);
         json[name] = ValueJson(store::DecodeRaw(field), rule ? rule->shape : Shape::Plain);

@@ -162,6 +162,8 @@ constexpr FieldRule kBudget[] = {
 };
 
 constexpr std::uint8_t kSystemRow = 1;
+/// Half-written records, private ones among them.
+constexpr std::uint8_t kDrafts = 16;
 constexpr std::uint8_t kUserLabelRow = 9;
 constexpr std::uint8_t kCategoryRow = 10;
 
@@ -201,7 +203,9 @@ const RecordKind* SectionByName(std::string_view name) {
 }
 
 std::optional<FieldRule> RuleOf(const RecordKind& kind, std::uint8_t number) {
-    if (kind.fSec == kSystemRow && kind.fSub == 3 && number <= 16)
+    if (kind.fSec == kSystemRow && kind.fSub == 3 && number == kDrafts)
+        return FieldRule{number, FieldTag::Text, "", Shape::Secret};
+    if (kind.fSec == kSystemRow && kind.fSub == 3 && number < kDrafts)
         return FieldRule{number, FieldTag::Text, number == 2 ? "DatabaseVersion" : ""};
     if (kind.fSec == kCategoryRow)
         return FieldRule{number, number % 2 == 0 ? FieldTag::Text : FieldTag::Int16, ""};

@@ -14,7 +14,7 @@ enum class Shape : std::uint8_t {
     Plain,
     Hex,      ///< binary text
     Minutes,  ///< minutes of the calendar, as date and time
-    Secret,   ///< never shown: it would open the database
+    Secret,   ///< never shown: it would open the database, or show what is hidden
 };
 
 struct FieldRule {

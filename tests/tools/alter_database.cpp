@@ -4,9 +4,11 @@
 #include "sitting.h"
 #include "store/db.h"
 #include "store/record_put.h"
+#include "store/systemrecord.h"
 
 /// usage: alter_database FILE newer|hide, the passphrase on standard input. Brings a database into states
-/// that no command of bmr makes: last changed by a newer program, or with private records hidden.
+/// that no command of bmr makes: last changed by a newer program, or with private records hidden,
+/// one of them half-written.
 namespace {
 
 using namespace bmr;
@@ -28,6 +30,7 @@ int MakeNewer(store::Session& session) {
 
 int Hide(store::Session& session) {
     session.ShowPrivate = false;
+    if (const int error = store::WriteSystemMemo(session, 16, "half-written")) return error;
     return store::WriteSettings(session);
 }
 

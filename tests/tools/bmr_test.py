@@ -293,7 +293,9 @@ class Samples(Base):
         self.bmr("show", key, status=1)
         self.bmr("delete", key, status=1)
         self.bmr("show", key, "--private")
-        self.assertNotIn(f'"fPK":{key},', self.bmr("dump", "--json"))
+        dump = self.bmr("dump", "--json")
+        self.assertNotIn(f'"fPK":{key},', dump)
+        self.assertNotIn("half-written", dump)
 
     def test_check_names_what_does_not_decode(self):
         self.sample(50)

@@ -199,7 +199,8 @@ std::filesystem::path FollowLinks(const std::filesystem::path& path);
 
 /// Repairs in place what can be repaired: rolls back an open journal, rebuilds the indexes, and where rows
 /// are unreadable writes a copy of the readable ones and puts it in the file's place. The file is left as it
-/// was when nothing could be won.
+/// was when nothing could be won; one that was replaced is kept beside it ("name.damaged1.bmr"), since what
+/// we cannot read others may. `detail` (UTF-8) then says how many rows were read and where the old file is.
 [[nodiscard]] int RepairDatabase(const std::filesystem::path& path, std::string* detail = nullptr);
 
 /// Puts `source` in the place of `target`: fsync of the file, rename, fsync of the folder. A journal that was

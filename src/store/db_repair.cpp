@@ -6,6 +6,7 @@
 #include "store/db_engine.h"
 #include "store/db_file.h"
 #include "store/db_rows.h"
+#include "store/fileio.h"
 
 namespace bmr::store {
 namespace {
@@ -93,13 +94,26 @@ int RebuildIndexes(Engine& engine) {
     return engine.Commit();
 }
 
-std::filesystem::path FreeNameBeside(const std::filesystem::path& path) {
+/// "name<mark>1.bmr", or the next number that is free.
+std::filesystem::path FreeNameBeside(const std::filesystem::path& path, const std::string& mark) {
     std::filesystem::path name;
     for (int i = 1; name.empty() || std::filesystem::exists(std::filesystem::symlink_status(name)); ++i) {
-        name = path;
-        name += ".repair" + std::to_string(i);
+        std::filesystem::path file = path.stem();
+        file += mark + std::to_string(i);
+        file += path.extension();
+        name = path.parent_path() / file;
     }
     return name;
+}
+
+/// Keeps the damaged file under another name. A second name costs nothing; where the system has none, a copy.
+int KeepDamaged(const std::filesystem::path& path, const std::filesystem::path& name) {
+    std::error_code error;
+    std::filesystem::create_hard_link(path, name, error);
+    if (error) std::filesystem::copy_file(path, name, error);
+    if (!error) return NumberOfErrno(SyncFile(name));
+    RemoveQuietly(name);
+    return NumberOfErrno(error.default_error_condition().value());
 }
 
 }  // namespace
@@ -115,18 +129,26 @@ int RepairDatabase(const std::filesystem::path& given, std::string* detail) {
         const auto sound = Database::Open(path);
         return sound ? 0 : Tell(detail, sound.error().number, sound.error().detail);
     }
-    const auto copy = FreeNameBeside(path);
+    const auto copy = FreeNameBeside(path, ".repair");
+    const auto kept = FreeNameBeside(path, ".damaged");
     std::size_t copied = 0;
     int number = CopyReadable(engine, copy, copied, detail);
     engine.Close();
     if (number == 0 && copied == 0) number = Tell(detail, EngineNumber::Damaged, lines.front());
     if (number == 0) number = TestCopy(copy, detail);
-    if (number == 0) number = ReplaceFile(copy, path);
+    if (number == 0) number = KeepDamaged(path, kept);
+    if (number == 0) {
+        number = ReplaceFile(copy, path);
+        if (number != 0) RemoveQuietly(kept);
+    }
     if (number != 0) {
         RemoveQuietly(copy);
         return number;
     }
-    return Tell(detail, 0, std::to_string(copied) + " records could be read.");
+    const auto name = kept.filename().u8string();
+    return Tell(detail, 0,
+                std::to_string(copied) + " records could be read. The damaged file is kept as \"" +
+                    std::string(name.begin(), name.end()) + "\".");
 }
 
 }  // namespace bmr::store

@@ -249,9 +249,16 @@ int TestOpen(Session& session, const fs::path& path) {
 
 int RepairAndTest(Session& session) {
     session.ports.prompter.Comment("", true);
-    // What a repair could not do, the test tells.
-    static_cast<void>(RepairDatabase(session.DatabasePath));
+    std::string detail;
+    const int failed = RepairDatabase(session.DatabasePath, &detail);
     session.ports.prompter.Comment("", false);
+    // What a repair could not do, the test tells; what it may have lost must be told here.
+    if (failed == 0 && !detail.empty()) {
+        Box box;
+        box.text = detail;
+        box.icon = BoxIcon::Warning;
+        session.ports.prompter.Ask(box);
+    }
     return TestOpen(session, fs::path(session.DatabasePath));
 }
 

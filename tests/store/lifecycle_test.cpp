@@ -202,6 +202,21 @@ TEST(TestOpen, TellsDamageAndLeavesTheFileAsItWas) {
     }
 }
 
+TEST(TestOpen, ARepairTellsWhatItSavedAndKeepsTheDamagedFile) {
+    Sitting sitting;
+    sitting.Make();
+    sitting.Close();
+    const std::string whole = test::FileBytes(sitting.file);
+    const std::string damaged = whole.substr(0, whole.size() - 4096);
+    test::WriteFile(sitting.file, damaged);
+    sitting.prompter.Expect(46, Answer::Yes).Expect(0);
+    EXPECT_EQ(TestOpen(sitting.session, sitting.file), 0);
+    EXPECT_NE(sitting.prompter.shown.back().text.find("\"test.damaged1.bmr\""), std::string::npos);
+    EXPECT_TRUE(test::FileBytes(sitting.folder.Path() / "test.damaged1.bmr") == damaged);
+    EXPECT_EQ(sitting.Open(), 0);
+    sitting.Close();
+}
+
 TEST(OpenFileDialog, TellsWhyAFileIsNoDatabase) {
     Sitting sitting;
     test::WriteFile(sitting.file, "no database");

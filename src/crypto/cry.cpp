@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstdio>
+#include <charconv>
 
 #include "crypto/blowfish.h"
 #include "crypto/fieldtext.h"
@@ -24,8 +23,9 @@ Bytes TextForm(const Value& value) {
     if (const auto* date = std::get_if<DateValue>(&value)) real = date->serial;
     if (const auto* number = std::get_if<double>(&value)) real = *number;
     std::array<char, 40> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%.15g", real);
-    return {text.data(), static_cast<std::size_t>(length)};
+    // Not by the C library, whose decimal sign follows the desktop's language.
+    const auto end = std::to_chars(text.begin(), text.end(), real, std::chars_format::general, 15).ptr;
+    return {text.begin(), end};
 }
 
 /// Sets `cipher` to the field key, filled up with zeros where none was picked yet: the operation goes on all

@@ -4,11 +4,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QFrame>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QStackedLayout>
 #include <QToolButton>
 #include <algorithm>
@@ -23,7 +23,6 @@
 #include "kit/formparts.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
-#include "shell/helpers.h"
 
 namespace bmr::confidential {
 
@@ -82,10 +81,13 @@ void frmClassified::cat_Click(int Index) {
     lblCategory->setText("Category:  " + QString::fromStdString(std::string(kind.caption)).toUpper());
     listSelect_Initialize(store::kNewRecord);
     cat[static_cast<std::size_t>(Index)]->setFocus();
+    kindsArea_->ensureWidgetVisible(cat[static_cast<std::size_t>(Index)]);
 }
 
 void frmClassified::listSelect_Initialize(std::int32_t key) {
     if (currentKind == 0 || !session_.DatabaseOpen || session_.ending) return;
+    const QWidget* focus = QApplication::focusWidget();
+    const bool inside = isAncestorOf(focus) && !cat[0]->parentWidget()->isAncestorOf(focus);
     HidePad();
     int error = 0;
     ListSelect->Rebuild([&] { error = model_->Rebuild(currentKind, search_); });
@@ -97,6 +99,7 @@ void frmClassified::listSelect_Initialize(std::int32_t key) {
     else
         ListSelect->SelectFirst();
     ShowRecord(ListSelect->SelectedKey());
+    if (inside) FocusList();  // what had it may be hidden now
     TellStatus();
 }
 
@@ -224,7 +227,7 @@ void frmClassified::EditRecord(Record record, const store::Draft* draft) {
         editor_ = &editor;
         editor.changed = again;
         if (draft) editor.Fill(*std::exchange(draft, nullptr));
-        if (padFrame->isVisible()) editor.Cover(*padFrame);
+        if (padFrame->isVisible()) editor.Cover(*padFrame->parentWidget());
         const bool kept = editor.exec() == QDialog::Accepted && editor.changed;
         if (session_.ending || !session_.DatabaseOpen || !kept) break;
         WipeRecord(record);
@@ -248,6 +251,7 @@ void frmClassified::EditRecord(Record record, const store::Draft* draft) {
         ShowRecord(shown);
     else
         ShowNothing();
+    FocusList();
 }
 
 void frmClassified::ShowNothing() {
@@ -263,77 +267,6 @@ void frmClassified::cmdDelete_Click() {
     if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteRecordText(record_.n[0]))) != Answer::Ok) return;
     kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The record was not deleted."));
     listSelect_Initialize(store::kNewRecord);
-}
-
-void frmClassified::CopyField(std::size_t i) {
-    if (record_.n[i].empty()) return;
-    copy_(FieldText(i));
-    emit StatusChanged(tr("%1 copied").arg(rows_[i].lblTxt->text().trimmed()));
-}
-
-void frmClassified::mnuCopy_Click() {
-    const QWidget* focus = QApplication::focusWidget();
-    if (focus == txtNotes && !record_.notes.empty()) return copy_(kit::PlainText(*txtNotes));
-    for (std::size_t i = 0; i < rows_.size(); ++i)
-        if (rows_[i].txtCtl->parentWidget()->isAncestorOf(focus) && !record_.n[i].empty())
-            return CopyField(i);
-    // From elsewhere: the secret, or what else the record is there for.
-    for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
-        if (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty()) return CopyField(i);
-    for (const std::size_t i : {1U, 2U, 3U, 4U, 0U})
-        if (!record_.n[i].empty()) return CopyField(i);
-}
-
-void frmClassified::OpenField(std::size_t i) {
-    if (session_.ports.desktop)
-        shell::OpenWebsite(session_.ports.prompter, *session_.ports.desktop, FieldText(i).toStdString());
-}
-
-kit::FieldUse frmClassified::UseOf(std::size_t i) const {
-    kit::FieldUse use;
-    use.whole = FieldText(i);
-    use.masked = IsMasked(i);
-    if (use.masked) return use;
-    const std::string_view caption = CurrentKind()->captions[i];
-    std::string text = use.whole->toStdString();
-    use.web = IsUrlCaption(caption) || text.starts_with("www.") || text.find("://") != std::string::npos;
-    use.mail = IsMailCaption(caption) || shell::ValidEmail(text);
-    use.dial = IsPhoneCaption(caption);
-    return use;
-}
-
-void frmClassified::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_Down:
-        case Qt::Key_Right:
-        case Qt::Key_Tab:
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-        case Qt::Key_PageDown:
-            if (currentKind == 0) return cat[1]->setFocus(Qt::TabFocusReason);
-            break;
-        default:
-            break;
-    }
-    SectionForm::keyPressEvent(event);
-}
-
-bool frmClassified::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress) return SectionForm::eventFilter(watched, event);
-    const auto* key = static_cast<QKeyEvent*>(event);
-    if (auto* kind = qobject_cast<QAbstractButton*>(watched)) {
-        if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) return false;
-        kind->click();
-        return true;
-    }
-    if (!key->matches(QKeySequence::Copy)) return false;
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const bool part = rows_[i].txtCtl->hasSelectedText() && !(CurrentKind() && IsMasked(i));
-        if (rows_[i].txtCtl != watched || part) continue;
-        CopyField(i);  // not the mask, and without a selection all there is
-        return true;
-    }
-    return false;
 }
 
 void frmClassified::ShowEmptyState() {

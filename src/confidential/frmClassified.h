@@ -17,6 +17,7 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+class QScrollArea;
 class QStackedLayout;
 class QToolButton;
 
@@ -79,6 +80,9 @@ class frmClassified final : public SectionForm {
     void ShowRecord(std::int32_t key);
     void ShowFields();
     void HidePad();
+    /// The keyboard goes on in the list, or at the kind while its list is empty.
+    void FocusList();
+    bool KindKey(QAbstractButton& kind, int key);
     void ShowNothing();
     /// With a draft the editor comes up filled with it.
     void EditRecord(Record record, const store::Draft* draft = nullptr);
@@ -106,11 +110,13 @@ class frmClassified final : public SectionForm {
     QAction* mnuDelete;
     QAction* mnuCopy;
 
+    QScrollArea* kindsArea_;
     std::array<QAbstractButton*, 17> cat{};
-    kit::RecordListView* ListSelect;
+    kit::RecordListView* ListSelect = nullptr;
     kit::EmptyState* empty_;
     QStackedLayout* stack_;
-    QFrame* padFrame;
+    QFrame* padFrame = nullptr;
+    QFormLayout* padForm_ = nullptr;
     QLabel* lblCategory;
     QLabel* lblDamaged;
     QLabel* lblLastModified;

@@ -107,14 +107,14 @@ QWidget* frmClassified::BuildKinds() {
     }
     column->addStretch();
     connect(group, &QButtonGroup::idClicked, this, &frmClassified::cat_Click);
-    auto* scroll = new QScrollArea;
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidget(panel);
-    scroll->setFixedWidth(panel->sizeHint().width() + Space::Group);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    return scroll;
+    kindsArea_ = new QScrollArea;
+    kindsArea_->setFrameShape(QFrame::NoFrame);
+    kindsArea_->setWidgetResizable(true);
+    kindsArea_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    kindsArea_->setWidget(panel);
+    kindsArea_->setFixedWidth(panel->sizeHint().width() + Space::Group);
+    kindsArea_->setFocusPolicy(Qt::NoFocus);
+    return kindsArea_;
 }
 
 QWidget* frmClassified::BuildList() {
@@ -124,6 +124,7 @@ QWidget* frmClassified::BuildList() {
     ListSelect->setFrameShape(QFrame::NoFrame);
     ListSelect->setHeaderHidden(true);
     ListSelect->SetModel(model_);
+    ListSelect->viewport()->installEventFilter(this);
     connect(ListSelect, &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
     connect(ListSelect, &kit::RecordListView::EditWanted, this, &frmClassified::cmdEdit_Click);
     connect(ListSelect, &kit::RecordListView::DeleteWanted, this, &frmClassified::cmdDelete_Click);
@@ -139,11 +140,12 @@ QWidget* frmClassified::BuildList() {
     cmdDelete = kit::MakeButton("cmdDelete", mnuDelete);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(Space::Row);
-    for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete})
+    for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete}) {
+        button->setIcon({});  // the toolbar has them; here every pixel counts in a small window
         buttons->addWidget(button);
+    }
     buttons->addStretch();
     auto* panel = new QWidget;
-    panel->setMinimumWidth(fontMetrics().averageCharWidth() * 48);
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
     column->setSpacing(Space::Row);
@@ -199,6 +201,7 @@ QWidget* frmClassified::BuildPad() {
     form->setHorizontalSpacing(Space::Row);
     form->setVerticalSpacing(Space::Row);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    padForm_ = form;
     for (std::size_t i = 0; i < rows_.size(); ++i)
         BuildRow(*form, i);
     chkPlainPW = new QCheckBox("Show Plain Password");
@@ -232,13 +235,16 @@ QWidget* frmClassified::BuildPad() {
     column->addWidget(lblNotes);
     column->addWidget(txtNotes, 1);
     column->addWidget(lblLastModified);
-    auto* right = new QWidget;
-    right->setMinimumWidth(320);
-    right->setBackgroundRole(QPalette::Base);
-    right->setAutoFillBackground(true);
-    auto* whole = new QVBoxLayout(right);
-    whole->setContentsMargins(0, 0, 0, 0);
-    whole->addWidget(padFrame);
+    padFrame->installEventFilter(this);
+    auto* right = new QScrollArea;
+    right->setFrameShape(QFrame::NoFrame);
+    right->setWidgetResizable(true);
+    right->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    right->setFocusPolicy(Qt::NoFocus);
+    right->setMinimumWidth(fontMetrics().averageCharWidth() * 40);
+    right->viewport()->setBackgroundRole(QPalette::Base);
+    right->setWidget(padFrame);
+    padFrame->setAutoFillBackground(false);
     return right;
 }
 

@@ -1,7 +1,6 @@
 #include "confidential/frmEditConfidential.h"
 
 #include <QCheckBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -9,7 +8,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QToolButton>
 
 #include "base/languageus.h"
@@ -83,20 +81,13 @@ void frmEditConfidential::BuildFields() {
             });
         connect(txtCtl[i], &QLineEdit::textChanged, this, &frmEditConfidential::Changed);
         if (!IsMaskedCaption(kind.captions[i])) continue;
-        dice_[i] = new QToolButton(this);
-        dice_[i]->setObjectName(QString("dice%1").arg(i));
-        dice_[i]->setIcon(kit::Icon("password-generate"));
-        dice_[i]->setToolTip(tr("Make a password"));
-        dice_[i]->setAccessibleName(tr("Make a password"));
-        dice_[i]->setFocusPolicy(Qt::StrongFocus);
+        dice_[i] = kit::MakeIconButton(QString("dice%1").arg(i), "password-generate", tr("Make a password"));
         dice_[i]->installEventFilter(this);
         connect(dice_[i], &QToolButton::clicked, this, [this, i] { Generate(i); });
     }
     const auto block = [this](const char* name, const QString& caption) {
-        auto* edit = new QPlainTextEdit(this);
-        edit->setObjectName(name);
-        edit->setAccessibleName(caption);
-        edit->setTabChangesFocus(true);
+        auto* edit = kit::MakeTextField(name, caption);
+        edit->setParent(this);
         kit::GiveFieldMenu(*edit, session_);
         connect(edit, &QPlainTextEdit::textChanged, this, &frmEditConfidential::Changed);
         return edit;
@@ -105,8 +96,7 @@ void frmEditConfidential::BuildFields() {
     tmpTxt->setFixedHeight(kit::HeightOfLines(*tmpTxt, kind.height));
     tmpTxt->installEventFilter(this);
     txtNotes = block("txtNotes", tr("Notes"));
-    ctlPrivate = new QCheckBox("Private");
-    ctlPrivate->setObjectName("ctlPrivate");
+    ctlPrivate = kit::MakePrivateBox();
     connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditConfidential::Changed);
     lblError = kit::MakeErrorLine("lblError");
 }
@@ -136,19 +126,11 @@ void frmEditConfidential::Lay() {
         form->addRow(label, field);
     }
     tmpTxt->setVisible(!singleLineField1);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
-    cmdOK = buttons->button(QDialogButtonBox::Save);
-    cmdOK->setObjectName("cmdOK");
-    cmdOK->setToolTip(tr("Ctrl+Return"));
+    const kit::SaveCancel buttons = kit::MakeSaveCancel(*this, [this] { cmdOK_Click(); });
+    cmdOK = buttons.cmdOK;
+    cmdEsc = buttons.cmdEsc;
     cmdOK->setAutoDefault(false);
-    cmdEsc = buttons->button(QDialogButtonBox::Cancel);
-    cmdEsc->setObjectName("cmdEsc");
     cmdEsc->setAutoDefault(false);
-    connect(cmdOK, &QPushButton::clicked, this, &frmEditConfidential::cmdOK_Click);
-    connect(cmdEsc, &QPushButton::clicked, this, &frmEditConfidential::reject);
-    for (const auto key : {Qt::Key_Return, Qt::Key_Enter})
-        connect(new QShortcut(QKeySequence(Qt::CTRL | key), this), &QShortcut::activated, this,
-                &frmEditConfidential::cmdOK_Click);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Space::Group, Space::Margin, Space::Group, Space::Margin);
@@ -156,10 +138,10 @@ void frmEditConfidential::Lay() {
     column->addWidget(heading);
     column->addLayout(form);
     column->addWidget(lblError);
-    column->addWidget(new QLabel("Notes:"));
+    column->addWidget(kit::MakeLabel("&Notes:", txtNotes));
     column->addWidget(txtNotes, 1);
     column->addWidget(ctlPrivate);
-    column->addWidget(buttons);
+    column->addWidget(buttons.box);
     OrderByEye();
     resize(qMax(560, fontMetrics().averageCharWidth() * 80), fontMetrics().lineSpacing() * 30);
 }
@@ -180,9 +162,12 @@ void frmEditConfidential::OrderByEye() {
 
 void frmEditConfidential::Cover(const QWidget& pad) {
     const QRect screen = pad.screen()->availableGeometry();
-    QRect place(pad.mapToGlobal(QPoint(0, 0)), pad.size().expandedTo(minimumSizeHint()));
-    // A dialog that is larger than the pad must not reach over the screen's edge.
-    place.moveRight(qMin(place.right(), screen.right()));
+    const QRect covered(pad.mapToGlobal(QPoint(0, 0)), pad.size());
+    const QSize needed(fontMetrics().averageCharWidth() * 68, fontMetrics().lineSpacing() * 24);
+    QRect place(covered.topLeft(), covered.size().expandedTo(minimumSizeHint()).expandedTo(needed));
+    // Where a small pad leaves no room to write in, the dialog reaches over the list, not over the screen's
+    // edge.
+    place.moveRight(qMin(covered.right(), screen.right()));
     place.moveBottom(qMin(place.bottom(), screen.bottom()));
     setGeometry(place);
 }
@@ -267,8 +252,7 @@ QWidget* frmEditConfidential::Unstorable() {
         if (judge(text, Field(i)->accessibleName())) found = Field(i);
     }
     if (!found && judge(kit::PlainText(*txtNotes), txtNotes->accessibleName())) found = txtNotes;
-    lblError->setText(why);
-    lblError->setVisible(found);
+    kit::Tell(*lblError, why);
     return found;
 }
 
@@ -285,6 +269,7 @@ void frmEditConfidential::reject() {
         Box box = MessageBox(20, BoxIcon::Question);
         box.buttons = Buttons::YesNo;
         box.standard = Answer::No;  // No stays: nothing is lost
+        box.words = {tr("Discard changes").toStdString(), tr("Keep editing").toStdString()};
         if (session_.ports.prompter.Ask(box) != Answer::Yes && !session_.ending) return;
     }
     changed = false;

@@ -83,6 +83,27 @@ TEST_F(Classified, NothingIsShownUntilAKindIsChosen) {
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
 }
 
+TEST_F(Classified, TheKeyboardAloneChoosesKindsAndKeepsTheFocus) {
+    QApplication::setActiveWindow(form.get());
+    form->setFocus();
+    const auto press = [this](Qt::Key key) { QTest::keyClick(form->focusWidget(), key); };
+    const auto focus = [this] { return form->focusWidget()->objectName(); };
+    EXPECT_EQ(focus(), "cat1");
+    for (int i = 0; i < 9; ++i)
+        press(Qt::Key_Down);
+    EXPECT_EQ(focus(), "cat16");
+    EXPECT_TRUE(Find<QLabel>("lblCategory").text().endsWith("E-COMMERCE"));
+    press(Qt::Key_Up);
+    EXPECT_EQ(focus(), "cat8");
+    AddLogin("Library", "hunter2");
+    EXPECT_EQ(focus(), "ListSelect");
+    QApplication::setActiveWindow(form.get());
+    Find<QToolButton>("copy0").setFocus();
+    store.prompter.Expect(79, Answer::Ok);
+    form->cmdDelete_Click();
+    EXPECT_EQ(focus(), "cat8") << "not outside, when what had it is gone";
+}
+
 TEST_F(Classified, APasswordIsMaskedOnThePadCopiedAsItIsAndOpenInTheDialog) {
     form->cat_Click(1);
     AddLogin("Library", "hunter2");
@@ -114,6 +135,7 @@ TEST_F(Classified, APasswordIsMaskedOnThePadCopiedAsItIsAndOpenInTheDialog) {
 TEST_F(Classified, CancellingANewRecordShowsNoHalfMadeOne) {
     form->cat_Click(5);
     store.prompter.Expect(20, Answer::No).Expect(20, Answer::Yes);
+    store.prompter.onAsk = [this] { EXPECT_EQ(store.prompter.shown.back().words[1], "Keep editing"); };
     OnDialog([](QDialog& editor) {
         Type(editor, "txtCtl0", "Bank");
         editor.findChild<QPushButton*>("cmdEsc")->click();

@@ -149,9 +149,7 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kin
 
 Bytes RecordName(Session& session, std::int32_t fPK) {
     if (!session.ProgramDb) return {};  // a list may outlive its database for a moment
-    auto cursor = session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=" + std::to_string(fPK) +
-                                            store::kOwnerAccess);
-    return cursor && cursor->Next() ? cry::FieldCipher(session.cipher, 2, cursor->Bytes(0)) : Bytes();
+    return cry::FieldCipher(session.cipher, 2, session.ProgramDb->TextOfKey(fPK));
 }
 
 std::string DeleteRecordText(std::string_view name) {

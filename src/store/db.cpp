@@ -101,6 +101,13 @@ Result<Cursor> Database::Select(std::string_view text) {
     return Cursor(std::make_unique<Cursor::Impl>(Cursor::Impl{std::move(*query), 0, impl_->engine}));
 }
 
+Bytes Database::TextOfKey(std::int32_t fPK) {
+    auto query = impl_->engine->Prepare("SELECT fT1 FROM main.tt WHERE fPK=?1");
+    if (!query) return {};
+    query->Bind(1, std::int64_t{fPK});
+    return query->Step() ? Bytes(CellOf(query->handle(), 0).bytes) : Bytes();
+}
+
 int Database::BeginTrans() {
     return impl_->engine->Begin();
 }

@@ -65,6 +65,11 @@ class Database {
     /// it reads may or may not be met.
     Result<Cursor> Select(std::string_view statement);
 
+    /// The column fT1 of the row with this fPK, enciphered as it stands; empty when there is no such row.
+    /// What lists and searches read row by row: prepared once, where a statement with the key in it would be
+    /// translated each time.
+    Bytes TextOfKey(std::int32_t fPK);
+
     /// Bracket for changes of several rows. Nested calls count: only the outermost commits; a rollback inside
     /// makes the outermost commit a rollback (and gives an error number).
     [[nodiscard]] int BeginTrans();

@@ -49,12 +49,9 @@ Result<std::vector<BucketRow>*> OrderedBucket(Session& session, std::uint8_t sec
 /// The texts of the rows at `places`, trimmed; one that cannot be read is empty.
 std::vector<Bytes> TextsOfRows(Session& session, const std::vector<BucketRow>& rows,
                                std::span<const std::size_t> places) {
-    std::vector<Bytes> ciphered(places.size());
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        auto cursor = session.ProgramDb->Select(
-            "SELECT fT1 FROM tt WHERE fPK=" + std::to_string(rows[places[i]].fPK) + kOwnerAccess);
-        if (cursor && cursor->Next()) ciphered[i] = Bytes(cursor->Bytes(0));
-    }
+    std::vector<Bytes> ciphered;
+    for (const std::size_t place : places)
+        ciphered.push_back(session.ProgramDb->TextOfKey(rows[place].fPK));
     std::vector<Bytes> texts(places.size());
     const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
     cry::DecipherBatch(session.cipher, views,

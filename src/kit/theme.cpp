@@ -131,11 +131,9 @@ class BmrStyle final : public QProxyStyle {
   private:
     // Fusion's outlines are shades of the window's colour: on dark grounds they drown, and black has none.
     static void DrawOutline(PrimitiveElement element, const QStyleOption& option, QPainter& painter) {
-        const bool edit = element == PE_FrameLineEdit;
+        const bool frame = element == PE_FrameLineEdit || element == PE_Frame;
         const bool contrast = IsContrast(option.palette);
-        if (!(edit && IsDark(option.palette)) &&
-            !(contrast && (element == PE_PanelButtonCommand || element == PE_Frame)))
-            return;
+        if (!(frame && IsDark(option.palette)) && !(contrast && element == PE_PanelButtonCommand)) return;
         const bool focused = option.state & State_HasFocus;
         painter.setPen(QPen(option.palette.color(focused ? QPalette::Highlight : QPalette::Mid),
                             contrast && focused ? 2 : 1));

@@ -22,6 +22,9 @@ void* operator new(std::size_t size) {
     if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size == 0 ? 1 : size);
+}
 void operator delete(void* memory) noexcept {
     if (memory != nullptr && g_watching) {
         const std::string_view block(static_cast<const char*>(memory), malloc_usable_size(memory));

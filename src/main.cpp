@@ -12,7 +12,6 @@
 #include "confidential/frmClassified.h"
 #include "crypto/systemrandom.h"
 #include "kit/clipboardguard.h"
-#include "kit/fontwarmup.h"
 #include "kit/frmPW.h"
 #include "kit/guardedapplication.h"
 #include "kit/guards.h"
@@ -113,7 +112,6 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    kit::FontWarmUp fonts;
     qInstallMessageHandler(TellFatal);
     kit::GuardedApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
@@ -127,6 +125,5 @@ int main(int argc, char** argv) {
         Print(stderr, "brindlemere: " + arguments.error + "\nTry brindlemere --help.\n");
         return 2;
     }
-    fonts.Join();
     return Run(application, arguments);
 }

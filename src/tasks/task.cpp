@@ -37,10 +37,12 @@ int FillTexts(Session& session, const Task& task, Recordset& row) {
         Append(payload, TaskField::Private, task.isPrivate, FieldTag::Boolean, random) &&
         Append(payload, TaskField::UserNumber, std::int32_t{session.user.UserNumber}, FieldTag::Byte, random);
     if (!whole) return store::EngineNumber::Failed;
-    const int error = store::SetPayload(session, row, payload);
+    const std::string_view texts[] = {payload, task.task};
+    const auto ciphered = cry::EncipherBatch(session.cipher, texts);
     cry::WipeString(payload);
-    if (error != 0) return error;
-    row.SetField("fT1", cry::FieldCipher(session.cipher, 1, task.task));
+    if (ciphered.front().empty()) return store::EngineNumber::Failed;
+    row.SetField("fEtx", ciphered.front());
+    row.SetField("fT1", ciphered.back());
     return 0;
 }
 

@@ -9,7 +9,7 @@
 #include "base/clock.h"
 #include "base/ports.h"
 #include "crypto/systemrandom.h"
-#include "store/lifecycle.h"
+#include "custody/lifecycle.h"
 #include "store/session.h"
 #include "tasks/task.h"
 
@@ -50,10 +50,10 @@ class BenchDatabase {
         path = folder_ / "bench.bmr";
         session.DatabasePath = path;
         session.DefaultPathChosen = true;
-        Check(store::NewDatabase(session));
+        Check(custody::NewDatabase(session));
     }
     ~BenchDatabase() {
-        if (session.DatabaseOpen) store::CloseDatabase(session);
+        if (session.DatabaseOpen) custody::CloseDatabase(session);
         std::filesystem::remove_all(folder_);
     }
     BenchDatabase(const BenchDatabase&) = delete;
@@ -61,12 +61,12 @@ class BenchDatabase {
 
     void Open() {
         session.DatabasePath = path;
-        Check(store::OpenDatabaseFile(session));
+        Check(custody::OpenDatabaseFile(session));
     }
-    void Close() { Check(store::CloseDatabase(session)); }
+    void Close() { Check(custody::CloseDatabase(session)); }
 
     void AddTasks(int count) {
-        store::Transaction transaction(*session.ProgramDb);
+        engine::Transaction transaction(*session.ProgramDb);
         for (int i = 0; i < count; ++i) {
             tasks::Task task;
             task.task = "Renew the library card of number " + std::to_string(i);

@@ -50,7 +50,7 @@ std::vector<notes::Memo> RandomMemos(store::Session& session, std::size_t count)
 /// than the row and its place.
 double FillOneByOne(BenchDatabase& database) {
     store::Session& session = database.session;
-    store::Transaction transaction(*session.ProgramDb);
+    engine::Transaction transaction(*session.ProgramDb);
     int rewriting = 0;
     for (int i = 0; i < kRows; ++i) {
         notes::Memo memo = RandomMemo(session);

@@ -2,12 +2,12 @@
 
 #include "base/languageus.h"
 #include "commands.h"
+#include "custody/keyrecords.h"
+#include "custody/lifecycle.h"
 #include "recordjson.h"
 #include "recordkinds.h"
 #include "sitting.h"
 #include "store/indices.h"
-#include "store/keyrecords.h"
-#include "store/lifecycle.h"
 #include "store/record_get.h"
 
 namespace bmr::tools {
@@ -22,7 +22,7 @@ void RunPasswd(const Options& options) {
     Sitting sitting(options.passphraseFd);
     sitting.prompter().KeepCurrent();
     sitting.Open(options.file);
-    if (store::ChangePassphrase(sitting.session()) != store::PassphraseChange::Changed) {
+    if (custody::ChangePassphrase(sitting.session()) != custody::PassphraseChange::Changed) {
         const std::string& problem = sitting.prompter().Problem();
         throw Failure(problem.empty() ? Msg(124) : problem + " " + Msg(124));
     }
@@ -33,7 +33,7 @@ void RunCompact(const Options& options) {
     Sitting sitting(options.passphraseFd);
     sitting.prompter().KeepCurrent();
     sitting.Open(options.file);
-    sitting.Check(store::RepairAndCompact(sitting.session()));
+    sitting.Check(custody::RepairAndCompact(sitting.session()));
     sitting.Close();
 }
 
@@ -94,7 +94,7 @@ void RunInfo(const Options& options) {
     Json info;
     info["file"] = options.file.string();
     info["bytes"] = std::filesystem::file_size(options.file);
-    info["version"] = store::ReadDatabaseVersion(session);
+    info["version"] = custody::ReadDatabaseVersion(session);
     info["user"] = ToUtf8(session.user.UserName);
     info["showPrivate"] = session.ShowPrivate;
     info["records"] = CountRows(session);

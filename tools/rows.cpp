@@ -11,7 +11,7 @@ namespace {
 /// Enough rows for the batch cipher to group them, few enough to hold them.
 constexpr std::size_t kChunk = 8192;
 
-Row RowAt(const store::Cursor& cursor) {
+Row RowAt(const engine::Cursor& cursor) {
     Row row;
     row.fPK = cursor.Int(0);
     row.fSec = cursor.Int(1);

@@ -46,7 +46,7 @@ void Fill(bmr::tools::Sitting& sitting, const Options& options) {
         today = *day;
     }
     bmr::tools::SampleContext context{sitting.session(), random, today};
-    bmr::store::Transaction transaction(*sitting.session().ProgramDb);
+    bmr::engine::Transaction transaction(*sitting.session().ProgramDb);
     sitting.Check(transaction.error());
     const auto count = static_cast<std::int32_t>(sections.size());
     for (std::int32_t i = 0; i < count; ++i) {

@@ -1,8 +1,8 @@
 #include "sitting.h"
 
 #include "base/languageus.h"
-#include "store/keyrecords.h"
-#include "store/lifecycle.h"
+#include "custody/keyrecords.h"
+#include "custody/lifecycle.h"
 
 namespace bmr::tools {
 namespace {
@@ -27,18 +27,18 @@ void Sitting::Create(const std::filesystem::path& path) {
         throw Failure(path.string() + " exists already.");
     session_.DatabasePath = path;
     session_.DefaultPathChosen = true;  // the name is known: no dialog
-    Check(store::NewDatabase(session_));
+    Check(custody::NewDatabase(session_));
 }
 
 void Sitting::Open(const std::filesystem::path& path) {
     session_.DatabasePath = path;
-    const int unusable = store::TestOpen(session_, path);
+    const int unusable = custody::TestOpen(session_, path);
     if (unusable != 0) {
         const std::string told = prompter_.LastBox().text;
-        throw Failure(path.string() + ": " + (told.empty() ? store::ExplainOpenFailure(unusable) : told));
+        throw Failure(path.string() + ": " + (told.empty() ? custody::ExplainOpenFailure(unusable) : told));
     }
     session_.DatabasePath = path;
-    const int error = store::OpenDatabaseFile(session_);
+    const int error = custody::OpenDatabaseFile(session_);
     const int told = prompter_.LastBox().number;
     // Nothing shorter than 8 characters ever became a passphrase.
     if (error != 0 && (told == kWrongPassphrase || told == kTooShort))
@@ -47,15 +47,15 @@ void Sitting::Open(const std::filesystem::path& path) {
 }
 
 void Sitting::Close() {
-    Check(store::CloseDatabase(session_));
+    Check(custody::CloseDatabase(session_));
 }
 
 void Sitting::Check(int error) {
     if (error == 0) return;
     if (!prompter_.Problem().empty()) throw Failure(prompter_.Problem());
     if (!prompter_.LastBox().text.empty()) throw Failure(prompter_.LastBox().text);
-    if (error < 0 && error != store::kQuitProgram && !Msg(-error).empty()) throw Failure(Msg(-error));
-    throw Failure(store::ExplainOpenFailure(error));
+    if (error < 0 && error != custody::kQuitProgram && !Msg(-error).empty()) throw Failure(Msg(-error));
+    throw Failure(custody::ExplainOpenFailure(error));
 }
 
 }  // namespace bmr::tools

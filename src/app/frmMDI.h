@@ -122,8 +122,8 @@ class frmMDI final : public QMainWindow {
     /// Takes what stands half-written, while the dialogs that hold it are still there.
     void CollectDrafts();
     void OfferDrafts();
-    void OfferDraft(store::Draft& draft);
-    void ContinueDraft(const store::Draft& draft);
+    void OfferDraft(custody::Draft& draft);
+    void ContinueDraft(const custody::Draft& draft);
     /// Forgets the draft that is being continued.
     void ForgetDraft();
     std::vector<std::uint8_t> AvailableSections() const;
@@ -164,9 +164,9 @@ class frmMDI final : public QMainWindow {
     bool shown_ = false;
     bool quitting_ = false;
     int flows_ = 0;
-    bool opened_ = false;               ///< a database was opened whose drafts were not offered yet
-    std::vector<store::Draft> drafts_;  ///< collected for the end
-    std::int32_t continuing_ = 0;       ///< id of the draft that is worked on
+    bool opened_ = false;                 ///< a database was opened whose drafts were not offered yet
+    std::vector<custody::Draft> drafts_;  ///< collected for the end
+    std::int32_t continuing_ = 0;         ///< id of the draft that is worked on
 };
 
 }  // namespace bmr::app

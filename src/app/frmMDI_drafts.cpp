@@ -19,28 +19,28 @@ void frmMDI::CollectDrafts() {
 
 void frmMDI::OfferDrafts() {
     if (!session_.DatabaseOpen) return;
-    for (store::Draft& draft : store::LoadDrafts(session_)) {
+    for (custody::Draft& draft : custody::LoadDrafts(session_)) {
         if (!parts_.sections.contains(draft.section)) continue;
         OfferDraft(draft);
         if (session_.ending || !session_.DatabaseOpen) return;
     }
 }
 
-void frmMDI::OfferDraft(store::Draft& draft) {
-    const store::DraftBase base = store::BaseOf(session_, draft);
+void frmMDI::OfferDraft(custody::Draft& draft) {
+    const custody::DraftBase base = custody::BaseOf(session_, draft);
     const Answer answer = session_.ports.prompter.Ask(shell::DraftOffer(
         session_, draft, base, SectionName(draft.section).toStdString(), kit::FactsOf(QLocale())));
     if (session_.ending) return;
     continuing_ = draft.id;
     if (answer == Answer::No) ForgetDraft();
     if (answer == Answer::Yes) {
-        if (base == store::DraftBase::Gone) draft.key = store::kNewRecord;
+        if (base == custody::DraftBase::Gone) draft.key = store::kNewRecord;
         ContinueDraft(draft);
     }
     continuing_ = 0;
 }
 
-void frmMDI::ContinueDraft(const store::Draft& draft) {
+void frmMDI::ContinueDraft(const custody::Draft& draft) {
     if (session_.SectionCode != draft.section) optSection_Click(draft.section);
     if (!form_ || session_.SectionCode != draft.section) return;  // no PIN: it stays for later
     if (draft.isPrivate && !session_.ShowPrivate) mnuViewShowPrivate_Switch();
@@ -50,7 +50,7 @@ void frmMDI::ContinueDraft(const store::Draft& draft) {
 
 void frmMDI::ForgetDraft() {
     if (continuing_ == 0) return;
-    kit::TellFailure(session_, store::DropDraft(session_, std::exchange(continuing_, 0)),
+    kit::TellFailure(session_, custody::DropDraft(session_, std::exchange(continuing_, 0)),
                      tr("The draft could not be removed and will be offered again."));
 }
 

@@ -17,10 +17,10 @@
 #include "app/helpwindow.h"
 #include "app/sectioncolumn.h"
 #include "app/start.h"
+#include "custody/keyrecords.h"
+#include "custody/lifecycle.h"
 #include "kit/icons.h"
 #include "shell/navigator.h"
-#include "store/keyrecords.h"
-#include "store/lifecycle.h"
 
 namespace bmr::app {
 
@@ -30,14 +30,14 @@ using shell::StartOutcome;
 
 StartOutcome OutcomeOf(int error) {
     if (error == 0) return StartOutcome::Open;
-    return error == store::kQuitProgram ? StartOutcome::Quit : StartOutcome::ShowMenuDB;
+    return error == custody::kQuitProgram ? StartOutcome::Quit : StartOutcome::ShowMenuDB;
 }
 
 /// The file that the person named at the start.
 StartOutcome OpenNamed(store::Session& session, const std::filesystem::path& file) {
-    const int unusable = store::TestOpen(session, file);
-    if (unusable == 0) return OutcomeOf(store::OpenDatabaseFile(session));
-    if (unusable > 0) store::TellFailure(session, unusable);
+    const int unusable = custody::TestOpen(session, file);
+    if (unusable == 0) return OutcomeOf(custody::OpenDatabaseFile(session));
+    if (unusable > 0) custody::TellFailure(session, unusable);
     return StartOutcome::ShowMenuDB;
 }
 
@@ -244,7 +244,7 @@ void frmMDI::PrivateSwitched() {
 void frmMDI::CloseDatabase() {
     if (session_.DatabaseOpen) {
         CloseForm();
-        std::ignore = store::CloseDatabase(session_);  // it tells what it could not write
+        std::ignore = custody::CloseDatabase(session_);  // it tells what it could not write
         emit DatabaseClosed();
     }
     ShowWithoutDatabase();
@@ -260,7 +260,7 @@ void frmMDI::mnuFileNew_Click() {
     RunFlow([this] {
         CloseDatabase();
         splash_->ShowOpening();
-        Settle(OutcomeOf(store::NewDatabase(session_)));
+        Settle(OutcomeOf(custody::NewDatabase(session_)));
     });
 }
 
@@ -268,9 +268,9 @@ void frmMDI::mnuFileOpen_Click() {
     if (flows_ > 0) return;
     RunFlow([this] {
         CloseDatabase();
-        if (store::OpenFileDialog(session_) != 0) return;
+        if (custody::OpenFileDialog(session_) != 0) return;
         splash_->ShowOpening();
-        const StartOutcome outcome = OutcomeOf(store::OpenDatabaseFile(session_));
+        const StartOutcome outcome = OutcomeOf(custody::OpenDatabaseFile(session_));
         Settle(outcome == StartOutcome::ShowMenuDB ? StartOutcome::Empty : outcome);
     });
 }
@@ -278,8 +278,8 @@ void frmMDI::mnuFileOpen_Click() {
 void frmMDI::mnuToolsPassphrase_Click() {
     if (flows_ > 0 || !session_.DatabaseOpen) return;
     RunFlow([this] {
-        const auto change = store::ChangePassphrase(session_);
-        if (session_.ending || change != store::PassphraseChange::Changed) return;
+        const auto change = custody::ChangePassphrase(session_);
+        if (session_.ending || change != custody::PassphraseChange::Changed) return;
         ShowLocks();  // no section asks for the new PIN yet
         ShowComment(tr("Passphrase changed"));
         QTimer::singleShot(6000, comment_, [this] { ShowComment({}); });
@@ -292,8 +292,8 @@ void frmMDI::mnuDbRepair_Click() {
         CloseForm();
         HideShow(false);
         splash_->ShowOpening();
-        const int error = store::RepairAndCompact(session_);
-        if (error == store::kQuitProgram)
+        const int error = custody::RepairAndCompact(session_);
+        if (error == custody::kQuitProgram)
             QuitProgram();
         else if (session_.DatabaseOpen)
             Opened();
@@ -339,9 +339,9 @@ void frmMDI::QuitProgram() {
 void frmMDI::CloseAll() {
     if (!session_.DatabaseOpen) return;
     // Nobody can be asked any more: what a failed write loses, a draft or the settings, is lost.
-    std::ignore = store::StoreDrafts(session_, std::exchange(drafts_, {}));
+    std::ignore = custody::StoreDrafts(session_, std::exchange(drafts_, {}));
     CloseForm();
-    std::ignore = store::CloseDatabase(session_);
+    std::ignore = custody::CloseDatabase(session_);
     emit DatabaseClosed();
 }
 

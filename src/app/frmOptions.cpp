@@ -17,12 +17,12 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "custody/keyrecords.h"
 #include "kit/failure.h"
 #include "kit/guards.h"
 #include "kit/secretedit.h"
 #include "kit/stepedit.h"
 #include "kit/theme.h"
-#include "store/keyrecords.h"
 #include "store/session.h"
 
 namespace bmr::app {
@@ -260,10 +260,10 @@ void frmOptions::cmdPINhide_Click() {
 }
 
 void frmOptions::cmdPWchange_Click() {
-    const auto change = store::ChangePassphrase(session_);
+    const auto change = custody::ChangePassphrase(session_);
     if (session_.ending || !session_.DatabaseOpen) return;
-    if (change == store::PassphraseChange::Unverified) session_.ports.prompter.Ask(MessageBox(124));
-    if (change != store::PassphraseChange::Changed) return;
+    if (change == custody::PassphraseChange::Unverified) session_.ports.prompter.Ask(MessageBox(124));
+    if (change != custody::PassphraseChange::Changed) return;
     ShowPin();
     lblPWchanged->setText(tr("Changed. The PIN is the default one again, and no section asks for it."));
     lblPWchanged->show();
@@ -283,7 +283,7 @@ void frmOptions::cmdOK_Click() {
     if (!faults.empty()) return;
     const int error = shell::StorePreferences(session_, chosen);
     if (session_.ending) return;
-    fatal = error == store::kQuitProgram;
+    fatal = error == custody::kQuitProgram;
     if (error == 0) return accept();
     if (fatal) return reject();
     kit::TellFailure(session_, error, tr("The preferences were not stored."));

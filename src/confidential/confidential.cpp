@@ -10,8 +10,8 @@
 namespace bmr::confidential {
 namespace {
 
+using engine::Recordset;
 using store::FieldTag;
-using store::Recordset;
 using store::Section;
 using store::Session;
 

@@ -194,13 +194,13 @@ void frmClassified::cmdEdit_Click() {
     if (record) EditRecord(std::move(*record));
 }
 
-std::vector<store::Draft> frmClassified::Drafts() const {
-    std::vector<store::Draft> drafts;
+std::vector<custody::Draft> frmClassified::Drafts() const {
+    std::vector<custody::Draft> drafts;
     if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) drafts.push_back(std::move(*draft));
     return drafts;
 }
 
-void frmClassified::OpenDraft(const store::Draft& draft) {
+void frmClassified::OpenDraft(const custody::Draft& draft) {
     auto record = FetchRecord(session_, draft.key);
     if (record) {
         SelectRecord(draft.key);
@@ -214,7 +214,7 @@ void frmClassified::OpenDraft(const store::Draft& draft) {
     EditRecord(std::move(*record), &draft);
 }
 
-void frmClassified::EditRecord(Record record, const store::Draft* draft) {
+void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     if (ConfidentialKindFields(record.kind) == nullptr) return WipeRecord(record);
     if (!record.readable && !kit::AskToOverwrite(session_, tr("record"))) return WipeRecord(record);
     const std::int32_t keyBefore = record.key;

@@ -47,8 +47,8 @@ class frmClassified final : public SectionForm {
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
     bool Editing() const override { return editing_; }
-    std::vector<store::Draft> Drafts() const override;
-    void OpenDraft(const store::Draft& draft) override;
+    std::vector<custody::Draft> Drafts() const override;
+    void OpenDraft(const custody::Draft& draft) override;
 
     void cat_Click(int Index);
     void cmdAdd_Click();
@@ -85,7 +85,7 @@ class frmClassified final : public SectionForm {
     bool KindKey(QAbstractButton& kind, int key);
     void ShowNothing();
     /// With a draft the editor comes up filled with it.
-    void EditRecord(Record record, const store::Draft* draft = nullptr);
+    void EditRecord(Record record, const custody::Draft* draft = nullptr);
     void CopyField(std::size_t i);
     void OpenField(std::size_t i);
     kit::FieldUse UseOf(std::size_t i) const;

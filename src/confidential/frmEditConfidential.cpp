@@ -193,9 +193,9 @@ Record frmEditConfidential::Value() const {
     return record;
 }
 
-std::optional<store::Draft> frmEditConfidential::HalfWritten() const {
+std::optional<custody::Draft> frmEditConfidential::HalfWritten() const {
     if (!changed) return std::nullopt;
-    std::optional<store::Draft> draft(std::in_place);
+    std::optional<custody::Draft> draft(std::in_place);
     draft->section = store::Section::Confidential;
     draft->key = record_.key;
     draft->category = record_.kind;
@@ -210,7 +210,7 @@ std::optional<store::Draft> frmEditConfidential::HalfWritten() const {
     return draft;
 }
 
-void frmEditConfidential::Fill(const store::Draft& draft) {
+void frmEditConfidential::Fill(const custody::Draft& draft) {
     for (std::size_t i = 0; i < txtCtl.size(); ++i) {
         const QString text = kit::TextOf(draft, static_cast<std::uint8_t>(kValue + i));
         if (Field(i) == tmpTxt)

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "confidential/confidential.h"
-#include "store/drafts.h"
+#include "custody/drafts.h"
 
 class QCheckBox;
 class QLabel;
@@ -29,9 +29,9 @@ class frmEditConfidential final : public QDialog {
     Record Value() const;
 
     /// What the controls hold; nothing when nothing was changed.
-    std::optional<store::Draft> HalfWritten() const;
+    std::optional<custody::Draft> HalfWritten() const;
     /// Puts a draft of the same kind into the controls, as if it had been typed.
-    void Fill(const store::Draft& draft);
+    void Fill(const custody::Draft& draft);
 
     /// Takes the place of the pad on the screen.
     void Cover(const QWidget& pad);

@@ -14,20 +14,20 @@ Secret ToSecret(const QString& text) {
 
 }  // namespace
 
-void PutText(store::Draft& draft, std::uint8_t number, const QString& text) {
+void PutText(custody::Draft& draft, std::uint8_t number, const QString& text) {
     draft.texts.push_back({number, ToSecret(text)});
 }
 
-QString TextOf(const store::Draft& draft, std::uint8_t number) {
+QString TextOf(const custody::Draft& draft, std::uint8_t number) {
     const std::string_view text = draft.Text(number);
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-void PutFlag(store::Draft& draft, std::uint8_t number, bool on) {
+void PutFlag(custody::Draft& draft, std::uint8_t number, bool on) {
     draft.Put(number, on ? "1" : "");
 }
 
-bool FlagOf(const store::Draft& draft, std::uint8_t number) {
+bool FlagOf(const custody::Draft& draft, std::uint8_t number) {
     return !draft.Text(number).empty();
 }
 
@@ -36,7 +36,7 @@ void ContinueAtEnd(QLineEdit& edit) {
         &edit, [&edit] { edit.end(false); }, Qt::QueuedConnection);
 }
 
-void SetTitle(store::Draft& draft, const QString& text) {
+void SetTitle(custody::Draft& draft, const QString& text) {
     draft.title = ToSecret(text);
 }
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "store/drafts.h"
+#include "custody/drafts.h"
 
 namespace bmr {
 
@@ -42,11 +42,11 @@ class SectionForm : public QWidget {
 
     /// What the open editor holds that is not stored, and behind it what else was begun. Asked for when the
     /// program ends and nobody can be: shows nothing and changes nothing.
-    virtual std::vector<store::Draft> Drafts() const { return {}; }
+    virtual std::vector<custody::Draft> Drafts() const { return {}; }
 
     /// Opens the editor filled with a draft of this section, whose record stands if it has a key. Returns
     /// when the editor has closed.
-    virtual void OpenDraft(const store::Draft&) {}
+    virtual void OpenDraft(const custody::Draft&) {}
 
   signals:
     /// An editor has closed, and its record was stored or the user has discarded it: a draft that it was

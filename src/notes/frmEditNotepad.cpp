@@ -112,9 +112,9 @@ Memo frmEditNotepad::Value() const {
     return memo;
 }
 
-std::optional<store::Draft> frmEditNotepad::HalfWritten() const {
+std::optional<custody::Draft> frmEditNotepad::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
-    std::optional<store::Draft> draft(std::in_place);
+    std::optional<custody::Draft> draft(std::in_place);
     draft->section = store::Section::Memo;
     draft->key = memo_.key;
     draft->category = cboCategory->Number();
@@ -126,7 +126,7 @@ std::optional<store::Draft> frmEditNotepad::HalfWritten() const {
     return draft;
 }
 
-void frmEditNotepad::Fill(const store::Draft& draft) {
+void frmEditNotepad::Fill(const custody::Draft& draft) {
     cboCategory->Fill(draft.category);
     ctlSubject->setText(kit::TextOf(draft, kSubject));
     kit::ContinueAtEnd(*ctlSubject);

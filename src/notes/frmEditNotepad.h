@@ -3,8 +3,8 @@
 #include <QDialog>
 #include <optional>
 
+#include "custody/drafts.h"
 #include "notes/memo.h"
-#include "store/drafts.h"
 
 class QCheckBox;
 class QLabel;
@@ -31,9 +31,9 @@ class frmEditNotepad final : public QDialog {
     Memo Value() const;
 
     /// What the controls hold; nothing when nothing was changed.
-    std::optional<store::Draft> HalfWritten() const;
+    std::optional<custody::Draft> HalfWritten() const;
     /// Puts a draft into the controls, as if it had been typed.
-    void Fill(const store::Draft& draft);
+    void Fill(const custody::Draft& draft);
 
     void reject() override;
 

@@ -163,19 +163,19 @@ void frmNotepad::cmdEdit_Click() {
     EditRecord(std::move(*memo));
 }
 
-std::vector<store::Draft> frmNotepad::Drafts() const {
-    std::vector<store::Draft> drafts;
+std::vector<custody::Draft> frmNotepad::Drafts() const {
+    std::vector<custody::Draft> drafts;
     if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) drafts.push_back(std::move(*draft));
     return drafts;
 }
 
-void frmNotepad::OpenDraft(const store::Draft& draft) {
+void frmNotepad::OpenDraft(const custody::Draft& draft) {
     auto memo = FetchMemo(session_, draft.key);
     if (memo) SelectRecord(draft.key);
     EditRecord(memo ? std::move(*memo) : ClearMemo(session_, draft.category), &draft);
 }
 
-void frmNotepad::EditRecord(Memo memo, const store::Draft* draft) {
+void frmNotepad::EditRecord(Memo memo, const custody::Draft* draft) {
     if (!memo.readable && !kit::AskToOverwrite(session_, tr("memo"))) return;
     const bool isNew = memo.key == store::kNewRecord;
     bool stored = false;

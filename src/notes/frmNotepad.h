@@ -38,8 +38,8 @@ class frmNotepad final : public SectionForm {
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
     bool Editing() const override;
-    std::vector<store::Draft> Drafts() const override;
-    void OpenDraft(const store::Draft& draft) override;
+    std::vector<custody::Draft> Drafts() const override;
+    void OpenDraft(const custody::Draft& draft) override;
 
     // The operations that the menus call.
     void cmdAdd_Click();
@@ -64,7 +64,7 @@ class frmNotepad final : public SectionForm {
     void ShowEmptyState();
     void TellStatus();
     /// With a draft the editor comes up filled with it.
-    void EditRecord(Memo memo, const store::Draft* draft = nullptr);
+    void EditRecord(Memo memo, const custody::Draft* draft = nullptr);
     bool Store(Memo& memo);
 
     store::Session& session_;

@@ -13,8 +13,8 @@
 namespace bmr::notes {
 namespace {
 
+using engine::Recordset;
 using store::FieldTag;
-using store::Recordset;
 using store::Section;
 using store::Session;
 
@@ -41,7 +41,7 @@ int FillMemoRow(Session& session, Recordset& row, Memo& memo, bool renamed) {
     const std::string_view texts[] = {payload, memo.subject};
     const auto ciphered = cry::EncipherBatch(session.cipher, std::span(texts).first(renamed ? 2 : 1));
     cry::WipeString(payload);
-    if (ciphered.front().empty()) return store::EngineNumber::Failed;
+    if (ciphered.front().empty()) return engine::EngineNumber::Failed;
     row.SetField("fEtx", ciphered.front());
     row.SetField("fG1", memo.category);
     if (renamed) {

@@ -32,7 +32,7 @@ enum class MemoField : std::uint8_t { UserNumber, Private, DateCreated, DateLast
 Memo ClearMemo(store::Session& session, std::int32_t category);
 
 /// The memo of a row, or as much of it as decodes; without a flag it counts as private.
-Memo ReadMemo(store::Session& session, const store::Recordset& row);
+Memo ReadMemo(store::Session& session, const engine::Recordset& row);
 
 /// The memo of a key; nothing when it is gone or belongs to another section.
 std::optional<Memo> FetchMemo(store::Session& session, std::int32_t key);

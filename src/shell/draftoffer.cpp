@@ -46,7 +46,7 @@ std::string FirstWords(std::string_view text, std::size_t most) {
     return line;
 }
 
-Box DraftOffer(const store::Session& session, const store::Draft& draft, store::DraftBase base,
+Box DraftOffer(const store::Session& session, const custody::Draft& draft, custody::DraftBase base,
                const std::string& section, const LocaleFacts& facts) {
     Box box;
     box.title = "Unfinished writing";
@@ -64,9 +64,9 @@ Box DraftOffer(const store::Session& session, const store::Draft& draft, store::
                         ? "\n\nIt is private."
                         : "\n\nIt is private, and private records are hidden: to continue, the passphrase is "
                           "asked for.";
-    if (base == store::DraftBase::Changed)
+    if (base == custody::DraftBase::Changed)
         box.text += "\n\nThe record was changed since then. Saving this would replace that change.";
-    if (base == store::DraftBase::Gone)
+    if (base == custody::DraftBase::Gone)
         box.text += "\n\nThe record was deleted since then. Saving this would make a new one.";
     if (draft.cut) box.text += "\n\nIt was too long to be kept whole: the end of it is missing.";
     return box;

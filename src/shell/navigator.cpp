@@ -2,8 +2,8 @@
 
 #include "base/languageus.h"
 #include "base/ports.h"
+#include "custody/users.h"
 #include "store/session.h"
-#include "store/users.h"
 
 namespace bmr::shell {
 
@@ -18,7 +18,7 @@ constexpr std::uint8_t kLastSectionUsed = 2;
 /// The PIN rule. True lets the person in.
 bool PassPin(store::Session& session, std::uint8_t section) {
     if (!NeedsPin(session, section)) return true;
-    if (store::PinPrompt(session) != store::PinAnswer::Right) return false;
+    if (custody::PinPrompt(session) != custody::PinAnswer::Right) return false;
     if (!session.pin.PINeveryaccess) session.PinPassed |= static_cast<std::int32_t>(SectionBit(section));
     return true;
 }
@@ -66,7 +66,7 @@ std::uint8_t StartSectionOf(const store::Session& session, SectionSet available)
 bool mnuViewShowPrivate_Switch(store::Session& session) {
     if (session.ShowPrivate)
         session.ShowPrivate = false;
-    else if (!store::VerifyUser(session, Msg(159)))
+    else if (!custody::VerifyUser(session, Msg(159)))
         return false;
     else
         session.ShowPrivate = true;

@@ -5,11 +5,11 @@
 #include <cstdio>
 
 #include "base/bytes.h"
+#include "custody/users.h"
 #include "shell/timeout.h"
 #include "store/record_put.h"
 #include "store/session.h"
 #include "store/startvariables.h"
-#include "store/users.h"
 
 namespace bmr::shell {
 namespace {
@@ -104,7 +104,7 @@ void TakeOptions(Session& session, const Preferences& chosen) {
 }
 
 int StoreAll(Session& session, const Preferences& chosen, bool newLabels) {
-    store::Transaction all(*session.ProgramDb);
+    engine::Transaction all(*session.ProgramDb);
     if (all.error() != 0) return all.error();
     if (const int error = store::WriteSettings(session)) return error;
     if (newLabels)
@@ -113,7 +113,7 @@ int StoreAll(Session& session, const Preferences& chosen, bool newLabels) {
     const bool samePin = chosen.Pin.view() == session.pin.Pin.view();
     const std::uint8_t kind = samePin ? session.pin.PinKind : kOwnPin;
     if (const int error =
-            store::WritePin(session, kind, chosen.Pin.view(), chosen.PinApp, chosen.PINeveryaccess))
+            custody::WritePin(session, kind, chosen.Pin.view(), chosen.PinApp, chosen.PINeveryaccess))
         return error;
     return all.Commit();
 }

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "base/ports.h"
-#include "store/keyrecords.h"
-#include "store/lifecycle.h"
+#include "custody/keyrecords.h"
+#include "custody/lifecycle.h"
 #include "store/session.h"
 
 namespace bmr::shell {
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 StartOutcome OutcomeOf(int error) {
     if (error == 0) return StartOutcome::Open;
-    return error == store::kQuitProgram ? StartOutcome::Quit : StartOutcome::ShowMenuDB;
+    return error == custody::kQuitProgram ? StartOutcome::Quit : StartOutcome::ShowMenuDB;
 }
 
 void ShowUnsuccessful(store::Session& session) {
@@ -27,12 +27,12 @@ StartOutcome MakeDefaultFile(store::Session& session, const Environment& environ
     std::error_code error;
     fs::create_directories(DefaultFolder(environment), error);
     if (error) {
-        store::TellFailure(session, store::EngineNumber::NoPermission);
+        custody::TellFailure(session, engine::EngineNumber::NoPermission);
         return StartOutcome::ShowMenuDB;
     }
     session.DatabasePath = DefaultFile(environment);
     session.DefaultPathChosen = true;
-    return OutcomeOf(store::NewDatabase(session));
+    return OutcomeOf(custody::NewDatabase(session));
 }
 
 }  // namespace
@@ -48,8 +48,8 @@ fs::path DefaultFile(const Environment& environment) {
 StartOutcome Start(store::Session& session, const Environment& environment) {
     const std::string recent = session.ports.registry.Read("MostRecentFiles/1");
     const fs::path path(std::u8string(recent.begin(), recent.end()));
-    const int unusable = store::TestOpen(session, path);
-    if (unusable == 0) return OutcomeOf(store::OpenDatabaseFile(session));
+    const int unusable = custody::TestOpen(session, path);
+    if (unusable == 0) return OutcomeOf(custody::OpenDatabaseFile(session));
 
     std::error_code ignored;  // a folder that cannot be looked at is none of ours
     if (recent.empty() && !fs::exists(DefaultFolder(environment), ignored)) {
@@ -61,20 +61,21 @@ StartOutcome Start(store::Session& session, const Environment& environment) {
         return answer == Answer::No ? MakeDefaultFile(session, environment) : StartOutcome::ShowMenuDB;
     }
     // A file that has gone is no news worth a box, and a damaged one was told; any other cause is.
-    if (unusable > 0 && unusable != store::EngineNumber::NotFound && unusable != store::EngineNumber::Damaged)
-        store::TellFailure(session, unusable);
+    if (unusable > 0 && unusable != engine::EngineNumber::NotFound &&
+        unusable != engine::EngineNumber::Damaged)
+        custody::TellFailure(session, unusable);
     return StartOutcome::ShowMenuDB;
 }
 
 StartOutcome MenuNewDB(store::Session& session) {
-    return OutcomeOf(store::NewDatabase(session));
+    return OutcomeOf(custody::NewDatabase(session));
 }
 
 StartOutcome MenuOldDB(store::Session& session) {
-    if (store::OpenFileDialog(session) != 0) return StartOutcome::ShowMenuDB;
-    const int error = store::OpenDatabaseFile(session);
+    if (custody::OpenFileDialog(session) != 0) return StartOutcome::ShowMenuDB;
+    const int error = custody::OpenDatabaseFile(session);
     if (error == 0) return StartOutcome::Open;
-    if (error != store::kQuitProgram) ShowUnsuccessful(session);
+    if (error != custody::kQuitProgram) ShowUnsuccessful(session);
     return StartOutcome::Quit;
 }
 

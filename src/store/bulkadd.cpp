@@ -46,15 +46,15 @@ int Positions(Session& session, std::uint8_t section, const BulkRecords& records
 int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records,
               std::vector<std::int32_t>& keys) {
     // Without keys the cipher gives nothing, and nothing is no record.
-    if (session.cipher.Keystring.empty()) return EngineNumber::Failed;
+    if (session.cipher.Keystring.empty()) return engine::EngineNumber::Failed;
     RandomSource& random = session.ports.random;
-    Transaction transaction(*session.ProgramDb);
+    engine::Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return transaction.error();
     std::vector<std::int32_t> positions;
     if (const int error = Positions(session, section, records, positions); error != 0) return error;
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
-    Recordset& row = **table;
+    engine::Recordset& row = **table;
     keys.assign(records.count, 0);
     std::vector<Bytes> ciphered;
     for (std::size_t i = 0; i < records.count; ++i) {

@@ -86,7 +86,7 @@ int StoreCategories(Session& session, const CategoryList& list, std::uint8_t sec
         const bool whole = AppendField(payload, number, entry.text, FieldTag::Text, session.ports.random) &&
                            AppendField(payload, static_cast<std::uint8_t>(number + 1), entry.number,
                                        FieldTag::Int16, session.ports.random);
-        if (!whole) return EngineNumber::Failed;
+        if (!whole) return engine::EngineNumber::Failed;
         number = static_cast<std::uint8_t>(number + 2);
     }
     return StoreSinglePayload(session, kListClass, section, payload);

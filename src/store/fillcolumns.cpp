@@ -1,10 +1,10 @@
 #include "crypto/cry.h"
-#include "store/db.h"
+#include "engine/db.h"
 #include "store/record_put.h"
 
 namespace bmr::store {
 
-void FillColumns(Recordset& row, const NoiseColumns& columns, RandomSource& random) {
+void FillColumns(engine::Recordset& row, const NoiseColumns& columns, RandomSource& random) {
     const auto text = [&](bool wanted, const char* name) {
         if (wanted) row.SetField(name, cry::RandomBlocks(random, DrawBelow(random, 3) + 1));
     };

@@ -9,8 +9,8 @@
 
 #include "crypto/conversion.h"
 #include "crypto/cry.h"
+#include "engine/db.h"
 #include "store/bucketsearch.h"
-#include "store/db.h"
 #include "store/section_store.h"
 
 namespace bmr::store {
@@ -22,7 +22,8 @@ std::string BucketStatement(std::uint8_t section, const SpreadRange& bounds, con
            kOwnerAccess;
 }
 
-Result<std::vector<BucketRow>> ReadBucket(Database& db, std::uint8_t section, const SpreadRange& bounds) {
+Result<std::vector<BucketRow>> ReadBucket(engine::Database& db, std::uint8_t section,
+                                          const SpreadRange& bounds) {
     auto cursor = db.Select(BucketStatement(section, bounds, "fPK, fR1"));
     if (!cursor) return cursor.error();
     std::vector<BucketRow> rows;
@@ -59,7 +60,7 @@ std::vector<Bytes> TextsOfRows(Session& session, const std::vector<BucketRow>& r
     return texts;
 }
 
-int WritePosition(Recordset& table, std::int32_t fPK, std::int32_t position, bool mark) {
+int WritePosition(engine::Recordset& table, std::int32_t fPK, std::int32_t position, bool mark) {
     table.FindFirst("fPK=" + std::to_string(fPK));
     if (table.NoMatch()) return -31;
     table.Edit();

@@ -7,9 +7,11 @@
 #include "base/random.h"
 #include "base/value.h"
 
-namespace bmr::store {
-
+namespace bmr::engine {
 class Recordset;
+}
+
+namespace bmr::store {
 
 /// Stored in every payload. Never renumber: files in the field carry these.
 enum class FieldTag : std::uint8_t {
@@ -50,6 +52,6 @@ struct NoiseColumns {
 
 /// Fills the flagged columns of a row in AddNew or Edit: texts with 8, 16 or 24 random bytes, numbers with 0
 /// to 2147483647. fR5 and the booleans are never filled.
-void FillColumns(Recordset& row, const NoiseColumns& columns, RandomSource& random);
+void FillColumns(engine::Recordset& row, const NoiseColumns& columns, RandomSource& random);
 
 }  // namespace bmr::store

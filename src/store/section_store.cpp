@@ -7,7 +7,7 @@ namespace bmr::store {
 namespace {
 
 /// Change marks of a row: 1 when it was added, 2 when it was edited. Null counts as none.
-void MarkChange(Recordset& row, bool added) {
+void MarkChange(engine::Recordset& row, bool added) {
     row.SetField("AE", added ? 1 : NumberOf(row.Field("AE")) | 2);
 }
 
@@ -21,7 +21,7 @@ std::string SingleRow(std::uint8_t fSec, std::uint8_t fSub) {
 }  // namespace
 
 StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
-                      const std::function<int(Recordset& row, bool added)>& fill,
+                      const std::function<int(engine::Recordset& row, bool added)>& fill,
                       const std::function<int(std::int32_t fPK, bool added)>& after) {
     StoreOutcome outcome;
     const auto fail = [&outcome, &session](int error) {
@@ -29,11 +29,11 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
         outcome = {.error = error};
         return outcome;
     };
-    Transaction transaction(*session.ProgramDb);
+    engine::Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return fail(transaction.error());
     auto opened = session.ProgramDb->OpenRecordset("tt");
     if (!opened) return fail(opened.error().number);
-    Recordset& row = **opened;
+    engine::Recordset& row = **opened;
     const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
 
     outcome.added = true;
@@ -60,10 +60,10 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
     return outcome;
 }
 
-std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key) {
+std::unique_ptr<engine::Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key) {
     if (!session.ProgramDb) return nullptr;
     auto row = session.ProgramDb->OpenRecordset(
-        "SELECT * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess, RecordsetType::Snapshot);
+        "SELECT * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess, engine::RecordsetType::Snapshot);
     if (!row || (*row)->Eof() || NumberOf((*row)->Field("fSec")) != section) return nullptr;
     return std::move(*row);
 }
@@ -83,15 +83,15 @@ int DeleteRows(Session& session, std::uint8_t section, const std::string& clause
                                       kOwnerAccess);
 }
 
-int SetPayload(Session& session, Recordset& row, std::string_view payload) {
+int SetPayload(Session& session, engine::Recordset& row, std::string_view payload) {
     const Bytes cipher = cry::FieldCipher(session.cipher, 1, payload);
-    if (cipher.empty()) return EngineNumber::Failed;
+    if (cipher.empty()) return engine::EngineNumber::Failed;
     row.SetField("fEtx", cipher);
     return 0;
 }
 
 Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub) {
-    if (!session.ProgramDb) return Error{EngineNumber::Failed, "no database is open"};
+    if (!session.ProgramDb) return Error{engine::EngineNumber::Failed, "no database is open"};
     auto rows =
         session.ProgramDb->Select("SELECT fEtx FROM tt WHERE " + SingleRow(fSec, fSub) + kOwnerAccess);
     if (!rows) return rows.error();
@@ -104,11 +104,11 @@ Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t 
 }
 
 int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, std::string_view payload) {
-    Transaction transaction(*session.ProgramDb);
+    engine::Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return transaction.error();
     auto opened = session.ProgramDb->OpenRecordset("tt");
     if (!opened) return opened.error().number;
-    Recordset& row = **opened;
+    engine::Recordset& row = **opened;
     row.FindFirst(SingleRow(fSec, fSub));
     const bool added = row.NoMatch();
     if (added) {

@@ -30,12 +30,12 @@ struct StoreOutcome {
 /// row in AddNew or Edit and tells 0 or an error number, which stops the store. `after`, if given, runs in
 /// the same transaction once the row stands, with its key. One transaction; on an error nothing is changed.
 StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
-                      const std::function<int(Recordset& row, bool added)>& fill,
+                      const std::function<int(engine::Recordset& row, bool added)>& fill,
                       const std::function<int(std::int32_t fPK, bool added)>& after = nullptr);
 
 /// "SELECT * FROM tt WHERE fPK=key": the row, or nothing when it is gone or belongs to another section, or
 /// when the database was closed meanwhile.
-std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key);
+std::unique_ptr<engine::Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key);
 
 /// DELETE of one row. 0 or the engine's number.
 [[nodiscard]] int DeleteRow(Session& session, std::int32_t key);
@@ -45,7 +45,7 @@ std::unique_ptr<Recordset> FetchRow(Session& session, std::uint8_t section, std:
 
 /// Enciphers `payload` into fEtx of a row in AddNew or Edit. An error number without keys, so that nothing
 /// empty takes a record's place.
-[[nodiscard]] int SetPayload(Session& session, Recordset& row, std::string_view payload);
+[[nodiscard]] int SetPayload(Session& session, engine::Recordset& row, std::string_view payload);
 
 /// The plain payload of the one row of a class and subclass (settings, labels, category lists); nothing when
 /// there is no such row, empty when it does not decipher. An engine number fails; so does a closed database.

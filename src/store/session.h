@@ -10,8 +10,8 @@
 #include "base/random.h"
 #include "crypto/cry.h"
 #include "crypto/secret.h"
+#include "engine/db.h"
 #include "store/bucketorder.h"
-#include "store/db.h"
 #include "store/startvariables.h"
 
 namespace bmr::store {
@@ -71,9 +71,10 @@ struct Session {
     Ports ports;
     cry::CipherState cipher;
 
-    std::filesystem::path DatabasePath;   ///< empty when none is open
-    std::unique_ptr<Database> ProgramDb;  ///< the one connection, from the start of the opening to the close
-    bool DatabaseOpen = false;            ///< open and logged in
+    std::filesystem::path DatabasePath;  ///< empty when none is open
+    std::unique_ptr<engine::Database>
+        ProgramDb;              ///< the one connection, from the start of the opening to the close
+    bool DatabaseOpen = false;  ///< open and logged in
 
     Settings settings;
     bool SettingsUnread = false;  ///< the settings row did not decode: left as it is until the user stores

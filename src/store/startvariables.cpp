@@ -103,7 +103,7 @@ int WriteSettings(Session& session) {
     VisitFields(session.settings, showPrivate, [&](auto& variable, FieldTag tag) {
         whole = AppendField(payload, number++, ValueOf(variable), tag, session.ports.random) && whole;
     });
-    if (!whole) return EngineNumber::Failed;
+    if (!whole) return engine::EngineNumber::Failed;
     const int error = StoreSinglePayload(session, kSettingsClass, kSettingsSubclass, payload);
     if (error == 0) session.SettingsUnread = false;
     return error;
@@ -135,7 +135,7 @@ int WriteUserLabels(Session& session, std::uint8_t user, const UserLabels& label
     std::uint8_t number = 0;
     for (const Bytes& label : labels)
         if (!AppendField(payload, number++, label, FieldTag::Text, session.ports.random))
-            return EngineNumber::Failed;
+            return engine::EngineNumber::Failed;
     return StoreSinglePayload(session, kLabelsClass, user, payload);
 }
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "store/drafts.h"
+#include "custody/drafts.h"
 #include "tasks/duepicker.h"
 #include "tasks/task.h"
 
@@ -38,11 +38,11 @@ class frmEditTodo final : public QDialog {
     EditorValues Values() const;
 
     /// A draft of a new task; the texts of `choices` are not looked at.
-    static store::Draft DraftOf(const EditorValues& choices, const QString& task, const QString& note);
+    static custody::Draft DraftOf(const EditorValues& choices, const QString& task, const QString& note);
     /// What the controls hold; nothing when nothing was changed. The record's key is the caller's to add.
-    std::optional<store::Draft> HalfWritten() const;
+    std::optional<custody::Draft> HalfWritten() const;
     /// Puts a draft into the controls, as if it had been typed.
-    void Fill(const store::Draft& draft);
+    void Fill(const custody::Draft& draft);
 
     /// The editor comes up as if its values had been changed already (a store of them failed).
     void MarkChanged();

@@ -15,11 +15,11 @@ namespace {
 /// serial numbers.
 enum DraftField : std::uint8_t { kTask = 1, kNote, kPrivate, kPriority, kDue, kCompleted };
 
-void PutNumber(store::Draft& draft, std::uint8_t field, std::optional<std::int32_t> number) {
+void PutNumber(custody::Draft& draft, std::uint8_t field, std::optional<std::int32_t> number) {
     draft.Put(field, number ? std::to_string(*number) : std::string());
 }
 
-std::optional<std::int32_t> NumberIn(const store::Draft& draft, std::uint8_t field) {
+std::optional<std::int32_t> NumberIn(const custody::Draft& draft, std::uint8_t field) {
     bool whole = false;
     const int number = kit::TextOf(draft, field).toInt(&whole);
     return whole ? std::optional(number) : std::nullopt;
@@ -27,8 +27,8 @@ std::optional<std::int32_t> NumberIn(const store::Draft& draft, std::uint8_t fie
 
 }  // namespace
 
-store::Draft frmEditTodo::DraftOf(const EditorValues& choices, const QString& task, const QString& note) {
-    store::Draft draft;
+custody::Draft frmEditTodo::DraftOf(const EditorValues& choices, const QString& task, const QString& note) {
+    custody::Draft draft;
     draft.section = store::Section::Todo;
     draft.category = choices.category;
     draft.isPrivate = choices.isPrivate;
@@ -42,15 +42,15 @@ store::Draft frmEditTodo::DraftOf(const EditorValues& choices, const QString& ta
     return draft;
 }
 
-std::optional<store::Draft> frmEditTodo::HalfWritten() const {
+std::optional<custody::Draft> frmEditTodo::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
     const EditorValues values = Values();
-    std::optional<store::Draft> draft = DraftOf(values, ctlTask->text(), kit::PlainText(*ctlNote));
+    std::optional<custody::Draft> draft = DraftOf(values, ctlTask->text(), kit::PlainText(*ctlNote));
     draft->isPrivate = draft->isPrivate || wasPrivate_;
     return draft;
 }
 
-void frmEditTodo::Fill(const store::Draft& draft) {
+void frmEditTodo::Fill(const custody::Draft& draft) {
     const auto day = [&draft](std::uint8_t number) {
         const auto serial = NumberIn(draft, number);
         return serial ? std::optional(Day{*serial}) : std::nullopt;

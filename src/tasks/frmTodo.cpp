@@ -141,8 +141,8 @@ void frmTodo::mnuTodoEdit_Click() {
     EditRecord(RecordToEdit(session_, Selected(), cboCategories->Number()));
 }
 
-std::vector<store::Draft> frmTodo::Drafts() const {
-    std::vector<store::Draft> drafts;
+std::vector<custody::Draft> frmTodo::Drafts() const {
+    std::vector<custody::Draft> drafts;
     if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) {
         draft->key = editedKey_;
         drafts.push_back(std::move(*draft));
@@ -155,12 +155,12 @@ std::vector<store::Draft> frmTodo::Drafts() const {
     return drafts;
 }
 
-void frmTodo::OpenDraft(const store::Draft& draft) {
+void frmTodo::OpenDraft(const custody::Draft& draft) {
     auto task = LoadSelected(session_, draft.key);
     EditRecord(task ? std::move(*task) : ClearRecord(draft.category), &draft);
 }
 
-void frmTodo::EditRecord(Task task, const store::Draft* draft) {
+void frmTodo::EditRecord(Task task, const custody::Draft* draft) {
     if (editing_ || (!task.readable && !kit::AskToOverwrite(session_, tr("task")))) return;
     editing_ = true;
     for (bool another = true; another;) {
@@ -184,7 +184,7 @@ void frmTodo::EditRecord(Task task, const store::Draft* draft) {
     editing_ = false;
 }
 
-bool frmTodo::EditAndStore(Task& task, bool& another, const store::Draft* draft) {
+bool frmTodo::EditAndStore(Task& task, bool& another, const custody::Draft* draft) {
     EditorValues values =
         RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
     bool stored = false;

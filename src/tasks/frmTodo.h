@@ -36,8 +36,8 @@ class frmTodo final : public SectionForm {
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
     bool Editing() const override;
-    std::vector<store::Draft> Drafts() const override;
-    void OpenDraft(const store::Draft& draft) override;
+    std::vector<custody::Draft> Drafts() const override;
+    void OpenDraft(const custody::Draft& draft) override;
 
     /// Rebuilds the list from the store; nothing is selected afterwards.
     void showListitems();
@@ -72,9 +72,9 @@ class frmTodo final : public SectionForm {
     void ShowAllCategories();
 
     /// With a draft the editor comes up filled with it.
-    void EditRecord(Task task, const store::Draft* draft = nullptr);
+    void EditRecord(Task task, const custody::Draft* draft = nullptr);
     /// One round of the editor. True when the record was stored; `another` when a new one is to follow.
-    bool EditAndStore(Task& task, bool& another, const store::Draft* draft);
+    bool EditAndStore(Task& task, bool& another, const custody::Draft* draft);
     /// Stores; tells of what went wrong. False when the record still waits to be stored.
     bool Store(Task& task);
     std::optional<std::int32_t> Selected() const;

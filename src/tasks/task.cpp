@@ -9,8 +9,8 @@
 namespace bmr::tasks {
 namespace {
 
+using engine::Recordset;
 using store::FieldTag;
-using store::Recordset;
 using store::Session;
 
 constexpr std::int32_t kPriorities = 3;
@@ -36,11 +36,11 @@ int FillTexts(Session& session, const Task& task, Recordset& row) {
     const bool whole =
         Append(payload, TaskField::Private, task.isPrivate, FieldTag::Boolean, random) &&
         Append(payload, TaskField::UserNumber, std::int32_t{session.user.UserNumber}, FieldTag::Byte, random);
-    if (!whole) return store::EngineNumber::Failed;
+    if (!whole) return engine::EngineNumber::Failed;
     const std::string_view texts[] = {payload, task.task};
     const auto ciphered = cry::EncipherBatch(session.cipher, texts);
     cry::WipeString(payload);
-    if (ciphered.front().empty()) return store::EngineNumber::Failed;
+    if (ciphered.front().empty()) return engine::EngineNumber::Failed;
     row.SetField("fEtx", ciphered.front());
     row.SetField("fT1", ciphered.back());
     return 0;

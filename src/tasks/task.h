@@ -48,7 +48,7 @@ struct Task {
 Task ClearRecord(std::int32_t comboCategory);
 
 /// The record of a row of `SELECT *`. Deciphers the payload, and nothing else.
-Task ReadRecord(store::Session& session, const store::Recordset& row);
+Task ReadRecord(store::Session& session, const engine::Recordset& row);
 /// The same from the pieces, for readers of many rows.
 void ReadPayload(Task& task, std::string_view payload);
 

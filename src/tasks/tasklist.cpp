@@ -20,7 +20,7 @@ std::string FilterClauses(const TaskFilter& filter) {
     return (filter.showCompleted ? "" : " And fF3 = False") + store::CategoryClause(filter.category);
 }
 
-TaskRow PlainRow(const store::Cursor& cursor, Day today) {
+TaskRow PlainRow(const engine::Cursor& cursor, Day today) {
     TaskRow row;
     row.fPK = cursor.Int(0);
     row.category = cursor.Int(1);

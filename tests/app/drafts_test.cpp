@@ -3,9 +3,9 @@
 #include <QLineEdit>
 
 #include "app/watch.h"
+#include "custody/drafts.h"
+#include "custody/users.h"
 #include "shell/navigator.h"
-#include "store/drafts.h"
-#include "store/users.h"
 #include "support/forms.h"
 #include "support/full_disk.h"
 #include "support/sitting.h"
@@ -28,8 +28,8 @@ class FakePad final : public SectionForm {
     void SelectRecord(std::int32_t) override {}
     bool Editing() const override { return line_ != nullptr; }
 
-    std::vector<store::Draft> Drafts() const override {
-        std::vector<store::Draft> drafts;
+    std::vector<custody::Draft> Drafts() const override {
+        std::vector<custody::Draft> drafts;
         for (const QString& text : {line_ ? line_->text() : QString(), begun}) {
             if (text.isEmpty()) continue;
             drafts.emplace_back().section = session_.SectionCode;
@@ -39,7 +39,7 @@ class FakePad final : public SectionForm {
         }
         return drafts;
     }
-    void OpenDraft(const store::Draft& draft) override {
+    void OpenDraft(const custody::Draft& draft) override {
         isPrivate = draft.isPrivate;
         key = draft.key;
         Edit(QString::fromStdString(std::string(draft.Text(1))));
@@ -142,7 +142,7 @@ class FrameDrafts : public testing::Test {
     Strings Kept() {
         EXPECT_EQ(home.Open(), 0);
         Strings texts;
-        for (const auto& draft : store::LoadDrafts(home.session))
+        for (const auto& draft : custody::LoadDrafts(home.session))
             texts.emplace_back(draft.Text(1));
         home.Close();
         return texts;
@@ -224,8 +224,8 @@ TEST_F(FrameDrafts, AFullDiskDoesNotHoldUpTheEnd) {
 TEST_F(FrameDrafts, NothingIsShownBeforePinAndPassphrase) {
     LeaveBehind("secret plan", true);
     ASSERT_EQ(home.Open(), 0);
-    ASSERT_EQ(store::WritePin(home.session, 1, "2580",
-                              static_cast<std::int32_t>(shell::SectionBit(Section::Memo)), false),
+    ASSERT_EQ(custody::WritePin(home.session, 1, "2580",
+                                static_cast<std::int32_t>(shell::SectionBit(Section::Memo)), false),
               0);
     home.session.ShowPrivate = false;
     home.Close();

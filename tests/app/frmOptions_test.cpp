@@ -10,9 +10,9 @@
 #include <QTabWidget>
 #include <set>
 
+#include "custody/keyrecords.h"
+#include "custody/users.h"
 #include "kit/secretedit.h"
-#include "store/keyrecords.h"
-#include "store/users.h"
 #include "support/forms.h"
 #include "support/sitting.h"
 
@@ -216,7 +216,7 @@ TEST_F(FormOptions, ThePinIsMaskedUntilItIsToBeShown) {
 }
 
 TEST_F(FormOptions, ThePinFollowsAChangeOfThePassphrase) {
-    ASSERT_EQ(store::WritePin(sitting.session, 1, "4711", 3, true), 0);
+    ASSERT_EQ(custody::WritePin(sitting.session, 1, "4711", 3, true), 0);
     Show();
     sitting.prompter.Type(std::nullopt).Expect(124);
     Press("cmdPWchange");

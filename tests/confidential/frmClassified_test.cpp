@@ -188,7 +188,7 @@ TEST_F(Classified, ADamagedRecordIsShownAsSuchAndOnlyWrittenOverWhenAsked) {
     // A kind that no version knows: no list holds it, and nothing asks what its fields mean.
     store.Set(key, "fG1", std::int32_t{99});
     form->SelectRecord(key);
-    store::Draft draft;
+    custody::Draft draft;
     draft.key = key;
     form->OpenDraft(draft);
     EXPECT_EQ(Names(), QStringList{"Broken"}) << "the list was not read anew";
@@ -295,7 +295,7 @@ TEST_F(Classified, TheDiceFillAPassword) {
 TEST_F(Classified, WhatIsHalfWrittenComesBackThroughADraft) {
     QSignalSpy settled(form.get(), &SectionForm::DraftSettled);
     form->cat_Click(5);  // a kind with a high second field
-    std::vector<store::Draft> drafts;
+    std::vector<custody::Draft> drafts;
     OnDialog([&](QDialog& editor) {
         EXPECT_TRUE(form->Drafts().empty());
         Type(editor, "txtCtl0", "Bank");

@@ -190,7 +190,7 @@ TEST_F(Notepad, WhatIsHalfWrittenComesBackThroughADraft) {
     list().SelectFirst();
     QSignalSpy settled(form.get(), &SectionForm::DraftSettled);
     const QString half = QString::fromUtf8("\xE5\xAD\x97 that no memo can hold\nand a second li");
-    std::vector<store::Draft> drafts;
+    std::vector<custody::Draft> drafts;
     OnDialog([&](QDialog& editor) {
         EXPECT_TRUE(form->Drafts().empty()) << "nothing was changed yet";
         editor.findChild<QLineEdit*>("ctlSubject")->setText("Orchard");

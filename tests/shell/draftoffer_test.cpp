@@ -6,7 +6,7 @@
 namespace bmr::shell {
 namespace {
 
-using store::DraftBase;
+using custody::DraftBase;
 using store::Section;
 
 bool Has(const std::string& text, std::string_view part) {
@@ -24,7 +24,7 @@ TEST(DraftOffer, FirstWords) {
 
 TEST(DraftOffer, ShowsTheWordsOnlyWhereTheListWouldShowThem) {
     test::TestSession sitting;
-    store::Draft draft;
+    custody::Draft draft;
     draft.section = Section::Memo;
     draft.isPrivate = false;
     draft.when = {46347.0 + 9.0 / 24 + 5.0 / 1440};

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "store/users.h"
+#include "custody/users.h"
 #include "support/sitting.h"
 
 namespace bmr::shell {
@@ -47,7 +47,7 @@ TEST(PinRule, AsPlainData) {
 TEST(Navigator, SwitchesAndTakesARefusedClickBack) {
     Sitting sitting;
     sitting.Make();
-    ASSERT_EQ(store::WritePin(sitting.session, 1, "4711", 0x10 | 0x20, false), 0);
+    ASSERT_EQ(custody::WritePin(sitting.session, 1, "4711", 0x10 | 0x20, false), 0);
     Screen main;
     EXPECT_TRUE(optSection_Click(sitting.session, main.screen, kAll, 14));
     EXPECT_THAT(main.log, ElementsAre("hide", "press 14", "form 14", "show"));

@@ -2,8 +2,8 @@
 
 #include <sstream>
 
+#include "custody/users.h"
 #include "shell/navigator.h"
-#include "store/users.h"
 #include "support/sitting.h"
 
 namespace bmr::shell {
@@ -175,7 +175,7 @@ TEST(Preferences, AFailureAtTheLastStepLeavesFileAndSessionAsTheyWere) {
     const auto before = test::RowsOf(*session.ProgramDb);
     session.SettingsUnread = true;
     sitting.prompter.Expect(109);
-    EXPECT_EQ(StorePreferences(session, chosen), store::kQuitProgram);
+    EXPECT_EQ(StorePreferences(session, chosen), custody::kQuitProgram);
     EXPECT_EQ(Describe(FromSession(session)), shown);
     EXPECT_TRUE(session.SettingsUnread);
     EXPECT_EQ(test::RowsOf(*session.ProgramDb), before);

@@ -1,6 +1,6 @@
 #include "shell/startflow.h"
 
-#include "store/keyrecords.h"
+#include "custody/keyrecords.h"
 #include "support/sitting.h"
 
 namespace bmr::shell {

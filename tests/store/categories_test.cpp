@@ -103,7 +103,7 @@ TEST(Categories, FreeNumbers) {
 
 TEST(Categories, OfARecord) {
     TempStore store;
-    const auto stored = StoreRow(store.session, Section::Todo, kNewRecord, [](Recordset& row, bool) {
+    const auto stored = StoreRow(store.session, Section::Todo, kNewRecord, [](engine::Recordset& row, bool) {
         row.SetField("fG1", 12);
         return 0;
     });

@@ -8,8 +8,8 @@
 #include <functional>
 #include <random>
 
-#include "store/db.h"
-#include "store/db_engine.h"
+#include "engine/db.h"
+#include "engine/db_engine.h"
 #include "support/store_file.h"
 
 namespace bmr::store {
@@ -21,8 +21,8 @@ using test::ReadFile;
 using test::TempFolder;
 using test::WriteFile;
 
-void Fill(Database& db, int from, int to, std::size_t payload = 300) {
-    Transaction all(db);
+void Fill(engine::Database& db, int from, int to, std::size_t payload = 300) {
+    engine::Transaction all(db);
     auto table = db.OpenRecordset("tt");
     for (int i = from; i < to; ++i) {
         (*table)->AddNew();
@@ -54,12 +54,12 @@ int InChild(const std::function<int()>& work) {
 }
 
 int NumberOfOpening(const std::filesystem::path& path) {
-    const auto db = Database::Open(path);
+    const auto db = engine::Database::Open(path);
     return db ? 0 : db.error().number;
 }
 
 /// The numbers of all rows that still hold what `Fill` wrote.
-std::vector<int> SoundRows(Database& db) {
+std::vector<int> SoundRows(engine::Database& db) {
     std::vector<int> found;
     auto rows = db.Select("SELECT fR1, fEtx FROM tt WHERE fSec=15 ORDER BY fR1");
     while (rows && rows->Next()) {
@@ -93,14 +93,15 @@ TEST(Damage, EachBadFileHasItsNumberAndStaysAsItIs) {
          {"empty", "text", "head", "page", "half", "last", "wiped", "other", "few", "view"}) {
         const auto path = folder / (std::string(name) + ".bmr");
         const std::string before = ReadFile(path);
-        EXPECT_EQ(NumberOfOpening(path), EngineNumber::Damaged) << name;
+        EXPECT_EQ(NumberOfOpening(path), engine::EngineNumber::Damaged) << name;
         EXPECT_TRUE(ReadFile(path) == before) << name;
     }
-    EXPECT_EQ(NumberOfOpening(folder / "none.bmr"), EngineNumber::NotFound);
-    EXPECT_EQ(NumberOfOpening(folder / "good.bmr" / "deeper.bmr"), EngineNumber::NotFound);
-    EXPECT_EQ(NumberOfOpening(folder.Path()), EngineNumber::NoPermission);
+    EXPECT_EQ(NumberOfOpening(folder / "none.bmr"), engine::EngineNumber::NotFound);
+    EXPECT_EQ(NumberOfOpening(folder / "good.bmr" / "deeper.bmr"), engine::EngineNumber::NotFound);
+    EXPECT_EQ(NumberOfOpening(folder.Path()), engine::EngineNumber::NoPermission);
     ASSERT_EQ(::mkfifo((folder / "pipe.bmr").c_str(), 0600), 0);
-    EXPECT_EQ(NumberOfOpening(folder / "pipe.bmr"), EngineNumber::NoPermission) << "and it does not wait";
+    EXPECT_EQ(NumberOfOpening(folder / "pipe.bmr"), engine::EngineNumber::NoPermission)
+        << "and it does not wait";
     EXPECT_EQ(NumberOfOpening(folder / "good.bmr"), 0);
     EXPECT_TRUE(ReadFile(folder / "good.bmr") == good) << "opening alone writes nothing";
     for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
@@ -120,15 +121,19 @@ TEST(Damage, WithoutPermissionNothingOpensAndNothingIsMade) {
         });
     };
     const auto open = [&] {
-        return NumberOfOpening(folder / "mine.bmr") == EngineNumber::NoPermission ? 0 : 1;
+        return NumberOfOpening(folder / "mine.bmr") == engine::EngineNumber::NoPermission ? 0 : 1;
     };
     EXPECT_EQ(asStranger(std::filesystem::perms(0), open), 0) << "may not be read";
     EXPECT_EQ(asStranger(std::filesystem::perms(0444), open), 0) << "may only be read";
     if (::geteuid() == 0) {
-        EXPECT_EQ(
-            asStranger(std::filesystem::perms(0600),
-                       [&] { return CreateStore(folder / "new.bmr") == EngineNumber::NoPermission ? 0 : 1; }),
-            0)
+        EXPECT_EQ(asStranger(std::filesystem::perms(0600),
+                             [&] {
+                                 return engine::CreateStore(folder / "new.bmr") ==
+                                                engine::EngineNumber::NoPermission
+                                            ? 0
+                                            : 1;
+                             }),
+                  0)
             << "a folder that may not be written";
     }
     std::filesystem::permissions(folder / "mine.bmr", std::filesystem::perms(0600));
@@ -145,7 +150,7 @@ TEST(Damage, AFileHeldByAnotherProcessIsInUseAtOnce) {
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(leave[1]);
-        const auto db = Database::Open(folder / "a.bmr");  // and does not write
+        const auto db = engine::Database::Open(folder / "a.bmr");  // and does not write
         char byte = db ? 'y' : 'n';
         if (::write(ready[1], &byte, 1) != 1) _exit(1);
         _exit(::read(leave[0], &byte, 1) >= 0 ? 0 : 1);
@@ -155,17 +160,18 @@ TEST(Damage, AFileHeldByAnotherProcessIsInUseAtOnce) {
     ASSERT_EQ(byte, 'y');
     const std::string before = ReadFile(folder / "a.bmr");
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(NumberOfOpening(folder / "a.bmr"), EngineNumber::InUse);
+    EXPECT_EQ(NumberOfOpening(folder / "a.bmr"), engine::EngineNumber::InUse);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
-    EXPECT_EQ(CompactDatabase(folder / "a.bmr", folder / "b.bmr"), EngineNumber::InUse);
-    EXPECT_EQ(RepairDatabase(folder / "a.bmr"), EngineNumber::InUse);
+    EXPECT_EQ(engine::CompactDatabase(folder / "a.bmr", folder / "b.bmr"), engine::EngineNumber::InUse);
+    EXPECT_EQ(engine::RepairDatabase(folder / "a.bmr"), engine::EngineNumber::InUse);
     EXPECT_TRUE(ReadFile(folder / "a.bmr") == before);
     EXPECT_FALSE(std::filesystem::exists(folder / "b.bmr"));
     ::close(leave[1]);
     ::waitpid(child, nullptr, 0);
-    const auto db = Database::Open(folder / "a.bmr");
+    const auto db = engine::Database::Open(folder / "a.bmr");
     ASSERT_TRUE(db);
-    EXPECT_EQ(NumberOfOpening(folder / "a.bmr"), EngineNumber::InUse) << "a second time in one process";
+    EXPECT_EQ(NumberOfOpening(folder / "a.bmr"), engine::EngineNumber::InUse)
+        << "a second time in one process";
 }
 
 TEST(Damage, AFullDiskUndoesTheWholeTransaction) {
@@ -176,12 +182,12 @@ TEST(Damage, AFullDiskUndoesTheWholeTransaction) {
     const int result = InChild([&] {
         const rlimit limit{before.size() + 8 * 4096, before.size() + 8 * 4096};
         ::signal(SIGXFSZ, SIG_IGN);
-        auto opened = Database::Open(path);
+        auto opened = engine::Database::Open(path);
         if (!opened || ::setrlimit(RLIMIT_FSIZE, &limit) != 0) return 1;
-        Database& db = **opened;
+        engine::Database& db = **opened;
         auto table = db.OpenRecordset("tt");
         {
-            Transaction save(db);
+            engine::Transaction save(db);
             (*table)->Edit();
             (*table)->SetField("fR1", 77);
             if ((*table)->Update() != 0) return 2;
@@ -189,17 +195,18 @@ TEST(Damage, AFullDiskUndoesTheWholeTransaction) {
             (*table)->SetField("fEtx", Bytes(std::size_t{12} << 20, 'x'));
             const int failed = (*table)->Update();
             const int commit = save.Commit();
-            if (failed != EngineNumber::DiskFull && commit != EngineNumber::DiskFull) return 3;
+            if (failed != engine::EngineNumber::DiskFull && commit != engine::EngineNumber::DiskFull)
+                return 3;
             if (db.LastError().empty()) return 4;
         }
         (*table)->AddNew();
         (*table)->SetField("fEtx", Bytes(std::size_t{1} << 20, 'x'));
-        if ((*table)->Update() != EngineNumber::DiskFull) return 5;
+        if ((*table)->Update() != engine::EngineNumber::DiskFull) return 5;
         if ((*table)->RecordCount() != 200) return 6;
         if (db.Execute("INSERT INTO tt IN \"" + path.string() + "x\" SELECT * FROM tt") !=
-            EngineNumber::NotFound)
+            engine::EngineNumber::NotFound)
             return 7;
-        return CompactDatabase(path, folder / "b.bmr") == EngineNumber::InUse ? 0 : 8;
+        return engine::CompactDatabase(path, folder / "b.bmr") == engine::EngineNumber::InUse ? 0 : 8;
     });
     EXPECT_EQ(result, 0);
     EXPECT_TRUE(ReadFile(path) == before);
@@ -209,7 +216,7 @@ TEST(Damage, AFullDiskUndoesTheWholeTransaction) {
         const rlimit limit{8 * 4096, 8 * 4096};
         ::signal(SIGXFSZ, SIG_IGN);
         if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return 1;
-        return CompactDatabase(path, folder / "b.bmr") == EngineNumber::DiskFull ? 0 : 2;
+        return engine::CompactDatabase(path, folder / "b.bmr") == engine::EngineNumber::DiskFull ? 0 : 2;
     });
     EXPECT_EQ(compact, 0);
     EXPECT_FALSE(std::filesystem::exists(folder / "b.bmr")) << "no half copy is left";
@@ -235,7 +242,7 @@ TEST(Damage, AnOpenJournalIsRolledBack) {
     WriteFile(folder / "b.bmr", before);
     for (const char* suffix : {"", "-journal"})
         std::filesystem::copy_file(path.string() + suffix, (folder / "c.bmr").string() + suffix);
-    ASSERT_EQ(ReplaceFile(folder / "b.bmr", folder / "c.bmr"), 0);
+    ASSERT_EQ(engine::ReplaceFile(folder / "b.bmr", folder / "c.bmr"), 0);
     EXPECT_TRUE(ReadFile(folder / "c.bmr") == before);
     EXPECT_FALSE(std::filesystem::exists((folder / "c.bmr").string() + "-journal"));
 
@@ -316,7 +323,7 @@ TEST(Repair, MendsIndexesInPlace) {
         return std::pair((*rows)->RecordCount(), db->CheckIntegrity().empty());
     };
     ASSERT_EQ(count(), std::pair(std::int64_t{0}, false));
-    ASSERT_EQ(RepairDatabase(path), 0);
+    ASSERT_EQ(engine::RepairDatabase(path), 0);
     EXPECT_EQ(count(), std::pair(std::int64_t{1}, true));
     EXPECT_EQ(SoundRows(*OpenStore(path)).size(), 100U);
 }
@@ -333,7 +340,7 @@ TEST(Repair, SavesTheRowsAroundADamagedPage) {
         bad.replace(page * 4096, 4096, 4096, '\xa5');
         WriteFile(path, bad);
         std::string detail;
-        const int number = RepairDatabase(path, &detail);
+        const int number = engine::RepairDatabase(path, &detail);
         if (number != 0) {
             EXPECT_TRUE(ReadFile(path) == bad) << "what cannot be won is left alone, page " << page;
             continue;
@@ -353,9 +360,9 @@ TEST(Repair, SavesTheRowsOfAFileCutShortAndLeavesWhatIsNoDatabase) {
     MakeFilled(path, 600);
     const std::string good = ReadFile(path);
     WriteFile(path, good.substr(0, good.size() / 2));
-    ASSERT_EQ(NumberOfOpening(path), EngineNumber::Damaged);
+    ASSERT_EQ(NumberOfOpening(path), engine::EngineNumber::Damaged);
     std::string detail;
-    ASSERT_EQ(RepairDatabase(path, &detail), 0) << detail;
+    ASSERT_EQ(engine::RepairDatabase(path, &detail), 0) << detail;
     const auto saved = SoundRows(*OpenStore(path)).size();
     EXPECT_GT(saved, 100U);
     EXPECT_EQ(detail.find(std::to_string(saved)), 0U) << detail;
@@ -363,11 +370,11 @@ TEST(Repair, SavesTheRowsOfAFileCutShortAndLeavesWhatIsNoDatabase) {
     for (const std::string& bytes : {std::string(), std::string("no database"), good.substr(0, 4096),
                                      std::string(16, 'x') + good.substr(16)}) {
         WriteFile(path, bytes);
-        EXPECT_EQ(RepairDatabase(path, &detail), EngineNumber::Damaged);
+        EXPECT_EQ(engine::RepairDatabase(path, &detail), engine::EngineNumber::Damaged);
         EXPECT_FALSE(detail.empty());
         EXPECT_TRUE(ReadFile(path) == bytes) << bytes.size();
     }
-    EXPECT_EQ(RepairDatabase(folder / "none.bmr"), EngineNumber::NotFound);
+    EXPECT_EQ(engine::RepairDatabase(folder / "none.bmr"), engine::EngineNumber::NotFound);
 }
 
 TEST(Damage, FlippedBitsNeverCrashAndARefusedFileIsLeftAlone) {
@@ -384,7 +391,7 @@ TEST(Damage, FlippedBitsNeverCrashAndARefusedFileIsLeftAlone) {
         const std::size_t at = random() % (round % 2 == 0 ? bad.size() : 3 * 4096);
         bad[at] = static_cast<char>(bad[at] ^ (1 << random() % 8));
         WriteFile(path, bad);
-        auto db = Database::Open(path);
+        auto db = engine::Database::Open(path);
         if (!db) {
             ++refused;
             EXPECT_TRUE(ReadFile(path) == bad);
@@ -398,7 +405,7 @@ TEST(Damage, FlippedBitsNeverCrashAndARefusedFileIsLeftAlone) {
         if (round % 10 == 0) {
             (void)(*db)->Execute("DELETE * FROM tt WHERE fR1 > 30");
             db = Error{};
-            (void)RepairDatabase(path);
+            (void)engine::RepairDatabase(path);
         }
     }
     EXPECT_GT(refused, 5);

@@ -158,7 +158,7 @@ TEST_F(Order, HoldsAfterAnySequenceOfAddsRenamesAndDeletes) {
             text += ByteChar(static_cast<unsigned>(64 + DrawBelow(random, 6)));
         return text;
     };
-    const auto transaction = std::make_unique<Transaction>(*store.session.ProgramDb);
+    const auto transaction = std::make_unique<engine::Transaction>(*store.session.ProgramDb);
     for (int i = 0; i < 700; ++i) {
         const int what = keys.empty() ? 0 : DrawBelow(random, 5);
         if (what < 3) {
@@ -184,7 +184,7 @@ TEST_F(Order, HoldsAfterAnySequenceOfAddsRenamesAndDeletes) {
 TEST_F(Order, HoldsWhenEveryNewRowComesFirstOrLast) {
     store.session.ShowPrivate = true;
     std::map<std::int32_t, Bytes> texts;
-    const auto transaction = std::make_unique<Transaction>(*store.session.ProgramDb);
+    const auto transaction = std::make_unique<engine::Transaction>(*store.session.ProgramDb);
     for (int i = 100; i < 250; ++i) {
         const Bytes last = "Ab" + std::to_string(i);
         const Bytes first = "Mo" + std::to_string(999 - i);
@@ -211,7 +211,7 @@ TEST_F(Order, ASaveDeciphersNoMoreThanTheHalvingNeeds) {
 TEST_F(Order, WhatWasTakenBackIsForgotten) {
     Save(kNewRecord, "Ab1");
     {
-        const Transaction transaction(*store.session.ProgramDb);
+        const engine::Transaction transaction(*store.session.ProgramDb);
         for (const char* subject : {"Ab2", "Ab3", "Ab4"})
             Save(kNewRecord, subject);
     }

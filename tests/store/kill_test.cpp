@@ -8,7 +8,7 @@
 #include <random>
 #include <thread>
 
-#include "store/db.h"
+#include "engine/db.h"
 #include "support/store_file.h"
 
 namespace bmr::store {
@@ -28,7 +28,7 @@ Bytes Payload(int row, std::int32_t generation) {
 
 /// Saves all rows in one transaction, again and again, and tells the parent after each save that stood.
 [[noreturn]] void SaveForEver(const std::filesystem::path& path, int tell) {
-    auto db = Database::Open(path);
+    auto db = engine::Database::Open(path);
     if (!db) _exit(1);
     std::int32_t generation = 0;
     {
@@ -38,7 +38,7 @@ Bytes Payload(int row, std::int32_t generation) {
     }
     for (;;) {
         ++generation;
-        Transaction save(**db);
+        engine::Transaction save(**db);
         auto table = (*db)->OpenRecordset("tt");
         for (int row = 0; row < kRows; ++row) {
             (*table)->FindFirst("fSec=15 And fSub=" + std::to_string(row));
@@ -137,7 +137,7 @@ TEST(Kill, AtAnyMomentLeavesTheOldOrTheNewStateAndNoConfirmedSaveIsLost) {
     ::fcntl(leave, F_SETFL, O_NONBLOCK);
     std::int32_t saved = 0;
     for (char byte = 0; ::read(leave, &byte, 1) != 0;) {
-        auto db = Database::Open(path);
+        auto db = engine::Database::Open(path);
         if (!db) continue;
         auto table = (*db)->OpenRecordset("tt");
         (*table)->AddNew();
@@ -154,7 +154,7 @@ TEST(Compacting, LosesNothingThatAnotherProgramSavesMeanwhile) {
     {
         const auto db = NewStore(path);
         auto table = db->OpenRecordset("tt");
-        Transaction bulk(*db);
+        engine::Transaction bulk(*db);
         for (int i = 0; i < 4000; ++i) {
             (*table)->AddNew();
             (*table)->SetField("fEtx", Bytes(300, 'x'));
@@ -176,7 +176,7 @@ TEST(Compacting, LosesNothingThatAnotherProgramSavesMeanwhile) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     int done = 0;
     while (done < 10 && std::chrono::steady_clock::now() < end) {
-        if (CompactInPlace(path, folder / "a.tmp") == 0) ++done;
+        if (engine::CompactInPlace(path, folder / "a.tmp") == 0) ++done;
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     ::close(leave[1]);

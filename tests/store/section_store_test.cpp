@@ -17,14 +17,14 @@ StoreOutcome StoreMemo(TempStore& store, std::int32_t key, const Bytes& text, in
                        int afterError = 0) {
     return StoreRow(
         store.session, Section::Memo, key,
-        [&](Recordset& row, bool) {
+        [&](engine::Recordset& row, bool) {
             row.SetField("fT1", text);
             return fillError;
         },
         [&](std::int32_t, bool) { return afterError; });
 }
 
-std::unique_ptr<Recordset> RowOf(TempStore& store, std::int32_t key) {
+std::unique_ptr<engine::Recordset> RowOf(TempStore& store, std::int32_t key) {
     return store.Row("SELECT * FROM tt WHERE fPK=" + std::to_string(key));
 }
 
@@ -59,7 +59,8 @@ TEST(StoreRow, ARefusalChangesNothing) {
     EXPECT_EQ(StoreMemo(store, key, "lost", -7).error, -7);
     EXPECT_EQ(StoreMemo(store, key, "lost", 0, 3000).error, 3000);
     EXPECT_EQ(StoreMemo(store, kNewRecord, "lost", 0, 3000).error, 3000);
-    const auto foreign = StoreRow(store.session, Section::Todo, key, [](Recordset&, bool) { return 0; });
+    const auto foreign =
+        StoreRow(store.session, Section::Todo, key, [](engine::Recordset&, bool) { return 0; });
     EXPECT_EQ(foreign.error, -16);
     EXPECT_EQ(foreign.fPK, kNewRecord);
     store.Reopen();

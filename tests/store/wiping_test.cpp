@@ -6,7 +6,7 @@
 #include <new>
 
 #include "confidential/confidential.h"
-#include "store/users.h"
+#include "custody/users.h"
 #include "support/sitting.h"
 
 namespace {
@@ -57,9 +57,9 @@ TEST(Wiping, NothingOfAPinStaysInMemoryThatWasGivenBack) {
     test::Sitting sitting;
     sitting.Make();
     int error = 0;
-    EXPECT_EQ(LeftBehind([&] { error = WritePin(sitting.session, 1, kSecret, 3, true); }), 0);
+    EXPECT_EQ(LeftBehind([&] { error = custody::WritePin(sitting.session, 1, kSecret, 3, true); }), 0);
     EXPECT_EQ(error, 0);
-    EXPECT_EQ(LeftBehind([&] { error = LoadPin(sitting.session); }), 0);
+    EXPECT_EQ(LeftBehind([&] { error = custody::LoadPin(sitting.session); }), 0);
     EXPECT_EQ(error, 0);
     EXPECT_EQ(sitting.session.pin.Pin.view(), kSecret);
     sitting.Close();

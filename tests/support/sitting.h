@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "store/keyrecords.h"
-#include "store/lifecycle.h"
+#include "custody/keyrecords.h"
+#include "custody/lifecycle.h"
 #include "support/store.h"
 
 namespace bmr::test {
@@ -30,11 +30,11 @@ inline void WriteFile(const std::filesystem::path& path, std::string_view bytes)
 /// All columns of a row, by name.
 using RowValues = std::map<std::string, Value>;
 
-inline std::vector<RowValues> RowsOf(store::Database& db, const std::string& clauses = "") {
-    auto found = db.OpenRecordset("SELECT * FROM tt" + clauses, store::RecordsetType::Snapshot);
+inline std::vector<RowValues> RowsOf(engine::Database& db, const std::string& clauses = "") {
+    auto found = db.OpenRecordset("SELECT * FROM tt" + clauses, engine::RecordsetType::Snapshot);
     if (!found) throw std::runtime_error(found.error().detail);
     std::vector<RowValues> rows;
-    for (store::Recordset& row = **found; !row.Eof(); row.MoveNext()) {
+    for (engine::Recordset& row = **found; !row.Eof(); row.MoveNext()) {
         RowValues values;
         for (const char* name : {"fPK", "fEtx", "fSec", "fSub", "fR1", "fR2", "fR3", "fR4", "fR5", "fF1",
                                  "fF2", "fF3", "fT1", "fT2", "fT3", "fG1", "AE"})
@@ -53,22 +53,22 @@ struct Sitting : TestSession {
     void Make(const std::string& passphrase = kPassphrase) {
         prompter.files.push_back(file);
         prompter.Type(passphrase);
-        ASSERT_EQ(store::NewDatabase(session), 0);
+        ASSERT_EQ(custody::NewDatabase(session), 0);
     }
     /// Opens `file` with what the script types.
     int OpenFile() {
         session.DatabasePath = file;
-        return store::OpenDatabaseFile(session);
+        return custody::OpenDatabaseFile(session);
     }
     int Open(const std::string& passphrase = kPassphrase) {
         prompter.Type(passphrase);
         return OpenFile();
     }
-    void Close() { ASSERT_EQ(store::CloseDatabase(session), 0); }
+    void Close() { ASSERT_EQ(custody::CloseDatabase(session), 0); }
 
     /// Changes the first row that meets `criteria` in the closed file.
-    void Edit(const std::string& criteria, const std::function<void(store::Recordset&)>& change) {
-        auto db = store::Database::Open(file);
+    void Edit(const std::string& criteria, const std::function<void(engine::Recordset&)>& change) {
+        auto db = engine::Database::Open(file);
         ASSERT_TRUE(db) << db.error().detail;
         auto rows = (*db)->OpenRecordset("tt");
         ASSERT_TRUE(rows);
@@ -79,12 +79,12 @@ struct Sitting : TestSession {
         ASSERT_EQ((*rows)->Update(), 0);
     }
     void Execute(const std::string& statement) {
-        auto db = store::Database::Open(file);
+        auto db = engine::Database::Open(file);
         ASSERT_TRUE(db) << db.error().detail;
         ASSERT_EQ((*db)->Execute(statement), 0) << (*db)->LastError();
     }
     std::vector<RowValues> Rows(const std::string& clauses = "") {
-        auto db = store::Database::Open(file);
+        auto db = engine::Database::Open(file);
         if (!db) throw std::runtime_error(db.error().detail);
         return RowsOf(**db, clauses);
     }

@@ -24,7 +24,7 @@ struct TestSession {
 struct TempStore : TestSession {
     TempStore() {
         session.DatabasePath = folder.Path() / "test.bmr";
-        if (store::CreateStore(session.DatabasePath) != 0) throw std::runtime_error("no test database");
+        if (engine::CreateStore(session.DatabasePath) != 0) throw std::runtime_error("no test database");
         session.cipher.Keystring = Secret(cry::RandomBytes(random, 256));
         Open();
     }
@@ -43,8 +43,8 @@ struct TempStore : TestSession {
         return count;
     }
     /// The first row of a statement; the test fails without one.
-    std::unique_ptr<store::Recordset> Row(const std::string& statement) {
-        auto rows = session.ProgramDb->OpenRecordset(statement, store::RecordsetType::Snapshot);
+    std::unique_ptr<engine::Recordset> Row(const std::string& statement) {
+        auto rows = session.ProgramDb->OpenRecordset(statement, engine::RecordsetType::Snapshot);
         if (!rows || (*rows)->Eof()) throw std::runtime_error("no row: " + statement);
         return std::move(*rows);
     }
@@ -64,7 +64,7 @@ struct TempStore : TestSession {
 
   private:
     void Open() {
-        auto db = store::Database::Open(session.DatabasePath);
+        auto db = engine::Database::Open(session.DatabasePath);
         if (!db) throw std::runtime_error("test database does not open: " + db.error().detail);
         session.ProgramDb = std::move(*db);
         session.DatabaseOpen = true;

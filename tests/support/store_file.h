@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-#include "store/db.h"
+#include "engine/db.h"
 #include "support/folder.h"
 
 namespace bmr::test {
@@ -23,15 +23,15 @@ inline void WriteFile(const std::filesystem::path& path, const std::string& byte
 }
 
 /// Opens a store that must open.
-inline std::unique_ptr<store::Database> OpenStore(const std::filesystem::path& path) {
-    auto db = store::Database::Open(path);
+inline std::unique_ptr<engine::Database> OpenStore(const std::filesystem::path& path) {
+    auto db = engine::Database::Open(path);
     if (!db) throw std::runtime_error(path.string() + ": " + db.error().detail);
     return std::move(*db);
 }
 
 /// Makes a store and opens it.
-inline std::unique_ptr<store::Database> NewStore(const std::filesystem::path& path) {
-    if (const int error = store::CreateStore(path))
+inline std::unique_ptr<engine::Database> NewStore(const std::filesystem::path& path) {
+    if (const int error = engine::CreateStore(path))
         throw std::runtime_error(path.string() + ": error " + std::to_string(error));
     return OpenStore(path);
 }

@@ -28,7 +28,7 @@ TEST(TaskDrafts, WhatIsHalfWrittenComesBackThroughADraft) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
     test::TypeText(Named(*form, "txtQuickAdd"), "buy");
     QSignalSpy settled(form.get(), &SectionForm::DraftSettled);
-    std::vector<store::Draft> drafts;
+    std::vector<custody::Draft> drafts;
     {
         Visitor visitor;
         visitor.Meet("frmEditTodo", [&](QWidget& editor) {

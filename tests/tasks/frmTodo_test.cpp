@@ -293,7 +293,7 @@ TEST_F(FormTodo, QuickLineRefusesWhatCannotBeStored) {
 
 TEST_F(FormTodo, TheListDeciphersOnlyWhatIsSeen) {
     db.session.ShowPrivate = true;
-    store::Transaction all(*db.session.ProgramDb);
+    engine::Transaction all(*db.session.ProgramDb);
     for (int i = 0; i < 2000; ++i)
         Add("task " + std::to_string(i), [&](Task& t) {
             t.hasDueDate = i % 3 == 0;

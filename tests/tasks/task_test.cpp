@@ -12,7 +12,7 @@ namespace {
 using store::Section;
 
 struct TaskStore : test::TempStore {
-    std::unique_ptr<store::Recordset> RowOf(std::int32_t key) {
+    std::unique_ptr<engine::Recordset> RowOf(std::int32_t key) {
         return Row("SELECT * FROM tt WHERE fPK=" + std::to_string(key));
     }
     std::int32_t Add(Task task) {

@@ -160,7 +160,7 @@ TEST(TaskList, HidesPrivateRowsAndThoseThatCannotBeRead) {
 TEST(TaskList, TestsMoreRowsThanOneBatchHolds) {
     ListStore store;
     const Bytes huge((std::size_t{4} << 20) + 1, 'x');  // no cipher text of that length
-    store::Transaction transaction(*store.session.ProgramDb);
+    engine::Transaction transaction(*store.session.ProgramDb);
     for (int i = 0; i < 24; ++i) {
         const std::int32_t key = store.Add(Named(i % 2 == 0 ? "public" : "damaged"));
         if (i % 2 == 0) continue;

@@ -1,10 +1,10 @@
 #include <iostream>
 #include <string_view>
 
+#include "custody/systemrecord.h"
+#include "engine/db.h"
 #include "sitting.h"
-#include "store/db.h"
 #include "store/record_put.h"
-#include "store/systemrecord.h"
 
 /// usage: alter_database FILE newer|hide, the passphrase on standard input. Brings a database into states
 /// that no command of bmr makes: last changed by a newer program, or with private records hidden,
@@ -20,7 +20,7 @@ int MakeNewer(store::Session& session) {
                            session.ports.random);
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
-    store::Recordset& row = **table;
+    engine::Recordset& row = **table;
     row.FindFirst("fSec=1 And fSub=3");
     if (row.NoMatch()) return 1;
     row.Edit();
@@ -30,7 +30,7 @@ int MakeNewer(store::Session& session) {
 
 int Hide(store::Session& session) {
     session.ShowPrivate = false;
-    if (const int error = store::WriteSystemMemo(session, 16, "half-written")) return error;
+    if (const int error = custody::WriteSystemMemo(session, 16, "half-written")) return error;
     return store::WriteSettings(session);
 }
 

@@ -37,7 +37,7 @@ class Player {
 
     void Play(int operations) {
         for (int done = 0; done < operations;) {
-            store::Transaction transaction(*session_.ProgramDb);
+            engine::Transaction transaction(*session_.ProgramDb);
             Check(transaction.error());
             for (int i = 0; i < kOperationsInATransaction && done < operations; ++i, ++done)
                 Draw(2) == 0 ? OnMemos() : OnRecords();

@@ -1,0 +1,238 @@
+#include "custody/keyrecords.h"
+
+#include "base/languageus.h"
+#include "custody/lifecycle.h"
+#include "custody/users.h"
+#include "store/record_put.h"
+#include "store/session.h"
+
+namespace bmr::custody {
+
+using namespace store;
+
+namespace {
+
+constexpr int kCancelled = -98;
+constexpr int kTooShort = -40;
+constexpr std::size_t kShortestPassphrase = 8;
+constexpr std::size_t kMasterKeyLength = 43;
+constexpr std::size_t kKeystringLength = 256;
+
+const char* const kKeystringRow = "fSec=1 And fSub=1";
+const char* const kCopyRow = "fSec=1 And fSub=2";
+
+int ShowFatal(Session& session, const std::string& what) {
+    Box box = MessageBox(83, BoxIcon::Critical);
+    box.text += what;
+    session.ports.prompter.Ask(box);
+    return kQuitProgram;
+}
+
+/// Adds or edits one of the two keystring rows; `fT1` empty means noise there too.
+int WriteKeyRow(Session& session, const char* criteria, std::int32_t fSub, Bytes fEtx, Bytes fT1) {
+    auto rows = session.ProgramDb->OpenRecordset("tt");
+    if (!rows) return rows.error().number;
+    engine::Recordset& row = **rows;
+    row.FindFirst(criteria);
+    if (row.NoMatch()) {
+        row.AddNew();
+        row.SetField("AE", 1);
+    } else {
+        const std::int32_t marks = NumberOf(row.Field("AE"));
+        row.Edit();
+        row.SetField("AE", marks | 2);
+    }
+    row.SetField("fSec", 1);
+    row.SetField("fSub", fSub);
+    row.SetField("fEtx", std::move(fEtx));
+    const bool noiseInT1 = fT1.empty();
+    if (!noiseInT1) row.SetField("fT1", std::move(fT1));
+    FillColumns(row,
+                {.t1 = noiseInT1, .t2 = true, .t3 = true, .r1 = true, .r2 = true, .r3 = true, .r4 = true},
+                session.ports.random);
+    return row.Update();
+}
+
+int WriteKeystringRow(Session& session, std::string_view keystring) {
+    const Secret mark = cry::HashPassphrase(session.MasterKey.view());
+    return WriteKeyRow(session, kKeystringRow, 1,
+                       cry::PassEncrypt(session.ports.random, keystring, session.MasterKey.view()),
+                       Bytes(mark.view()));
+}
+
+/// fEtx of the row that meets `criteria`; nothing when there is none.
+std::optional<Bytes> ReadKeyRow(engine::Recordset& rows, const char* criteria) {
+    rows.FindFirst(criteria);
+    if (rows.NoMatch()) return std::nullopt;
+    return TextOf(rows.Field("fEtx"));
+}
+
+/// The second copy, and row (1,1) made good from it.
+int RecoverKeystring(Session& session, engine::Recordset& rows) {
+    const auto copy = ReadKeyRow(rows, kCopyRow);
+    if (!copy) return ShowFatal(session, "105");
+    const Secret mark = cry::HashPassphrase(session.MasterKey.view());
+    const Secret outer = cry::PassDecrypt(*copy, mark.view());
+    // Inside, the copy was wrapped under the master key but is opened with PassHash. Required: a copy written
+    // by this system never opens, and the loss is told as number 106.
+    Secret keystring = cry::PassDecrypt(outer.view(), session.PassHash.view());
+    if (keystring.size() != kKeystringLength) return ShowFatal(session, "106");
+    session.cipher.Keystring = keystring.Copy();
+    // A database of a later version is refused untouched, so its row is not repaired either.
+    if (ReadDatabaseVersion(session) > kDatabaseVersion) return 0;
+    return WriteKeystringRow(session, keystring.view());
+}
+
+int CreateKeystringRows(Session& session) {
+    RandomSource& random = session.ports.random;
+    const Secret& keystring = session.cipher.Keystring;
+    const Bytes wrapped = cry::PassEncrypt(random, keystring.view(), session.MasterKey.view());
+    if (cry::PassDecrypt(wrapped, session.MasterKey.view()).view() != keystring.view()) {
+        Box box = MessageBox(44, BoxIcon::Critical);
+        box.text = "115: " + box.text;
+        session.ports.prompter.Ask(box);
+        return kQuitProgram;
+    }
+    const Secret mark = cry::HashPassphrase(session.MasterKey.view());
+    if (const int error = WriteKeyRow(session, kKeystringRow, 1, wrapped, Bytes(mark.view()))) return error;
+    return WriteKeyRow(session, kCopyRow, 2, cry::PassEncrypt(random, wrapped, mark.view()), Bytes());
+}
+
+/// Verifier and wrapped master key under the `PassHash` at hand.
+void SealUser(Session& session) {
+    const Secret verifier = cry::HashStrong(session.PassHash.view());
+    session.user.PwVerifier = Bytes(verifier.view());
+    session.user.WrappedKey =
+        cry::PassEncrypt(session.ports.random, session.MasterKey.view(), session.PassHash.view());
+}
+
+/// The user's row and the default PIN under the new passphrase, both or neither.
+int RewriteUser(Session& session) {
+    engine::Transaction change(*session.ProgramDb);
+    if (change.error() != 0) return change.error();
+    SealUser(session);
+    if (const int error = WriteUser(session)) return error;
+    if (const int error = SetDefaultPin(session)) return error;
+    return change.Commit();
+}
+
+}  // namespace
+
+void WipeHashes(Session& session) {
+    session.PassHash.Wipe();
+    session.PassHashStrong.Wipe();
+    session.MasterKey.Wipe();
+    cry::WipeString(session.user.PwVerifier);
+    cry::WipeString(session.user.WrappedKey);
+}
+
+std::string PromptTitle(const Session& session) {
+    const auto name = session.DatabasePath.filename().u8string();
+    const std::string utf8(name.begin(), name.end());
+    // A name with characters that code page 1252 lacks stands as it is.
+    const auto bytes = ToBytes(utf8);
+    return "Database: " + (bytes ? ToUtf8(UpperCase(*bytes)) : utf8);
+}
+
+void StandBy(Session& session) {
+    Prompter& prompter = session.ports.prompter;
+    prompter.Comment("Stand By", true);
+    prompter.PauseAfterFailure();
+    prompter.Comment("", false);
+}
+
+bool RetryAfterFailure(Session& session, int error) {
+    ++session.PwAttempts;
+    Box box = MessageBox(-error, BoxIcon::Warning);
+    const bool last = session.PwAttempts >= kMostAttempts;
+    if (!last) {
+        box.buttons = Buttons::RetryCancel;
+        box.standard = Answer::Retry;
+    }
+    const bool retry = session.ports.prompter.Ask(box) == Answer::Retry && !last;
+    // The pause comes on every way on, or Cancel and a new opening would be the fast way to guess.
+    StandBy(session);
+    return retry;
+}
+
+int RequestPassphrase(Session& session, bool newOne) {
+    PassphraseRequest request;
+    request.title = PromptTitle(session);
+    request.prompt = Msg(newOne ? 99 : 159);
+    request.confirm = newOne;
+    request.checkQuality = newOne;
+    for (;;) {
+        Secret typed;
+        if (!session.ports.prompter.AskSecret(request, typed) || typed.empty()) return kCancelled;
+        if (typed.size() >= kShortestPassphrase) {
+            session.PassHash = cry::HashPassphrase(typed.view());
+            session.PassHashStrong = cry::HashStrong(typed.view());
+            return 0;
+        }
+        typed.Wipe();
+        if (!RetryAfterFailure(session, kTooShort)) return session.DatabaseOpen ? kTooShort : kQuitProgram;
+    }
+}
+
+int CreateKeys(Session& session) {
+    RandomSource& random = session.ports.random;
+    session.MasterKey = Secret(kMasterKeyLength);
+    random.Fill(session.MasterKey.span());
+    session.cipher.Keystring = Secret(kKeystringLength);
+    random.Fill(session.cipher.Keystring.span());
+
+    session.user = CurrentUser();
+    session.user.UserFlag1 = true;
+    session.user.UserFlag2 = true;
+    session.user.UserName = "Admin";
+    SealUser(session);
+
+    engine::Transaction all(*session.ProgramDb);
+    int error = all.error();
+    if (error == 0) error = CreateKeystringRows(session);
+    if (error == 0) error = WriteUser(session);
+    if (error == 0) error = SetDefaultPin(session);
+    if (error == 0) error = all.Commit();
+    session.MasterKey.Wipe();
+    return error;
+}
+
+int LoadKeys(Session& session) {
+    struct MasterKeyWiper {
+        Session& session;
+        ~MasterKeyWiper() { session.MasterKey.Wipe(); }
+    } wiper{session};
+    auto rows = session.ProgramDb->OpenRecordset("tt");
+    if (!rows) return rows.error().number;
+    if (const int error = FindUser(session)) return error;
+
+    session.cipher.Keystring.Wipe();
+    if (const auto wrapped = ReadKeyRow(**rows, kKeystringRow))
+        session.cipher.Keystring = cry::PassDecrypt(*wrapped, session.MasterKey.view());
+    if (session.cipher.Keystring.size() == kKeystringLength) return 0;
+    session.cipher.Keystring.Wipe();
+    return RecoverKeystring(session, **rows);
+}
+
+PassphraseChange ChangePassphrase(Session& session) {
+    const HashWiper wiper(session);
+    if (CheckUser(session, Msg(159), true) != UserCheck::Right) return PassphraseChange::Unverified;
+    session.PwAttempts = 0;
+    int error = FindCurrentUser(session);
+    if (error == 0 && session.MasterKey.empty()) error = engine::EngineNumber::Failed;
+    if (error == 0) error = RequestPassphrase(session, true);
+    if (error == 0 && !session.ProgramDb)
+        return PassphraseChange::Unchanged;  // closed by the idle end while the prompt stood
+    if (error == 0) {
+        // SetDefaultPin takes the default PIN into the session before the file has it for sure.
+        PinRecord old{session.pin.PinKind, session.pin.Pin.Copy(), session.pin.PinApp,
+                      session.pin.PINeveryaccess};
+        error = RewriteUser(session);
+        if (error != 0) session.pin = std::move(old);
+        if (error > 0) TellFailure(session, error);
+    }
+    if (error != 0 && error != kQuitProgram) session.ports.prompter.Ask(MessageBox(124));
+    return error == 0 ? PassphraseChange::Changed : PassphraseChange::Unchanged;
+}
+
+}  // namespace bmr::custody

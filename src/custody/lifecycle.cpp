@@ -1,0 +1,351 @@
+#include "custody/lifecycle.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include "base/languageus.h"
+#include "custody/keyrecords.h"
+#include "custody/systemrecord.h"
+#include "custody/users.h"
+#include "store/session.h"
+
+namespace bmr::custody {
+
+using namespace store;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kEmptyPath = -1;
+constexpr int kNoSuchUser = -85;
+constexpr int kCancelled = -98;
+constexpr int kFileNotFound = -134;
+
+const char* const kMostRecentFile = "MostRecentFiles/1";
+const char* const kLastUser = "User/LastUser";
+
+std::string PathText(const fs::path& path) {
+    const auto utf8 = path.u8string();
+    return {utf8.begin(), utf8.end()};
+}
+
+/// What a database leaves in the session, wiped or back to what it is before an opening.
+void ForgetDatabase(Session& session) {
+    session.ProgramDb.reset();
+    session.DatabaseOpen = false;
+    session.DatabasePath.clear();
+    cry::WipeBytes(session.cipher.FieldKey);
+    cry::WipeBytes(session.cipher.Keystring);
+    cry::WipeBytes(session.cipher.FieldPlain);
+    WipeHashes(session);
+    session.quickTask.Wipe();
+    session.user = CurrentUser();
+    session.pin = PinRecord();
+    session.settings = Settings();
+    session.userLabels = BuiltInUserLabels();
+    session.ShowPrivate = false;
+    session.SectionCode = Section::None;
+    session.PinPassed = 0;
+    session.CalendarDirty = false;
+    session.bucketOrder.Clear();
+}
+
+/// The end of an opening that failed; gives `error` back.
+int Abandon(Session& session, int error) {
+    ForgetDatabase(session);
+    session.ports.prompter.Comment("", false);
+    return error;
+}
+
+/// Opens the session's one connection, which is held until the close.
+int OpenConnection(Session& session) {
+    auto db = engine::Database::Open(session.DatabasePath);
+    if (!db) {
+        Box box = MessageBox(83, BoxIcon::Critical);
+        box.text += "102: " + ExplainOpenFailure(db.error().number);
+        session.ports.prompter.Ask(box);
+        return db.error().number;
+    }
+    session.ProgramDb = std::move(*db);
+    return 0;
+}
+
+/// Passphrase and keys, until they fit or the attempts are used up.
+int LogIn(Session& session) {
+    for (;;) {
+        if (const int error = RequestPassphrase(session, false)) return error;
+        session.ports.prompter.Comment("Checking Database...", true);
+        const int error = LoadKeys(session);
+        if (error > 0) TellFailure(session, error);
+        if (error != kNoSuchUser) return error;
+        session.ports.prompter.Comment("", false);
+        if (!RetryAfterFailure(session, error)) return session.DatabaseOpen ? error : kQuitProgram;
+    }
+}
+
+/// Refuses a database of a later version before anything in it is changed, and makes a lost system record.
+int CheckSystemRecord(Session& session) {
+    if (ReadDatabaseVersion(session) > kDatabaseVersion) {
+        session.ports.prompter.Ask(MessageBox(94, BoxIcon::Critical));
+        return kQuitProgram;
+    }
+    return WriteMissingSystemRecord(session);
+}
+
+/// What follows once the keys are there: the user's preferences, the duplicates, the registry.
+int FinishOpening(Session& session) {
+    session.ports.prompter.Comment("Database Check OK. Opening...", true);
+    if (const int error = LoadPin(session)) return error;
+    if (const int error = ReadSettings(session)) return error;
+    session.userLabels = ReadUserLabels(session, session.user.UserNumber);
+    if (const int removed = RemoveDuplicates(session); removed < 0) return -removed;
+    session.DatabaseOpen = true;
+    std::error_code ignored;  // a path that cannot be made absolute is kept as it was given
+    const auto absolute = fs::absolute(session.DatabasePath, ignored);
+    session.ports.registry.Write(kMostRecentFile, PathText(ignored ? session.DatabasePath : absolute));
+    session.ports.registry.Write(kLastUser, ToUtf8(session.user.UserName));
+    session.ports.prompter.Comment("", false);
+    return 0;
+}
+
+/// `FinishOpening`, or the state of before with the cause told.
+int FinishOrAbandon(Session& session) {
+    const int error = FinishOpening(session);
+    if (error == 0) return 0;
+    if (error > 0) TellFailure(session, error);
+    return Abandon(session, error);
+}
+
+/// The name for a new database, or nothing. An existing file of a name that only got its extension here was
+/// not asked about by the dialog.
+std::optional<fs::path> AskNewName(Session& session) {
+    Prompter& prompter = session.ports.prompter;
+    auto path = prompter.AskSaveFile({.title = Msg(89), .filter = "Tolvane BMR-files (*.bmr)|*.bmr"});
+    if (!path || path->filename().empty()) return std::nullopt;
+    std::error_code ignored;  // what cannot be looked at cannot be overwritten either
+    if (PathText(path->filename()).find('.') == std::string::npos) {
+        *path += ".bmr";
+        if (fs::exists(*path, ignored)) {
+            Box box;
+            box.text = "\"" + PathText(path->filename()) + "\" already exists. Replace it?";
+            box.buttons = Buttons::YesNo;
+            box.icon = BoxIcon::Warning;
+            box.standard = Answer::No;
+            if (prompter.Ask(box) != Answer::Yes) return std::nullopt;
+        }
+    }
+    return path;
+}
+
+/// Deletes the file that a new database replaces, with a journal that would be played back into the new one.
+/// A file that another process has open stays.
+int DeleteReplaced(const fs::path& path) {
+    std::error_code error;
+    if (!fs::exists(path, error)) return error ? engine::EngineNumber::NoPermission : 0;
+    if (!fs::is_regular_file(path, error)) return engine::EngineNumber::NoPermission;
+    if (auto open = engine::Database::Open(path); !open && open.error().number == engine::EngineNumber::InUse)
+        return engine::EngineNumber::InUse;
+    fs::remove(path, error);
+    if (error) return engine::EngineNumber::NoPermission;
+    auto journal = path;
+    journal += "-journal";
+    fs::remove(journal, error);
+    return error ? engine::EngineNumber::NoPermission : 0;
+}
+
+/// The file, its keys and its system record, all rows in one transaction.
+int FillNewStore(Session& session) {
+    if (const int error = engine::CreateStore(session.DatabasePath)) return error;
+    auto db = engine::Database::Open(session.DatabasePath);
+    if (!db) return db.error().number;
+    session.ProgramDb = std::move(*db);
+    engine::Transaction all(*session.ProgramDb);
+    if (all.error() != 0) return all.error();
+    if (const int error = CreateKeys(session)) return error;
+    if (const int error = WriteSystemRecord(session)) return error;
+    return all.Commit();
+}
+
+/// Whether the file that stands where a compacted copy is to be written is one that an earlier run left.
+bool IsLeftover(const fs::path& path) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) return false;
+    // The head of a copy is written last: one that was cut off has zeros there.
+    std::array<char, 16> head{};
+    std::ifstream(path, std::ios::binary).read(head.data(), head.size());
+    if (std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; })) return true;
+    return static_cast<bool>(engine::Database::Open(path));
+}
+
+int Compact(Session& session, const fs::path& given) {
+    const fs::path path = engine::FollowLinks(given);
+    fs::path copy = path;
+    std::string name = PathText(path.filename());
+    name.replace(name.size() - std::min<std::size_t>(3, name.size()), std::string::npos, "tmp");
+    copy.replace_filename(fs::u8path(name));
+    std::error_code error;
+    if (copy == path || (fs::exists(copy, error) && !IsLeftover(copy))) {
+        Box box;
+        box.text = "The file \"" + name + "\" stands where the compacted copy would be written.";
+        box.icon = BoxIcon::Warning;
+        session.ports.prompter.Ask(box);
+        return engine::EngineNumber::Failed;
+    }
+    fs::remove(copy, error);
+    const int failed = engine::CompactInPlace(path, copy);
+    if (failed == 0) return 0;
+    TellFailure(session, failed);
+    return failed;
+}
+
+}  // namespace
+
+std::string ExplainOpenFailure(int number) {
+    switch (number) {
+        case engine::EngineNumber::Damaged:
+            return "The file is damaged or is not a Brindlemere database.";
+        case engine::EngineNumber::InUse:
+            return "The file is in use by another program.";
+        case engine::EngineNumber::NotFound:
+            return "The file was not found.";
+        case engine::EngineNumber::NoPermission:
+            return "The file may not be opened or written with your permissions.";
+        case engine::EngineNumber::DiskFull:
+            return "The disk is full.";
+        default:
+            return "The file could not be read or written.";
+    }
+}
+
+void TellFailure(Session& session, int number) {
+    Box box;
+    box.text = ExplainOpenFailure(number);
+    box.icon = BoxIcon::Warning;
+    session.ports.prompter.Ask(box);
+}
+
+int TestOpen(Session& session, const fs::path& path) {
+    if (path.empty()) return kEmptyPath;
+    session.DatabasePath = path;
+    int error = 0;
+    std::string detail;
+    {
+        auto db = engine::Database::Open(session.DatabasePath);
+        if (!db) {
+            error = db.error().number;
+            detail = db.error().detail;
+        }
+    }
+    if (error == engine::EngineNumber::Damaged) {
+        Box box = MessageBox(46, BoxIcon::Warning);
+        box.text += "\n" + detail;
+        box.buttons = Buttons::YesNo;
+        box.standard = Answer::No;
+        if (session.ports.prompter.Ask(box) == Answer::Yes) error = RepairAndTest(session);
+    }
+    if (error != 0) session.DatabasePath.clear();
+    return error;
+}
+
+int RepairAndTest(Session& session) {
+    session.ports.prompter.Comment("", true);
+    std::string detail;
+    const int failed = engine::RepairDatabase(session.DatabasePath, &detail);
+    session.ports.prompter.Comment("", false);
+    // What a repair could not do, the test tells; what it may have lost must be told here.
+    if (failed == 0 && !detail.empty()) {
+        Box box;
+        box.text = detail;
+        box.icon = BoxIcon::Warning;
+        session.ports.prompter.Ask(box);
+    }
+    return TestOpen(session, fs::path(session.DatabasePath));
+}
+
+int OpenFileDialog(Session& session) {
+    session.DatabasePath.clear();
+    FileRequest request;
+    request.title = Msg(88) + " BMR Tolvane";
+    request.filter = "Brindlemere BMR (*.bmr)|*.bmr|" + Msg(87) + " (*.*)|*.*";
+    request.mustExist = true;
+    const auto path = session.ports.prompter.AskOpenFile(request);
+    if (!path || path->empty()) return kCancelled;
+    const int error = TestOpen(session, *path);
+    // A good file that is locked or forbidden has nothing wrong with its format.
+    if (error == engine::EngineNumber::Damaged)
+        session.ports.prompter.Ask(MessageBox(51, BoxIcon::Warning));
+    else if (error != 0)
+        TellFailure(session, error);
+    return error;
+}
+
+int NewDatabase(Session& session) {
+    const HashWiper wiper(session);
+    const bool chosen = !session.DefaultPathChosen;
+    session.DefaultPathChosen = false;
+    if (chosen) {
+        const auto path = AskNewName(session);
+        if (!path) return kCancelled;
+        session.DatabasePath = *path;
+    }
+    session.PwAttempts = 0;
+    if (const int error = RequestPassphrase(session, true)) return Abandon(session, error);
+    int error = chosen ? DeleteReplaced(session.DatabasePath) : 0;
+    if (error == 0) error = FillNewStore(session);
+    if (error != 0) {
+        if (error > 0) TellFailure(session, error);
+        return Abandon(session, error);
+    }
+    WipeHashes(session);
+    return FinishOrAbandon(session);
+}
+
+int OpenDatabaseFile(Session& session) {
+    const HashWiper wiper(session);
+    session.PwAttempts = 0;
+    if (const int error = OpenConnection(session)) return Abandon(session, error);
+    if (const int error = LogIn(session)) return Abandon(session, error);
+    const int error = CheckSystemRecord(session);
+    if (error > 0) TellFailure(session, error);
+    if (error != 0) return Abandon(session, error);
+    WipeHashes(session);
+    return FinishOrAbandon(session);
+}
+
+int CloseDatabase(Session& session) {
+    int error = 0;
+    if (session.ProgramDb && session.DatabaseOpen) {
+        engine::Transaction last(*session.ProgramDb);
+        error = last.error();
+        if (error == 0) error = WriteSystemRecord(session);
+        if (error == 0) error = WriteSettingsAtClose(session);
+        if (error == 0) error = last.Commit();
+    }
+    ForgetDatabase(session);
+    if (error != 0 && !session.ending) TellFailure(session, error);
+    return error;
+}
+
+int RepairAndCompact(Session& session) {
+    const fs::path path = session.DatabasePath;
+    std::error_code ignored;  // what cannot be looked at is not there
+    if (!fs::exists(path, ignored)) {
+        session.ports.prompter.Ask(MessageBox(134, BoxIcon::Warning));
+        return kFileNotFound;
+    }
+    int error = CloseDatabase(session);
+    if (error == 0) {
+        session.ports.prompter.Comment("", true);
+        error = Compact(session, path);
+        session.ports.prompter.Comment("", false);
+        if (error == 0) session.ports.prompter.Ask(MessageBox(166));
+    }
+    // The old file stands unharmed when the compacting failed, and the person goes on in it.
+    session.DatabasePath = path;
+    const int opened = OpenDatabaseFile(session);
+    return opened != 0 ? opened : error;
+}
+
+}  // namespace bmr::custody

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace bmr::store {
+struct Session;
+}
+
+namespace bmr::custody {
+
+/// 0, the engine's number, or -1 for an empty path. A damaged file offers the repair (Msg 46). On an error
+/// `DatabasePath` is cleared.
+[[nodiscard]] int TestOpen(store::Session& session, const std::filesystem::path& path);
+/// Repairs the file at `DatabasePath` and tests it again.
+[[nodiscard]] int RepairAndTest(store::Session& session);
+
+/// Asks for a file and tests it; sets `DatabasePath`. -98 when cancelled; any other error was shown.
+[[nodiscard]] int OpenFileDialog(store::Session& session);
+
+/// Asks for a name (unless `DefaultPathChosen`) and a new passphrase, makes the file; the user is in as
+/// `Admin`. An existing file is deleted only once the new passphrase stands. -98 when cancelled.
+[[nodiscard]] int NewDatabase(store::Session& session);
+
+/// Passphrase, keys, version, settings, duplicates, registry: the database at `DatabasePath` is open
+/// afterwards. 0, an error number (-98 cancelled; others were shown), or `kQuitProgram` when the program is
+/// to end. After a failure no database is open, the keys are wiped and `DatabasePath` is empty. REQUIRES: no
+/// open database.
+[[nodiscard]] int OpenDatabaseFile(store::Session& session);
+
+/// Writes the system record and the settings, closes the file and wipes the keys. The caller has closed the
+/// section. Never leaves the database open, and empties `DatabasePath`; an error number, told in a box unless
+/// the program is ending, says that the last write failed.
+int CloseDatabase(store::Session& session);
+
+/// Closes, compacts into a file beside the database (its last three characters "tmp"), puts that in its
+/// place, Msg(166), opens again; where the compacting failed, the old file. -134 when the file is gone. The
+/// caller has closed the section.
+[[nodiscard]] int RepairAndCompact(store::Session& session);
+
+/// Adds or updates the system record (1,3); what its reserved fields hold is kept.
+[[nodiscard]] int WriteSystemRecord(store::Session& session);
+
+/// The version in the system record, 0 when the row is missing or does not decode.
+int ReadDatabaseVersion(store::Session& session);
+
+/// Deletes later copies of section rows with an fT1 that stood before (Null never counts). The number
+/// deleted, or a negative number on an error.
+int RemoveDuplicates(store::Session& session);
+
+/// One plain sentence (UTF-8) for an engine number: why a file could not be opened or written.
+std::string ExplainOpenFailure(int number);
+/// The same in a box.
+void TellFailure(store::Session& session, int number);
+
+}  // namespace bmr::custody

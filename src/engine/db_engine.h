@@ -1,0 +1,115 @@
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/result.h"
+#include "crypto/systemrandom.h"
+#include "engine/db_query.h"
+#include "engine/dialect.h"
+
+namespace bmr::engine {
+
+/// The indexes that a statement takes; empty: the library's own choice.
+struct Ways {
+    std::string toAll;    ///< quickest to the last row
+    std::string toFirst;  ///< quickest to the first rows, in order
+};
+
+/// A translated statement and the ways in that were chosen for it.
+struct Plan {
+    Translated statement;
+    Ways ways;
+    std::int64_t changesAt = 0;  ///< the connection's changes when they were chosen
+};
+
+/// One connection: the file's lock, the transactions, the cache of prepared statements. Shared by a Database
+/// and its recordsets; closed by the Database.
+class Engine : public std::enable_shared_from_this<Engine> {
+  public:
+    /// How a file is opened. `Repair` takes the lock but asks for no sound schema and reads on where the file
+    /// is too short.
+    enum class Purpose { Use, Repair };
+    static Result<std::shared_ptr<Engine>> Open(const std::filesystem::path& path, Purpose purpose);
+    ~Engine();
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    void Close();
+    bool alive() const { return db_ != nullptr; }
+    sqlite3* handle() const { return db_->getHandle(); }
+    SQLite::Database& connection() { return *db_; }
+    RandomSource& random() { return random_; }
+
+    Result<Query> Prepare(const std::string& sql);
+    /// Prepares a statement that `hinted` makes for an index; where the file has no such index, without it.
+    Result<Query> PrepareWith(const std::string& index,
+                              const std::function<std::string(std::string_view index)>& hinted);
+    void TakeBack(std::string sql, sqlite3_stmt* statement);
+
+    Result<std::shared_ptr<const Plan>> PlanOf(std::string_view statement);
+    /// The narrowest way in to rows that meet all `ranges`, counted and not guessed.
+    Ways ChooseWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy);
+
+    int Begin();
+    int Commit();
+    void Rollback();
+    /// Transactions and statements that were undone since the file was opened.
+    std::int64_t undone() const { return undone_; }
+    /// Runs a statement that writes. A failure undoes the whole transaction around it.
+    int Write(Query& query);
+    /// Why nothing may be written any more until the transaction has ended; 0 when it may.
+    int brokenBy() const { return broken_; }
+
+    /// Opens the file of INSERT INTO tt IN as `other`; it goes when the transaction ends, or with `Detach`.
+    int Attach(const std::string& path);
+    void DetachOutsideTransaction();
+
+    /// Takes note of a failure and gives its number.
+    int Fail(int number, std::string words);
+    int FailWith(int code);
+    const std::string& lastError() const { return lastError_; }
+
+  private:
+    Engine() = default;
+    void Configure(Purpose purpose);
+    void LockAndTest(Purpose purpose);
+    void RemoveColdJournal();
+    void TestSize();
+    void TestSchema(const std::string& schema);
+    std::int64_t Count(const IndexRange& range, std::int64_t limit);
+    std::int64_t CountAll();
+    void UndoOnFailure(int number);
+
+    std::unique_ptr<SQLite::Database> db_;
+    cry::SystemRandom random_;
+    std::unordered_multimap<std::string, sqlite3_stmt*> idle_;
+    std::unordered_map<std::string, std::shared_ptr<const Plan>> plans_;
+    std::string attached_;
+    std::string lastError_;
+    int depth_ = 0;
+    int broken_ = 0;
+    std::int64_t undone_ = 0;
+};
+
+/// The engine's number for the library's extended code.
+int NumberOfCode(int code, int systemError);
+
+/// Adds Int, ^, Mod and \ to a connection.
+void AddDialectFunctions(sqlite3* db);
+
+/// A random row key: never -1 or 0, never one that is `taken`.
+std::int32_t DrawKey(RandomSource& random, const std::function<bool(std::int32_t)>& taken);
+
+/// A path as the library wants it: absolute, so that it is never taken for a URI, and UTF-8.
+std::string EnginePath(const std::filesystem::path& path);
+
+}  // namespace bmr::engine

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace bmr::engine::dialect {
+
+/// Where and why a text is not of the dialect. Does not leave the two files of the translator.
+struct SyntaxError {
+    std::size_t place = 0;
+    std::string reason;
+};
+
+enum class Op {
+    Number,  ///< text: the digits as written
+    Column,  ///< text: the column's proper name
+    Alias,   ///< text: a name that another item of the statement carries
+    Null,
+    Star,
+    Call,  ///< text: the function's proper name
+    Negate,
+    Power,
+    Multiply,
+    Divide,
+    WholeDivide,
+    Mod,
+    Add,
+    Subtract,
+    Equal,
+    NotEqual,
+    Less,
+    LessEqual,
+    Greater,
+    GreaterEqual,
+    Between,
+    IsNull,
+    IsNotNull,
+    Not,
+    And,
+    Or
+};
+
+struct Expr {
+    Op op = Op::Null;
+    std::string text;
+    std::vector<Expr> args;
+    std::size_t place = 0;
+};
+
+struct Item {
+    Expr value;
+    std::string alias;
+};
+
+struct OrderTerm {
+    Expr value;
+    bool falling = false;
+};
+
+struct Statement {
+    enum class Kind { Select, Delete, Insert } kind = Kind::Select;
+    std::string otherFile;
+    std::vector<Item> items;
+    std::vector<Expr> where;  ///< none or one
+    std::vector<Expr> groupBy;
+    std::vector<Expr> having;  ///< none or one
+    std::vector<OrderTerm> orderBy;
+};
+
+/// Throws SyntaxError.
+Statement ParseStatement(std::string_view text);
+/// Names that are no columns of `tt` become aliases.
+Expr ParseCriteria(std::string_view text);
+
+/// A function of the dialect; null for an unknown name.
+struct Function {
+    std::string_view name;
+    bool aggregate = false;
+};
+const Function* FindFunction(std::string_view name);
+
+/// Puts the items in the place of the names that they carry. Throws SyntaxError on a name that is none.
+void ResolveAliases(Statement& statement);
+
+/// Whether an aggregate function stands anywhere in `expr`.
+bool HasAggregate(const Expr& expr);
+
+}  // namespace bmr::engine::dialect

@@ -31,7 +31,7 @@ class Recordset;
 class Cursor;
 
 /// One open file with the table `tt`: exclusive lock, rollback journal with synchronous=EXTRA, secure delete.
-/// The only place that knows the engine. Statements are in the dialect of `store/dialect`. Methods that can
+/// The only place that knows the engine. Statements are in the dialect of `engine/dialect`. Methods that can
 /// fail return the engine's number (0 for none); the engine's words stand in `LastError`.
 ///
 /// While it is open, this process must not open the file by any other means: closing such a handle would drop

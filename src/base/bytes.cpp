@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/utf8.h"
+
 namespace bmr {
 namespace {
 
@@ -12,49 +14,8 @@ constexpr std::array<char32_t, 32> kUpperControls = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-constexpr char32_t kBroken = 0xFFFD;
-
 char32_t CodePointOf(unsigned char byte) {
     return byte >= 0x80 && byte < 0xA0 ? kUpperControls[byte - 0x80U] : byte;
-}
-
-int ByteOf(char32_t character) {
-    if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) return static_cast<int>(character);
-    const auto* found = std::find(kUpperControls.begin(), kUpperControls.end(), character);
-    return found == kUpperControls.end() ? -1 : 0x80 + static_cast<int>(found - kUpperControls.begin());
-}
-
-/// Next character of a UTF-8 text; malformed, overlong and surrogate sequences give U+FFFD for one byte.
-char32_t NextCharacter(std::string_view text, std::size_t& at) {
-    const unsigned first = ByteAt(text, at++);
-    if (first < 0x80) return first;
-    const int more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : -1;
-    if (more < 0 || first > 0xF4 || at + static_cast<std::size_t>(more) > text.size()) return kBroken;
-    char32_t character = first & (0x3FU >> more);
-    for (int i = 0; i < more; ++i) {
-        const unsigned next = ByteAt(text, at + static_cast<std::size_t>(i));
-        if ((next & 0xC0U) != 0x80) return kBroken;
-        character = (character << 6) | (next & 0x3FU);
-    }
-    constexpr std::array<char32_t, 4> kLowest = {0, 0x80, 0x800, 0x10000};
-    if (character < kLowest[static_cast<std::size_t>(more)] || character > 0x10FFFF ||
-        (character >= 0xD800 && character <= 0xDFFF))
-        return kBroken;
-    at += static_cast<std::size_t>(more);
-    return character;
-}
-
-void AppendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += ByteChar(0xC0U | (c >> 6));
-        out += ByteChar(0x80U | (c & 0x3FU));
-    } else {
-        out += ByteChar(0xE0U | (c >> 12));
-        out += ByteChar(0x80U | ((c >> 6) & 0x3FU));
-        out += ByteChar(0x80U | (c & 0x3FU));
-    }
 }
 
 unsigned char UpperOf(unsigned char c) {
@@ -100,13 +61,31 @@ int HexDigit(char c) {
 
 }  // namespace
 
+int ByteOf(char32_t character) {
+    if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) return static_cast<int>(character);
+    const auto* found = std::find(kUpperControls.begin(), kUpperControls.end(), character);
+    return found == kUpperControls.end() ? -1 : 0x80 + static_cast<int>(found - kUpperControls.begin());
+}
+
+bool FitsBytes(std::string_view utf8) {
+    for (std::size_t at = AsciiRun(utf8, 0); at < utf8.size(); at += AsciiRun(utf8, at))
+        if (ByteOf(NextCharacter(utf8, at)) < 0) return false;
+    return true;
+}
+
 std::optional<Bytes> ToBytes(std::string_view utf8) {
+    // Asked first, so that a text that is refused leaves no half of it in memory.
+    if (!FitsBytes(utf8)) return std::nullopt;
     Bytes out;
     out.reserve(utf8.size());
     for (std::size_t at = 0; at < utf8.size();) {
-        const int byte = ByteOf(NextCharacter(utf8, at));
-        if (byte < 0) return std::nullopt;
-        out += ByteChar(static_cast<unsigned>(byte));
+        // Most texts are ASCII from end to end, and every record passes here.
+        if (const std::size_t plain = AsciiRun(utf8, at); plain != 0) {
+            out.append(utf8.substr(at, plain));
+            at += plain;
+        } else {
+            out += ByteChar(static_cast<unsigned>(ByteOf(NextCharacter(utf8, at))));
+        }
     }
     return out;
 }
@@ -122,10 +101,15 @@ std::vector<Unmappable> FindUnmappable(std::string_view utf8) {
 }
 
 std::string ToUtf8(std::string_view bytes) {
+    std::size_t plain = AsciiRun(bytes, 0);
     std::string out;
-    out.reserve(bytes.size());
-    for (const char c : bytes)
-        AppendUtf8(out, CodePointOf(static_cast<unsigned char>(c)));
+    // Three bytes for each character at most, so that a text with secrets never moves while it grows.
+    out.reserve(plain + 3 * (bytes.size() - plain));
+    for (std::size_t at = 0; at < bytes.size(); plain = AsciiRun(bytes, at)) {
+        out.append(bytes.substr(at, plain));
+        at += plain;
+        if (at < bytes.size()) AppendUtf8(out, CodePointOf(static_cast<unsigned char>(bytes[at++])));
+    }
     return out;
 }
 

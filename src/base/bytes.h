@@ -11,11 +11,17 @@ namespace bmr {
 /// Text of the record format: one character for each byte, in code page 1252. Never UTF-8.
 using Bytes = std::string;
 
+/// Text as a person typed it, of every script, in UTF-8 that is whole. Never code page 1252.
+using Words = std::string;
+
 /// A character of a UTF-8 text that code page 1252 cannot hold. `position` counts characters from 0.
 struct Unmappable {
     std::size_t position = 0;
     char32_t character = 0;
 };
+
+/// True when code page 1252 has every character of a UTF-8 text, which is then whole.
+bool FitsBytes(std::string_view utf8);
 
 /// UTF-8 to code page 1252; nothing when a character has no place there or the text is no valid UTF-8.
 /// The five bytes that the page leaves open (81 8D 8F 90 9D) stand for the code points of the same number.
@@ -26,6 +32,9 @@ std::vector<Unmappable> FindUnmappable(std::string_view utf8);
 
 /// Code page 1252 to UTF-8; never fails.
 std::string ToUtf8(std::string_view bytes);
+
+/// The byte that code page 1252 has for a character, -1 when it has none.
+int ByteOf(char32_t character);
 
 /// Without the blanks (byte 32 only) at both ends.
 std::string_view TrimBlanks(std::string_view text);

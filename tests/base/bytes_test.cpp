@@ -14,6 +14,19 @@ TEST(Bytes, EveryByteSurvivesUtf8AndBack) {
     EXPECT_EQ(ToUtf8("\x81"), "\xC2\x81");
 }
 
+TEST(Bytes, CharactersStandAtEveryPlaceOfAText) {
+    for (std::size_t front = 0; front < 20; ++front) {
+        for (std::size_t behind = 0; behind < 20; ++behind) {
+            const Bytes text = Bytes(front, 'f') + "\x80\xE4" + Bytes(behind, 'b');
+            const Words words = Bytes(front, 'f') + "€ä" + Bytes(behind, 'b');
+            EXPECT_EQ(ToUtf8(text), words);
+            EXPECT_EQ(ToBytes(words), text);
+            EXPECT_FALSE(FitsBytes(words + "Ł"));
+            EXPECT_FALSE(FitsBytes(words.substr(0, front + 2) + words.substr(front + 3)));
+        }
+    }
+}
+
 TEST(Bytes, CharactersOutsideThePageAreFoundAndRefused) {
     EXPECT_FALSE(ToBytes("Łódź"));
     const auto found = FindUnmappable("aŁb字");

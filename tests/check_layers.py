@@ -10,6 +10,7 @@ SECTIONS = ["calendar", "tasks", "notes", "budget", "address", "confidential", "
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([a-z_]+)/([A-Za-z0-9_]+)\.h"')
 ENGINE = {
     "SQLiteCpp": ("engine/",), "sqlite3": ("engine/",), "botan": ("crypto/",),
+    "unicode/": ("base/unicode",),
     "xcb": ("kit/platform_",), "windows.h": ("kit/platform_",),
 }
 SYSTEM = re.compile(r'^\s*#\s*include\s+[<"]([^>"]+)[>"]')

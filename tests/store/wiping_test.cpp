@@ -6,7 +6,9 @@
 #include <new>
 
 #include "confidential/confidential.h"
+#include "crypto/cry.h"
 #include "custody/users.h"
+#include "store/words.h"
 #include "support/sitting.h"
 
 namespace {
@@ -63,6 +65,21 @@ TEST(Wiping, NothingOfAPinStaysInMemoryThatWasGivenBack) {
     EXPECT_EQ(error, 0);
     EXPECT_EQ(sitting.session.pin.Pin.view(), kSecret);
     sitting.Close();
+}
+
+TEST(Wiping, NothingOfATextThatIsToldTwice) {
+    for (const Words& text :
+         {Words(kSecret) + " in Łódź \xFF", "a\u0308 Ł\r" + Words(kSecret), Words(kSecret) + " a\u0308"}) {
+        EXPECT_EQ(LeftBehind([&text] {
+                      ToldWords words = TellWords(text);
+                      cry::WipeString(words.told);
+                      cry::WipeString(words.companion);
+                      EXPECT_FALSE(Needle("北").InTrue(text));
+                      EXPECT_FALSE(MeasureWords(text).TooLong());
+                  }),
+                  0)
+            << text;
+    }
 }
 
 TEST(Wiping, NothingOfAConfidentialRecordEither) {

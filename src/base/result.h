@@ -7,8 +7,8 @@
 
 namespace bmr {
 
-/// An error number: negative is the negated message number to show (-85 shows Msg(85), -98 is a cancelled
-/// prompt), positive is the engine's own. `detail` says in plain English (UTF-8) what went wrong.
+/// An error number: negative is the negated message number to show (`MessageNumber`), positive is the
+/// engine's own. `detail` says in plain English (UTF-8) what went wrong.
 struct Error {
     int number = 0;
     std::string detail;

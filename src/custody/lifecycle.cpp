@@ -4,6 +4,7 @@
 #include <array>
 #include <fstream>
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "custody/keyrecords.h"
 #include "custody/systemrecord.h"
@@ -19,9 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kEmptyPath = -1;
-constexpr int kNoSuchUser = -85;
-constexpr int kCancelled = -98;
-constexpr int kFileNotFound = -134;
 
 const char* const kMostRecentFile = "MostRecentFiles/1";
 const char* const kLastUser = "User/LastUser";
@@ -79,7 +77,7 @@ int LogIn(Session& session) {
         session.ports.prompter.Comment("Checking Database...", true);
         const int error = LoadKeys(session);
         if (error > 0) TellFailure(session, error);
-        if (error != kNoSuchUser) return error;
+        if (error != MessageNumber::NoSuchUser) return error;
         session.ports.prompter.Comment("", false);
         if (!RetryAfterFailure(session, error)) return session.DatabaseOpen ? error : kQuitProgram;
     }
@@ -271,7 +269,7 @@ int OpenFileDialog(Session& session) {
     request.filter = "Brindlemere BMR (*.bmr)|*.bmr|" + Msg(87) + " (*.*)|*.*";
     request.mustExist = true;
     const auto path = session.ports.prompter.AskOpenFile(request);
-    if (!path || path->empty()) return kCancelled;
+    if (!path || path->empty()) return MessageNumber::Cancelled;
     const int error = TestOpen(session, *path);
     // A good file that is locked or forbidden has nothing wrong with its format.
     if (error == engine::EngineNumber::Damaged)
@@ -287,7 +285,7 @@ int NewDatabase(Session& session) {
     session.DefaultPathChosen = false;
     if (chosen) {
         const auto path = AskNewName(session);
-        if (!path) return kCancelled;
+        if (!path) return MessageNumber::Cancelled;
         session.DatabasePath = *path;
     }
     session.PwAttempts = 0;
@@ -333,7 +331,7 @@ int RepairAndCompact(Session& session) {
     std::error_code ignored;  // what cannot be looked at is not there
     if (!fs::exists(path, ignored)) {
         session.ports.prompter.Ask(MessageBox(134, BoxIcon::Warning));
-        return kFileNotFound;
+        return MessageNumber::FileNotFound;
     }
     int error = CloseDatabase(session);
     if (error == 0) {

@@ -15,15 +15,15 @@ namespace bmr::custody {
 /// Repairs the file at `DatabasePath` and tests it again.
 [[nodiscard]] int RepairAndTest(store::Session& session);
 
-/// Asks for a file and tests it; sets `DatabasePath`. -98 when cancelled; any other error was shown.
+/// Asks for a file and tests it; sets `DatabasePath`. `Cancelled`; any other error was shown.
 [[nodiscard]] int OpenFileDialog(store::Session& session);
 
 /// Asks for a name (unless `DefaultPathChosen`) and a new passphrase, makes the file; the user is in as
-/// `Admin`. An existing file is deleted only once the new passphrase stands. -98 when cancelled.
+/// `Admin`. An existing file is deleted only once the new passphrase stands. May give `Cancelled`.
 [[nodiscard]] int NewDatabase(store::Session& session);
 
 /// Passphrase, keys, version, settings, duplicates, registry: the database at `DatabasePath` is open
-/// afterwards. 0, an error number (-98 cancelled; others were shown), or `kQuitProgram` when the program is
+/// afterwards. 0, an error number (`Cancelled`; others were shown), or `kQuitProgram` when the program is
 /// to end. After a failure no database is open, the keys are wiped and `DatabasePath` is empty. REQUIRES: no
 /// open database.
 [[nodiscard]] int OpenDatabaseFile(store::Session& session);
@@ -34,8 +34,8 @@ namespace bmr::custody {
 int CloseDatabase(store::Session& session);
 
 /// Closes, compacts into a file beside the database (its last three characters "tmp"), puts that in its
-/// place, Msg(166), opens again; where the compacting failed, the old file. -134 when the file is gone. The
-/// caller has closed the section.
+/// place, Msg(166), opens again; where the compacting failed, the old file. `FileNotFound` when it is gone.
+/// The caller has closed the section.
 [[nodiscard]] int RepairAndCompact(store::Session& session);
 
 /// Adds or updates the system record (1,3); what its reserved fields hold is kept.

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "base/bytes.h"
+#include "base/errors.h"
 #include "custody/users.h"
 #include "shell/timeout.h"
 #include "store/record_put.h"
@@ -17,8 +18,6 @@ namespace {
 using store::Session;
 using store::Settings;
 
-constexpr int kInputError = -43;
-constexpr int kClosedMeanwhile = -98;
 constexpr int kMinutesPerDay = 24 * 60;
 constexpr std::uint8_t kLastSectionUsed = 2;
 constexpr std::uint8_t kOwnPin = 1;
@@ -205,8 +204,8 @@ std::vector<Fault> FaultsOf(const Preferences& chosen) {
 }
 
 int StorePreferences(Session& session, const Preferences& chosen) {
-    if (!session.ProgramDb || session.ending) return kClosedMeanwhile;
-    if (!FaultsOf(chosen).empty()) return kInputError;
+    if (!session.ProgramDb || session.ending) return MessageNumber::Cancelled;
+    if (!FaultsOf(chosen).empty()) return MessageNumber::InputError;
     const Settings settings = session.settings;
     const store::UserLabels labels = session.userLabels;
     const bool unread = session.SettingsUnread;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "store/record_get.h"
 #include "store/section_store.h"
@@ -10,7 +11,6 @@ namespace bmr::store {
 namespace {
 
 constexpr std::uint8_t kListClass = 10;
-constexpr int kNoFreeNumber = -52;
 
 bool IsFixed(std::int32_t number) {
     return number == Category::All || number == Category::Unfiled || number == Category::Edit;
@@ -79,7 +79,7 @@ std::size_t InsertCategory(CategoryList& list, CategoryEntry entry) {
 }
 
 int StoreCategories(Session& session, const CategoryList& list, std::uint8_t section) {
-    if (list.size() > kMostCategories) return kNoFreeNumber;
+    if (list.size() > kMostCategories) return MessageNumber::NoFreeNumber;
     Bytes payload;
     std::uint8_t number = 0;
     for (const CategoryEntry& entry : list) {

@@ -2,14 +2,14 @@
 
 #include <QCoreApplication>
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "store/session.h"
 
 namespace bmr::kit {
 
 void TellFailure(store::Session& session, int error, const QString& what) {
-    constexpr int kCancelled = -98;
-    if (error == 0 || error == kCancelled) return;
+    if (error == 0 || error == MessageNumber::Cancelled) return;
     if (error < 0) {
         session.ports.prompter.Ask(MessageBox(-error, BoxIcon::Critical));
         return;

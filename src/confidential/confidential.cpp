@@ -82,11 +82,11 @@ void DecodeConfidentialRecord(Session& session, std::string_view fEtx, Record& r
 
 std::optional<Record> FetchRecord(Session& session, std::int32_t key) {
     const auto row = store::FetchRow(session, Section::Confidential, key);
-    if (!row) return std::nullopt;
+    if (!row || !*row) return std::nullopt;
     Record record;
     record.key = key;
-    record.kind = NumberOf(row->Field("fG1"));
-    DecodeConfidentialRecord(session, TextOf(row->Field("fEtx")), record);
+    record.kind = NumberOf((*row)->Field("fG1"));
+    DecodeConfidentialRecord(session, TextOf((*row)->Field("fEtx")), record);
     return record;
 }
 
@@ -148,8 +148,7 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kin
 }
 
 Bytes RecordName(Session& session, std::int32_t fPK) {
-    if (!session.ProgramDb) return {};  // a list may outlive its database for a moment
-    return cry::FieldCipher(session.cipher, 2, session.ProgramDb->TextOfKey(fPK));
+    return cry::FieldCipher(session.cipher, 2, store::CipheredName(session, fPK));
 }
 
 std::string DeleteRecordText(std::string_view name) {

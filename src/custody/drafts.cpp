@@ -227,7 +227,7 @@ int StoreDrafts(Session& session, std::vector<Draft> drafts) {
             draft.user = session.user.UserNumber;
             draft.when = session.ports.clock.Now();
             const auto row = FetchRow(session, draft.section, draft.key);
-            draft.stamp = row ? StampOf(*row) : Bytes();
+            draft.stamp = row && *row ? StampOf(**row) : Bytes();
             const auto before = Find(stored, draft.id);
             if (draft.id != 0 && before != stored.end()) {
                 *before = std::move(draft);
@@ -256,8 +256,9 @@ int DropDraft(Session& session, std::int32_t id) {
 DraftBase BaseOf(Session& session, const Draft& draft) {
     if (draft.key == kNewRecord) return DraftBase::New;
     const auto row = FetchRow(session, draft.section, draft.key);
-    if (!row) return DraftBase::Gone;
-    return StampOf(*row) == draft.stamp ? DraftBase::Same : DraftBase::Changed;
+    if (!row) return DraftBase::Changed;  // nobody knows, and a record that may stand is not made anew
+    if (!*row) return DraftBase::Gone;
+    return StampOf(**row) == draft.stamp ? DraftBase::Same : DraftBase::Changed;
 }
 
 }  // namespace bmr::custody

@@ -1,5 +1,6 @@
 #include "custody/keyrecords.h"
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "custody/lifecycle.h"
 #include "custody/users.h"
@@ -12,14 +13,13 @@ using namespace store;
 
 namespace {
 
-constexpr int kCancelled = -98;
-constexpr int kTooShort = -40;
 constexpr std::size_t kShortestPassphrase = 8;
 constexpr std::size_t kMasterKeyLength = 43;
 constexpr std::size_t kKeystringLength = 256;
 
-const char* const kKeystringRow = "fSec=1 And fSub=1";
-const char* const kCopyRow = "fSec=1 And fSub=2";
+constexpr std::int32_t kKeystringRow = 1;
+constexpr std::int32_t kCopyRow = 2;
+const char* const kKeyRow = "fSec=1 And fSub=?";
 
 int ShowFatal(Session& session, const std::string& what) {
     Box box = MessageBox(83, BoxIcon::Critical);
@@ -29,11 +29,11 @@ int ShowFatal(Session& session, const std::string& what) {
 }
 
 /// Adds or edits one of the two keystring rows; `fT1` empty means noise there too.
-int WriteKeyRow(Session& session, const char* criteria, std::int32_t fSub, Bytes fEtx, Bytes fT1) {
+int WriteKeyRow(Session& session, std::int32_t fSub, Bytes fEtx, Bytes fT1) {
     auto rows = session.ProgramDb->OpenRecordset("tt");
     if (!rows) return rows.error().number;
     engine::Recordset& row = **rows;
-    row.FindFirst(criteria);
+    if (const int error = row.FindFirst(kKeyRow, {fSub})) return error;
     if (row.NoMatch()) {
         row.AddNew();
         row.SetField("AE", 1);
@@ -55,21 +55,26 @@ int WriteKeyRow(Session& session, const char* criteria, std::int32_t fSub, Bytes
 
 int WriteKeystringRow(Session& session, std::string_view keystring) {
     const Secret mark = cry::HashPassphrase(session.MasterKey.view());
-    return WriteKeyRow(session, kKeystringRow, 1,
+    return WriteKeyRow(session, kKeystringRow,
                        cry::PassEncrypt(session.ports.random, keystring, session.MasterKey.view()),
                        Bytes(mark.view()));
 }
 
-/// fEtx of the row that meets `criteria`; nothing when there is none.
-std::optional<Bytes> ReadKeyRow(engine::Recordset& rows, const char* criteria) {
-    rows.FindFirst(criteria);
-    if (rows.NoMatch()) return std::nullopt;
-    return TextOf(rows.Field("fEtx"));
+/// fEtx of one of the two rows; nothing when there is none.
+Result<std::optional<Bytes>> ReadKeyRow(Session& session, std::int32_t fSub) {
+    auto rows = session.ProgramDb->Select("SELECT fEtx FROM tt WHERE fSec=1 And fSub=?", {fSub});
+    if (!rows) return rows.error();
+    std::optional<Bytes> found;
+    if (rows->Next()) found = Bytes(rows->Bytes(0));
+    if (rows->error() != 0) return Error{rows->error(), session.ProgramDb->LastError()};
+    return found;
 }
 
 /// The second copy, and row (1,1) made good from it.
-int RecoverKeystring(Session& session, engine::Recordset& rows) {
-    const auto copy = ReadKeyRow(rows, kCopyRow);
+int RecoverKeystring(Session& session) {
+    const auto read = ReadKeyRow(session, kCopyRow);
+    if (!read) return read.error().number;
+    const std::optional<Bytes>& copy = *read;
     if (!copy) return ShowFatal(session, "105");
     const Secret mark = cry::HashPassphrase(session.MasterKey.view());
     const Secret outer = cry::PassDecrypt(*copy, mark.view());
@@ -94,8 +99,8 @@ int CreateKeystringRows(Session& session) {
         return kQuitProgram;
     }
     const Secret mark = cry::HashPassphrase(session.MasterKey.view());
-    if (const int error = WriteKeyRow(session, kKeystringRow, 1, wrapped, Bytes(mark.view()))) return error;
-    return WriteKeyRow(session, kCopyRow, 2, cry::PassEncrypt(random, wrapped, mark.view()), Bytes());
+    if (const int error = WriteKeyRow(session, kKeystringRow, wrapped, Bytes(mark.view()))) return error;
+    return WriteKeyRow(session, kCopyRow, cry::PassEncrypt(random, wrapped, mark.view()), Bytes());
 }
 
 /// Verifier and wrapped master key under the `PassHash` at hand.
@@ -163,14 +168,16 @@ int RequestPassphrase(Session& session, bool newOne) {
     request.checkQuality = newOne;
     for (;;) {
         Secret typed;
-        if (!session.ports.prompter.AskSecret(request, typed) || typed.empty()) return kCancelled;
+        if (!session.ports.prompter.AskSecret(request, typed) || typed.empty())
+            return MessageNumber::Cancelled;
         if (typed.size() >= kShortestPassphrase) {
             session.PassHash = cry::HashPassphrase(typed.view());
             session.PassHashStrong = cry::HashStrong(typed.view());
             return 0;
         }
         typed.Wipe();
-        if (!RetryAfterFailure(session, kTooShort)) return session.DatabaseOpen ? kTooShort : kQuitProgram;
+        if (!RetryAfterFailure(session, MessageNumber::PassphraseTooShort))
+            return session.DatabaseOpen ? MessageNumber::PassphraseTooShort : kQuitProgram;
     }
 }
 
@@ -202,16 +209,15 @@ int LoadKeys(Session& session) {
         Session& session;
         ~MasterKeyWiper() { session.MasterKey.Wipe(); }
     } wiper{session};
-    auto rows = session.ProgramDb->OpenRecordset("tt");
-    if (!rows) return rows.error().number;
     if (const int error = FindUser(session)) return error;
 
     session.cipher.Keystring.Wipe();
-    if (const auto wrapped = ReadKeyRow(**rows, kKeystringRow))
-        session.cipher.Keystring = cry::PassDecrypt(*wrapped, session.MasterKey.view());
+    const auto wrapped = ReadKeyRow(session, kKeystringRow);
+    if (!wrapped) return wrapped.error().number;
+    if (*wrapped) session.cipher.Keystring = cry::PassDecrypt(**wrapped, session.MasterKey.view());
     if (session.cipher.Keystring.size() == kKeystringLength) return 0;
     session.cipher.Keystring.Wipe();
-    return RecoverKeystring(session, **rows);
+    return RecoverKeystring(session);
 }
 
 PassphraseChange ChangePassphrase(Session& session) {

@@ -40,7 +40,7 @@ bool RetryAfterFailure(store::Session& session, int error);
 void StandBy(store::Session& session);
 
 /// Shows the prompt as often as allowed, with the forced pause after each failure, and sets `PassHash` and
-/// `PassHashStrong`; the typed text is wiped. 0, -98 for a cancelled prompt, -40 for a text below 8
+/// `PassHashStrong`; the typed text is wiped. 0, `Cancelled`, `PassphraseTooShort` for a text below 8
 /// characters, or `kQuitProgram` when the attempts are used up and no database is open.
 [[nodiscard]] int RequestPassphrase(store::Session& session, bool newOne);
 
@@ -50,7 +50,7 @@ void StandBy(store::Session& session);
 [[nodiscard]] int CreateKeys(store::Session& session);
 
 /// Finds the user, unwraps `MasterKey`, loads `Keystring`, repairs a lost row (1,1). `MasterKey` is wiped on
-/// every path. 0, -85, an engine number, or `kQuitProgram` after its message.
+/// every path. 0, `NoSuchUser`, an engine number, or `kQuitProgram` after its message.
 [[nodiscard]] int LoadKeys(store::Session& session);
 
 enum class PassphraseChange {

@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "custody/keyrecords.h"
 #include "store/record_get.h"
@@ -14,10 +15,6 @@ namespace bmr::custody {
 using namespace store;
 
 namespace {
-
-constexpr int kNoSuchUser = -85;
-constexpr int kCancelled = -98;
-constexpr int kInputError = -43;
 
 /// The payload of a user record under `passHash`; nothing unless it opens and its verifier fits.
 std::optional<CurrentUser> OpenUser(std::string_view fEtx, std::string_view passHash) {
@@ -58,8 +55,8 @@ std::optional<CurrentUser> OpenUser(std::string_view fEtx, std::string_view pass
 }
 
 /// The first row of `statement` (fPK, fEtx) that `PassHash` opens.
-int FindUserIn(Session& session, const std::string& statement, bool& anyRow) {
-    auto found = session.ProgramDb->Select(statement);
+int FindUserIn(Session& session, std::string_view statement, engine::Parameters values, bool& anyRow) {
+    auto found = session.ProgramDb->Select(statement, values);
     if (!found) return found.error().number;
     engine::Cursor& row = *found;
     anyRow = false;
@@ -72,12 +69,11 @@ int FindUserIn(Session& session, const std::string& statement, bool& anyRow) {
         session.MasterKey = cry::PassDecrypt(session.user.WrappedKey, session.PassHash.view());
         return 0;
     }
-    return row.error() != 0 ? row.error() : kNoSuchUser;
+    return row.error() != 0 ? row.error() : MessageNumber::NoSuchUser;
 }
 
-std::string OwnRow(const Session& session) {
-    return "fSec=2 And fPK=" + std::to_string(session.user.fPK);
-}
+/// The current user's row; its fPK is bound.
+const char* const kOwnRow = "fSec=2 And fPK=?";
 
 Bytes UserPayload(const Session& session) {
     const CurrentUser& user = session.user;
@@ -151,15 +147,16 @@ Bytes EncodePin(Session& session, std::uint8_t kind, std::string_view pin, std::
 int FindUser(Session& session) {
     bool anyRow = false;
     const int error =
-        FindUserIn(session, "SELECT fPK, fEtx FROM tt WHERE fSec=2 WITH OWNERACCESS OPTION;", anyRow);
-    if (error != kNoSuchUser || anyRow) return error;
+        FindUserIn(session, "SELECT fPK, fEtx FROM tt WHERE fSec=2 WITH OWNERACCESS OPTION;", {}, anyRow);
+    if (error != MessageNumber::NoSuchUser || anyRow) return error;
     session.ports.prompter.Ask(MessageBox(96, BoxIcon::Critical));
     return kQuitProgram;
 }
 
 int FindCurrentUser(Session& session) {
     bool anyRow = false;
-    return FindUserIn(session, "SELECT fPK, fEtx FROM tt WHERE " + OwnRow(session), anyRow);
+    return FindUserIn(session, std::string("SELECT fPK, fEtx FROM tt WHERE ") + kOwnRow, {session.user.fPK},
+                      anyRow);
 }
 
 int WriteUser(Session& session) {
@@ -168,9 +165,10 @@ int WriteUser(Session& session) {
     if (!rows) return rows.error().number;
     engine::Recordset& row = **rows;
     // By its key where it has one: the number alone may stand in two rows.
-    if (session.user.fPK != 0) row.FindFirst(OwnRow(session));
-    if (session.user.fPK == 0 || row.NoMatch())
-        row.FindFirst("fSec=2 And fSub=" + std::to_string(session.user.UserNumber));
+    int error = session.user.fPK != 0 ? row.FindFirst(kOwnRow, {session.user.fPK}) : 0;
+    if (error == 0 && (session.user.fPK == 0 || row.NoMatch()))
+        error = row.FindFirst("fSec=2 And fSub=?", {session.user.UserNumber});
+    if (error != 0) return error;
     const bool added = row.NoMatch();
     if (added) {
         row.AddNew();
@@ -190,7 +188,8 @@ int WriteUser(Session& session) {
                      cry::RandomBytes(random, DrawBelow(random, 6)));
     // fT2 is the PIN record's column: noise only until that is written for the first time.
     FillColumns(row, {.t1 = true, .t2 = added, .r1 = true, .r2 = true, .r3 = true, .r4 = true}, random);
-    if (const int error = row.Update()) return error;
+    error = row.Update();
+    if (error != 0) return error;
     session.user.fPK = NumberOf(row.Field("fPK"));
     return 0;
 }
@@ -207,8 +206,8 @@ UserCheck CheckUser(Session& session, const std::string& prompt, bool keepHashes
     typed.Wipe();
 
     bool right = false;
-    if (auto found = session.ProgramDb->Select("SELECT fT3 FROM tt WHERE " + OwnRow(session) +
-                                               " WITH OWNERACCESS OPTION;");
+    if (auto found = session.ProgramDb->Select(
+            "SELECT fT3 FROM tt WHERE fSec=2 And fPK=? WITH OWNERACCESS OPTION;", {session.user.fPK});
         found && found->Next()) {
         const Secret verifier = cry::VerifierDecrypt(found->Bytes(0), hash.view());
         right = !verifier.empty() && verifier.view() == VerifierOf(hash.view()).view();
@@ -232,7 +231,8 @@ bool VerifyUser(Session& session, const std::string& prompt) {
 int LoadPin(Session& session) {
     Bytes stored;
     {
-        auto found = session.ProgramDb->Select("SELECT fT2 FROM tt WHERE " + OwnRow(session));
+        auto found =
+            session.ProgramDb->Select("SELECT fT2 FROM tt WHERE fSec=2 And fPK=?", {session.user.fPK});
         if (!found) return found.error().number;
         if (found->Next()) stored = found->Bytes(0);
         if (found->error() != 0) return found->error();
@@ -255,24 +255,24 @@ int SetDefaultPin(Session& session) {
         case UserCheck::Right:
             return SetDefaultPin(session);
         case UserCheck::Wrong:
-            return kNoSuchUser;
+            return MessageNumber::NoSuchUser;
         case UserCheck::Cancelled:
             break;
     }
-    return kCancelled;
+    return MessageNumber::Cancelled;
 }
 
 int WritePin(Session& session, std::uint8_t kind, std::string_view pin, std::int32_t app, bool everyAccess) {
     auto rows = session.ProgramDb->OpenRecordset("tt");
     if (!rows) return rows.error().number;
     engine::Recordset& row = **rows;
-    row.FindFirst(OwnRow(session));
+    if (const int error = row.FindFirst(kOwnRow, {session.user.fPK})) return error;
     if (row.NoMatch()) {
         session.ports.prompter.Ask(MessageBox(109, BoxIcon::Critical));
         return kQuitProgram;
     }
     Bytes enciphered = EncodePin(session, kind, pin, app, everyAccess);
-    if (enciphered.empty()) return kInputError;
+    if (enciphered.empty()) return MessageNumber::InputError;
     const std::int32_t marks = NumberOf(row.Field("AE"));
     row.Edit();
     row.SetField("AE", marks | 2);

@@ -13,8 +13,8 @@ struct Session;
 
 namespace bmr::custody {
 
-/// Looks for the user row that `PassHash` opens; fills the current user and `MasterKey`. 0, -85, an engine
-/// number, or `kQuitProgram` (see keyrecords.h) when there is no user row at all, after Msg(96).
+/// Looks for the user row that `PassHash` opens; fills the current user and `MasterKey`. 0, `NoSuchUser`, an
+/// engine number, or `kQuitProgram` (see keyrecords.h) when there is no user row at all, after Msg(96).
 [[nodiscard]] int FindUser(store::Session& session);
 
 /// The same for the current user's own row alone: two users may share a passphrase.
@@ -36,10 +36,10 @@ UserCheck CheckUser(store::Session& session, const std::string& prompt, bool kee
 /// Reads the PIN record of the current user; a lost one is made anew with the default PIN.
 [[nodiscard]] int LoadPin(store::Session& session);
 /// Asks for the current user's passphrase when no `PassHashStrong` is at hand, then stores the default PIN.
-/// 0, -85, -98, an engine number or `kQuitProgram`.
+/// 0, `NoSuchUser`, `Cancelled`, an engine number or `kQuitProgram`.
 [[nodiscard]] int SetDefaultPin(store::Session& session);
 /// Stores the PIN record and takes it into the session. `kQuitProgram` after Msg(109) when the user's row is
-/// gone, -43 for a PIN too long to store.
+/// gone, `InputError` for a PIN too long to store.
 [[nodiscard]] int WritePin(store::Session& session, std::uint8_t kind, std::string_view pin, std::int32_t app,
                            bool everyAccess);
 

@@ -24,17 +24,12 @@ const std::string& Database::LastError() const {
     return impl_->engine->lastError();
 }
 
-std::int64_t Database::RecordsAffected() const {
-    return impl_->affected;
-}
-
 std::int64_t Database::ChangeCount() const {
     return sqlite3_total_changes64(impl_->engine->handle()) + impl_->engine->undone();
 }
 
-int Database::Execute(std::string_view statement) {
+int Database::Execute(std::string_view statement, Parameters values) {
     Engine& engine = *impl_->engine;
-    impl_->affected = 0;
     if (const int broken = engine.brokenBy()) return broken;
     auto plan = engine.PlanOf(statement);
     if (!plan) return plan.error().number;
@@ -46,16 +41,15 @@ int Database::Execute(std::string_view statement) {
     }
     int number = 0;
     {
-        auto query =
-            engine.PrepareWith((*plan)->ways.toAll, [&](auto index) { return translated.WithIndex(index); });
+        auto query = engine.Prepare(**plan, Use::AllRows, values);
         number = query ? engine.Write(*query) : query.error().number;
     }
-    if (number == 0) impl_->affected = sqlite3_changes64(engine.handle());
     if (!translated.otherFile.empty()) engine.DetachOutsideTransaction();
     return number;
 }
 
-Result<std::unique_ptr<Recordset>> Database::OpenRecordset(std::string_view text, RecordsetType type) {
+Result<std::unique_ptr<Recordset>> Database::OpenRecordset(std::string_view text, RecordsetType type,
+                                                           Parameters values) {
     const auto& engine = impl_->engine;
     const bool table = SameName(text, "tt");
     auto plan = engine->PlanOf(table ? "SELECT * FROM tt" : text);
@@ -65,47 +59,35 @@ Result<std::unique_ptr<Recordset>> Database::OpenRecordset(std::string_view text
         return Error{engine->Fail(EngineNumber::BadStatement, "Only a selection gives rows."), LastError()};
     auto impl = std::make_unique<Recordset::Impl>();
     impl->engine = engine;
-    impl->columns = statement.columns;
-    impl->items = statement.items;
-    const bool dynaset = type == RecordsetType::Dynaset && !statement.grouped;
-    impl->source = !dynaset ? RowSource::Copied : table ? RowSource::Table : RowSource::Keys;
-    if (impl->source != RowSource::Table) {
-        auto query = engine->PrepareWith((*plan)->ways.toAll, [&](auto index) {
-            return dynaset ? statement.RowNumbers(index) : statement.WithIndex(index);
-        });
+    impl->plan = *plan;
+    impl->copied = type == RecordsetType::Snapshot || statement.grouped;
+    impl->table = table && !impl->copied;
+    impl->listed = !impl->table;
+    if (impl->listed) {
+        auto query = engine->Prepare(**plan, impl->copied ? Use::AllRows : Use::RowNumbers, values);
         if (!query) return query.error();
         while (query->Step()) {
-            if (dynaset) {
-                impl->keys.push_back(query->Number(0));
-            } else {
+            if (impl->copied) {
                 impl->rows.Append(query->handle());
+            } else {
+                impl->keys.push_back(query->Number(0));
             }
         }
         if (query->code() != SQLITE_DONE) return Error{engine->FailWith(query->code()), LastError()};
+        impl->Stand(0);
     }
-    std::unique_ptr<Recordset> recordset(new Recordset(std::move(impl)));
-    recordset->MoveFirst();
-    return recordset;
+    return std::unique_ptr<Recordset>(new Recordset(std::move(impl)));
 }
 
-Result<Cursor> Database::Select(std::string_view text) {
+Result<Cursor> Database::Select(std::string_view text, Parameters values) {
     Engine& engine = *impl_->engine;
     auto plan = engine.PlanOf(text);
     if (!plan) return plan.error();
-    const Translated& statement = (*plan)->statement;
-    if (statement.kind != Translated::Kind::Select)
+    if ((*plan)->statement.kind != Translated::Kind::Select)
         return Error{engine.Fail(EngineNumber::BadStatement, "Only a selection gives rows."), LastError()};
-    auto query =
-        engine.PrepareWith((*plan)->ways.toFirst, [&](auto index) { return statement.WithIndex(index); });
+    auto query = engine.Prepare(**plan, Use::FirstRows, values);
     if (!query) return query.error();
     return Cursor(std::make_unique<Cursor::Impl>(Cursor::Impl{std::move(*query), 0, impl_->engine}));
-}
-
-Bytes Database::TextOfKey(std::int32_t fPK) {
-    auto query = impl_->engine->Prepare("SELECT fT1 FROM main.tt WHERE fPK=?1");
-    if (!query) return {};
-    query->Bind(1, std::int64_t{fPK});
-    return query->Step() ? Bytes(CellOf(query->handle(), 0).bytes) : Bytes();
 }
 
 int Database::BeginTrans() {

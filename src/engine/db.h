@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
+#include <initializer_list>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,9 +29,13 @@ enum class RecordsetType { Dynaset = 2, Snapshot = 4 };
 class Recordset;
 class Cursor;
 
+/// The values for the `?` of a statement or of criteria, in order: one for each, or the engine refuses it.
+using Parameters = std::initializer_list<std::int32_t>;
+
 /// One open file with the table `tt`: exclusive lock, rollback journal with synchronous=EXTRA, secure delete.
-/// The only place that knows the engine. Statements are in the dialect of `engine/dialect`. Methods that can
-/// fail return the engine's number (0 for none); the engine's words stand in `LastError`.
+/// The only place that knows the engine. Statements are in the dialect of `engine/dialect`; one that is met
+/// often takes its values as parameters, as it is then translated and prepared once. Methods that can fail
+/// return the engine's number (0 for none); the engine's words stand in `LastError`.
 ///
 /// While it is open, this process must not open the file by any other means: closing such a handle would drop
 /// the lock. Recordsets and cursors that outlive it give no rows any more.
@@ -48,9 +51,7 @@ class Database {
 
     /// Runs a statement that gives no rows: DELETE or INSERT INTO tt IN "path" SELECT. A statement that fails
     /// changes nothing.
-    [[nodiscard]] int Execute(std::string_view statement);
-    /// Rows that the last `Execute` changed.
-    std::int64_t RecordsAffected() const;
+    [[nodiscard]] int Execute(std::string_view statement, Parameters values = {});
 
     /// Rows changed since the file was opened, whatever became of their transactions, and what was undone:
     /// equal counts mean that nothing was written or taken back in between.
@@ -59,16 +60,12 @@ class Database {
     /// `text` is "tt" or a statement. A dynaset of "tt" is opened in constant time: rows are found by
     /// `FindFirst`.
     Result<std::unique_ptr<Recordset>> OpenRecordset(std::string_view text,
-                                                     RecordsetType type = RecordsetType::Dynaset);
+                                                     RecordsetType type = RecordsetType::Dynaset,
+                                                     Parameters values = {});
 
     /// Forward-only reading of a statement, without copies: for lists and scans. Rows that are written while
     /// it reads may or may not be met.
-    Result<Cursor> Select(std::string_view statement);
-
-    /// The column fT1 of the row with this fPK, enciphered as it stands; empty when there is no such row.
-    /// What lists and searches read row by row: prepared once, where a statement with the key in it would be
-    /// translated each time.
-    Bytes TextOfKey(std::int32_t fPK);
+    Result<Cursor> Select(std::string_view statement, Parameters values = {});
 
     /// Bracket for changes of several rows. Nested calls count: only the outermost commits; a rollback inside
     /// makes the outermost commit a rollback (and gives an error number).
@@ -142,9 +139,10 @@ class Recordset {
     Recordset(const Recordset&) = delete;
     Recordset& operator=(const Recordset&) = delete;
 
-    /// Moves to the first row that meets `criteria` ("fSec=1 And fSub=2"); `NoMatch` tells when there is
-    /// none.
-    void FindFirst(std::string_view criteria);
+    /// Moves to the first row that meets `criteria` ("fSec=1 And fSub=?"); `NoMatch` tells when there is
+    /// none. Not for a snapshot. 0, or the engine's number: then nobody knows whether there is such a row,
+    /// and `Update` refuses an `AddNew` with that number until a search succeeds.
+    [[nodiscard]] int FindFirst(std::string_view criteria, Parameters values = {});
     bool NoMatch() const;
 
     void MoveFirst();
@@ -155,7 +153,6 @@ class Recordset {
     void Move(std::int64_t rows);
     void Move(std::int64_t rows, std::int64_t bookmark);
     bool Eof() const;
-    bool Bof() const;
     std::int64_t RecordCount() const;
     /// Place of the present row, from 0; -1 without one.
     std::int64_t AbsolutePosition() const;
@@ -172,9 +169,9 @@ class Recordset {
     /// `Update`.
     void AddNew();
     void Edit();
-    /// Writes the row, which becomes the present one. 0, or the engine's number with nothing changed.
+    /// Writes the row, which becomes the present one. 0, or the engine's number with nothing changed; so for
+    /// a row that `Edit` could not read.
     [[nodiscard]] int Update(int type = 1, int force = 0);
-    void CancelUpdate();
     [[nodiscard]] int Delete();
 
     struct Impl;

@@ -191,11 +191,11 @@ void Engine::Close() {
     db_.reset();
 }
 
-Result<Query> Engine::Prepare(const std::string& sql) {
+Result<Query> Engine::Prepare(std::string_view sql) {
     if (const auto found = idle_.find(sql); found != idle_.end()) {
         sqlite3_stmt* statement = found->second;
         idle_.erase(found);
-        return Query(shared_from_this(), sql, statement);
+        return Query(shared_from_this(), statement);
     }
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v3(handle(), sql.data(), static_cast<int>(sql.size()),
@@ -205,27 +205,16 @@ Result<Query> Engine::Prepare(const std::string& sql) {
                                                 : NumberOfCode(code, sqlite3_system_errno(handle()));
         return Error{Fail(number, sqlite3_errmsg(handle())), lastError_};
     }
-    return Query(shared_from_this(), sql, statement);
+    return Query(shared_from_this(), statement);
 }
 
-Result<Query> Engine::PrepareWith(const std::string& index,
-                                  const std::function<std::string(std::string_view)>& hinted) {
-    if (!index.empty()) {
-        auto query = Prepare(hinted(index));
-        if (query || query.error().number != EngineNumber::BadStatement) return query;
-    }
-    return Prepare(hinted(""));
-}
-
-void Engine::TakeBack(std::string sql, sqlite3_stmt* statement) {
+void Engine::TakeBack(sqlite3_stmt* statement) {
     sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
-    if (idle_.size() >= kCached) {
-        for (const auto& [text, each] : idle_)
+    if (idle_.size() >= kCached)
+        for (const auto& [text, each] : std::exchange(idle_, {}))
             sqlite3_finalize(each);
-        idle_.clear();
-    }
-    idle_.emplace(std::move(sql), statement);
+    idle_.emplace(sqlite3_sql(statement), statement);
 }
 
 int Engine::Fail(int number, std::string words) {

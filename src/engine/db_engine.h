@@ -2,10 +2,12 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -24,11 +26,31 @@ struct Ways {
     std::string toFirst;  ///< quickest to the first rows, in order
 };
 
-/// A translated statement and the ways in that were chosen for it.
+/// What is asked of a statement.
+enum class Use {
+    AllRows,
+    FirstRows,    ///< its rows, of which only the first few may be read
+    RowNumbers,   ///< the numbers of its rows in `tt`
+    FirstNumber,  ///< the lowest of them; Null when there is none
+    OneRow        ///< its columns of the row with the number that is bound first
+};
+
+/// A translated statement, the ways in that were chosen for it and the texts that came of them.
 struct Plan {
     Translated statement;
+    bool byValues = false;  ///< the ways hang on the values that are bound, and are chosen at each use
     Ways ways;
-    std::int64_t changesAt = 0;  ///< the connection's changes when they were chosen
+    std::int64_t changesAt = 0;        ///< the connection's changes when they were chosen
+    std::array<std::string, 5> texts;  ///< by Use, each made when it is first asked for
+};
+
+/// What a plan is made of: a whole statement, or the criteria of FindFirst.
+enum class Wording { Statement, Criteria };
+
+/// Lets a table of texts be asked for a view, without a copy.
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
 };
 
 /// One connection: the file's lock, the transactions, the cache of prepared statements. Shared by a Database
@@ -49,15 +71,13 @@ class Engine : public std::enable_shared_from_this<Engine> {
     SQLite::Database& connection() { return *db_; }
     RandomSource& random() { return random_; }
 
-    Result<Query> Prepare(const std::string& sql);
-    /// Prepares a statement that `hinted` makes for an index; where the file has no such index, without it.
-    Result<Query> PrepareWith(const std::string& index,
-                              const std::function<std::string(std::string_view index)>& hinted);
-    void TakeBack(std::string sql, sqlite3_stmt* statement);
+    Result<Query> Prepare(std::string_view sql);
+    /// The plan's text for `use` with `values` bound, which must be as many as the statement has parameters.
+    /// Where the file lacks the index that was chosen, it goes without.
+    Result<Query> Prepare(Plan& plan, Use use, std::span<const std::int32_t> values = {});
+    void TakeBack(sqlite3_stmt* statement);
 
-    Result<std::shared_ptr<const Plan>> PlanOf(std::string_view statement);
-    /// The narrowest way in to rows that meet all `ranges`, counted and not guessed.
-    Ways ChooseWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy);
+    Result<std::shared_ptr<Plan>> PlanOf(std::string_view text, Wording wording = Wording::Statement);
 
     int Begin();
     int Commit();
@@ -85,14 +105,17 @@ class Engine : public std::enable_shared_from_this<Engine> {
     void RemoveColdJournal();
     void TestSize();
     void TestSchema(const std::string& schema);
+    void ChooseWays(Plan& plan);
+    Ways CountedWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy);
     std::int64_t Count(const IndexRange& range, std::int64_t limit);
     std::int64_t CountAll();
     void UndoOnFailure(int number);
 
     std::unique_ptr<SQLite::Database> db_;
     cry::SystemRandom random_;
-    std::unordered_multimap<std::string, sqlite3_stmt*> idle_;
-    std::unordered_map<std::string, std::shared_ptr<const Plan>> plans_;
+    std::unordered_multimap<std::string_view, sqlite3_stmt*> idle_;  ///< by the text that each holds itself
+    std::array<std::unordered_map<std::string, std::shared_ptr<Plan>, TextHash, std::equal_to<>>, 2>
+        plans_;  ///< by Wording
     std::string attached_;
     std::string lastError_;
     int depth_ = 0;

@@ -6,12 +6,11 @@
 
 namespace bmr::engine {
 
-Query::Query(std::shared_ptr<Engine> engine, std::string sql, sqlite3_stmt* statement)
-    : engine_(std::move(engine)), sql_(std::move(sql)), statement_(statement) {}
+Query::Query(std::shared_ptr<Engine> engine, sqlite3_stmt* statement)
+    : engine_(std::move(engine)), statement_(statement) {}
 
 Query::Query(Query&& other) noexcept
     : engine_(std::move(other.engine_)),
-      sql_(std::move(other.sql_)),
       statement_(std::exchange(other.statement_, nullptr)),
       code_(other.code_) {}
 
@@ -19,7 +18,6 @@ Query& Query::operator=(Query&& other) noexcept {
     if (this != &other) {
         GiveBack();
         engine_ = std::move(other.engine_);
-        sql_ = std::move(other.sql_);
         statement_ = std::exchange(other.statement_, nullptr);
         code_ = other.code_;
     }
@@ -31,7 +29,7 @@ Query::~Query() {
 }
 
 void Query::GiveBack() {
-    if (statement_ != nullptr && engine_->alive()) engine_->TakeBack(std::move(sql_), statement_);
+    if (statement_ != nullptr && engine_->alive()) engine_->TakeBack(statement_);
     statement_ = nullptr;
 }
 

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 
 namespace bmr::engine {
@@ -15,7 +14,7 @@ class Engine;
 /// closed it gives no rows any more.
 class Query {
   public:
-    Query(std::shared_ptr<Engine> engine, std::string sql, sqlite3_stmt* statement);
+    Query(std::shared_ptr<Engine> engine, sqlite3_stmt* statement);
     Query(Query&& other) noexcept;
     Query& operator=(Query&& other) noexcept;
     ~Query();
@@ -40,7 +39,6 @@ class Query {
     void GiveBack();
 
     std::shared_ptr<Engine> engine_;
-    std::string sql_;
     sqlite3_stmt* statement_ = nullptr;
     int code_ = SQLITE_OK;
 };

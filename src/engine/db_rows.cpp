@@ -26,6 +26,19 @@ T Get(const std::string& block, std::size_t at) {
     return value;
 }
 
+std::pair<std::int64_t, std::int64_t> RangeOf(std::size_t column) {
+    switch (ColumnTypes[column]) {
+        case ColumnType::Boolean:
+            return {0, 1};
+        case ColumnType::Byte:
+            return {0, UINT8_MAX};
+        case ColumnType::Int16:
+            return {INT16_MIN, INT16_MAX};
+        default:
+            return {INT32_MIN, INT32_MAX};
+    }
+}
+
 Value Computed(const Cell& cell) {
     switch (cell.kind) {
         case Cell::Kind::Number:
@@ -80,6 +93,27 @@ Value ValueOf(const Cell& cell, const ResultColumn& column) {
     if (ColumnTypes[*place] == ColumnType::Boolean) return cell.number != 0;
     if (!FitsInt32(cell.number)) return Null{};
     return static_cast<std::int32_t>(cell.number);
+}
+
+std::optional<Value> Fitting(std::size_t column, const Value& value) {
+    if (std::holds_alternative<Empty>(value) || std::holds_alternative<Null>(value)) return Null{};
+    if (IsBytesColumn(column))
+        return std::holds_alternative<Bytes>(value) ? std::optional(value) : std::nullopt;
+    const auto* flag = std::get_if<bool>(&value);
+    const auto* number = std::get_if<std::int32_t>(&value);
+    if (flag == nullptr && number == nullptr) return std::nullopt;
+    if (ColumnTypes[column] == ColumnType::Boolean) return flag != nullptr ? *flag : *number != 0;
+    const std::int32_t whole = flag != nullptr ? (*flag ? 1 : 0) : *number;
+    const auto [low, high] = RangeOf(column);
+    if (whole < low || whole > high) return std::nullopt;
+    return whole;
+}
+
+Value DefaultOf(std::size_t column) {
+    if (ColumnNames[column] == "fPK" || !ColumnDefaults[column]) return Null{};
+    if (IsBytesColumn(column)) return Bytes(*ColumnDefaults[column]);
+    if (ColumnTypes[column] == ColumnType::Boolean) return false;
+    return std::int32_t{0};
 }
 
 void PackedRows::Append(sqlite3_stmt* statement, int first) {

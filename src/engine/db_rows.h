@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,12 @@ Cell CellOf(sqlite3_stmt* statement, int column);
 
 /// What a cell means in its column; a number that its column cannot hold reads as Null.
 Value ValueOf(const Cell& cell, const ResultColumn& column);
+
+/// The value as the column keeps it; nothing when it cannot.
+std::optional<Value> Fitting(std::size_t column, const Value& value);
+
+/// What a new row has in the column; Null for the key, which is drawn.
+Value DefaultOf(std::size_t column);
 
 /// Copied rows in one block of memory.
 class PackedRows {

@@ -31,6 +31,8 @@ std::optional<std::int64_t> WholeConstant(const Expr& expr) {
 /// Whether the value is always whole (or Null), so that the engine's own whole-number operators do.
 bool IsWhole(const Expr& expr) {
     switch (expr.op) {
+        case Op::Parameter:
+            return true;
         case Op::Number:
             return WholeConstant(expr).has_value();
         case Op::Column:
@@ -54,19 +56,19 @@ bool IsWhole(const Expr& expr) {
     }
 }
 
-/// Writes expressions in the engine's words, every operation in parentheses. With `columns`, names become
-/// the parameters of a result's columns.
+/// Writes expressions in the engine's words, every operation in parentheses.
 class Writer {
   public:
-    explicit Writer(const std::vector<ResultColumn>* columns = nullptr) : columns_(columns) {}
-
     std::string Write(const Expr& expr) const {
         switch (expr.op) {
             case Op::Number:
                 return expr.text;
             case Op::Column:
+                return expr.text;
+            case Op::Parameter:
+                return "?" + expr.text;
             case Op::Alias:
-                return Name(expr);
+                throw SyntaxError{expr.place, "an unknown name"};
             case Op::Null:
                 return "NULL";
             case Op::Star:
@@ -107,15 +109,6 @@ class Writer {
     }
 
   private:
-    std::string Name(const Expr& expr) const {
-        if (columns_ == nullptr && expr.op == Op::Column) return expr.text;
-        if (columns_ != nullptr) {
-            for (std::size_t i = 0; i < columns_->size(); ++i)
-                if (SameName((*columns_)[i].name, expr.text)) return "?" + std::to_string(i + 1);
-        }
-        throw SyntaxError{expr.place, "an unknown name"};
-    }
-
     std::string WholeNumbers(const Expr& expr, const char* sign, const char* function) const {
         const Expr& left = expr.args[0];
         const Expr& right = expr.args[1];
@@ -158,16 +151,20 @@ class Writer {
                 return " OR ";
         }
     }
-
-    const std::vector<ResultColumn>* columns_;
 };
 
+std::optional<Bound> BoundOf(const Expr& expr) {
+    if (expr.op == Op::Parameter) return Bound{0, std::stoi(expr.text)};
+    const auto number = WholeConstant(expr);
+    return number ? std::optional(Bound{*number}) : std::nullopt;
+}
+
 /// What the conditions that must all hold say about the columns that have an index.
-class RangeFinder {
+class ConditionFinder {
   public:
-    std::vector<IndexRange> Find(const std::vector<Expr>& where) {
+    std::vector<Condition> Find(const std::vector<Expr>& where) {
         if (!where.empty()) Visit(where.front());
-        return std::move(ranges_);
+        return std::move(conditions_);
     }
 
   private:
@@ -176,13 +173,13 @@ class RangeFinder {
             Visit(expr.args[0]);
             Visit(expr.args[1]);
         } else if (expr.op == Op::Between) {
-            const auto low = WholeConstant(expr.args[1]);
-            const auto high = WholeConstant(expr.args[2]);
-            if (low && high) Narrow(expr.args[0], *low, *high);
+            const auto low = BoundOf(expr.args[1]);
+            const auto high = BoundOf(expr.args[2]);
+            if (low && high) Add(expr.args[0], low, high);
         } else if (expr.args.size() == 2) {
-            if (const auto right = WholeConstant(expr.args[1])) {
+            if (const auto right = BoundOf(expr.args[1])) {
                 Compare(expr.op, expr.args[0], *right);
-            } else if (const auto left = WholeConstant(expr.args[0])) {
+            } else if (const auto left = BoundOf(expr.args[0])) {
                 Compare(Mirror(expr.op), expr.args[1], *left);
             }
         }
@@ -203,34 +200,33 @@ class RangeFinder {
         }
     }
 
-    void Compare(Op op, const Expr& column, std::int64_t bound) {
+    void Compare(Op op, const Expr& column, Bound bound) {
         switch (op) {
             case Op::Equal:
-                return Narrow(column, bound, bound);
+                return Add(column, bound, bound);
             case Op::Less:
-                return Narrow(column, INT64_MIN, bound - 1);
+                --bound.number;
+                return Add(column, std::nullopt, bound);
             case Op::LessEqual:
-                return Narrow(column, INT64_MIN, bound);
+                return Add(column, std::nullopt, bound);
             case Op::Greater:
-                return Narrow(column, bound + 1, INT64_MAX);
+                ++bound.number;
+                return Add(column, bound, std::nullopt);
             case Op::GreaterEqual:
-                return Narrow(column, bound, INT64_MAX);
+                return Add(column, bound, std::nullopt);
             default:
                 return;
         }
     }
 
-    void Narrow(const Expr& expr, std::int64_t low, std::int64_t high) {
-        const auto indexed = [&](const IndexDescription& index) { return index.column == expr.text; };
-        if (expr.op != Op::Column || std::none_of(kIndexes.begin(), kIndexes.end(), indexed)) return;
-        auto range = std::find_if(ranges_.begin(), ranges_.end(),
-                                  [&](const IndexRange& each) { return each.column == expr.text; });
-        if (range == ranges_.end()) range = ranges_.insert(range, IndexRange{expr.text});
-        range->low = std::max(range->low, low);
-        range->high = std::min(range->high, high);
+    void Add(const Expr& expr, std::optional<Bound> low, std::optional<Bound> high) {
+        const auto* index = std::find_if(kIndexes.begin(), kIndexes.end(),
+                                         [&](const auto& each) { return each.column == expr.text; });
+        if (expr.op == Op::Column && index != kIndexes.end())
+            conditions_.push_back({index->column, low, high});
     }
 
-    std::vector<IndexRange> ranges_;
+    std::vector<Condition> conditions_;
 };
 
 bool HasColumn(const Expr& expr) {
@@ -281,6 +277,8 @@ void WriteTail(const Statement& statement, Translated& result) {
     if (!statement.orderBy.empty() && statement.orderBy.front().value.op == Op::Column &&
         !statement.orderBy.front().falling)
         result.orderedBy = statement.orderBy.front().value.text;
+    result.conditions = ConditionFinder().Find(statement.where);
+    result.parameters = static_cast<std::size_t>(statement.parameters);
     // Copied rows keep the order in which they came.
     if (statement.kind == Statement::Kind::Insert) tail += " ORDER BY rowid";
 }
@@ -312,8 +310,24 @@ std::string Translated::WithIndex(std::string_view name) const {
     return Head(*this) + Hint(name) + tail;
 }
 
-std::string Translated::RowNumbers(std::string_view index) const {
-    return "SELECT rowid FROM main.tt" + Hint(index) + tail;
+std::string Translated::Selecting(std::string_view what, std::string_view index) const {
+    return "SELECT " + std::string(what) + " FROM main.tt" + Hint(index) + tail;
+}
+
+std::vector<IndexRange> Translated::Ranges(std::span<const std::int32_t> values) const {
+    const auto number = [&](const Bound& bound) {
+        return bound.number +
+               (bound.parameter > 0 ? values[static_cast<std::size_t>(bound.parameter) - 1] : 0);
+    };
+    std::vector<IndexRange> ranges;
+    for (const Condition& each : conditions) {
+        auto range = std::find_if(ranges.begin(), ranges.end(),
+                                  [&](const IndexRange& known) { return known.column == each.column; });
+        if (range == ranges.end()) range = ranges.insert(range, IndexRange{each.column});
+        if (each.low) range->low = std::max(range->low, number(*each.low));
+        if (each.high) range->high = std::min(range->high, number(*each.high));
+    }
+    return ranges;
 }
 
 Result<Translated> Translate(std::string_view statement) {
@@ -334,26 +348,17 @@ Result<Translated> Translate(std::string_view statement) {
         result.otherFile = parsed.otherFile;
         WriteItems(parsed, result);
         WriteTail(parsed, result);
-        result.ranges = RangeFinder().Find(parsed.where);
-        result.sql = result.WithIndex("");
         return result;
     } catch (const SyntaxError& error) {
         return Refusal(error);
     }
 }
 
-Result<Criteria> TranslateCriteria(std::string_view criteria) {
+Result<Translated> TranslateCriteria(std::string_view criteria) {
     try {
-        const std::vector<Expr> where{dialect::ParseCriteria(criteria)};
-        return Criteria{Writer().Write(where.front()), RangeFinder().Find(where)};
-    } catch (const SyntaxError& error) {
-        return Refusal(error);
-    }
-}
-
-Result<std::string> TranslateCriteria(std::string_view criteria, const std::vector<ResultColumn>& columns) {
-    try {
-        return Writer(&columns).Write(dialect::ParseCriteria(criteria));
+        Translated result;
+        WriteTail(dialect::ParseCriteria(criteria), result);
+        return result;
     } catch (const SyntaxError& error) {
         return Refusal(error);
     }

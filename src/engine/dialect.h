@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,9 +17,23 @@ struct ResultColumn {
     std::string source;  ///< the column of `tt` that it is, empty for a computed one
 };
 
-/// A condition that every row of the result meets and that an index can answer: low <= column <= high.
+/// A bound of a condition: a number, or `number` more than a value that is bound later.
+struct Bound {
+    std::int64_t number = 0;
+    int parameter = 0;  ///< the value's number, counted from 1; 0: none
+    bool operator==(const Bound&) const = default;
+};
+
+/// A condition that every row of the result meets and that an index can answer.
+struct Condition {
+    std::string_view column;
+    std::optional<Bound> low, high;
+    bool IsEquality() const { return low && low == high; }
+};
+
+/// What such conditions come to: low <= column <= high.
 struct IndexRange {
-    std::string column;
+    std::string_view column;
     std::int64_t low = INT64_MIN;
     std::int64_t high = INT64_MAX;
     bool operator==(const IndexRange&) const = default;
@@ -27,7 +43,6 @@ struct IndexRange {
 struct Translated {
     enum class Kind { Select, Delete, Insert };
     Kind kind = Kind::Select;
-    std::string sql;
     /// The path of INSERT INTO tt IN "path", UTF-8; the statement then names the attached file's table
     /// `other.tt`.
     std::string otherFile;
@@ -37,32 +52,29 @@ struct Translated {
     std::string tail;                   ///< what stands behind the table's name
     bool grouped = false;               ///< rows of the result are no rows of `tt`
 
-    std::vector<IndexRange> ranges;  ///< the ways in that the conditions offer
+    std::size_t parameters = 0;         ///< how many values are to be bound
+    std::vector<Condition> conditions;  ///< the ways in that it offers
     std::string orderedBy;  ///< the column of `tt` that leads ORDER BY in rising order, if it is a bare one
 
-    /// The statement again, made to take the index `name` (or none when empty).
+    /// The statement in the engine's words, made to take the index `name` (or none when empty).
     std::string WithIndex(std::string_view name) const;
-    /// A SELECT of the row numbers of the same rows in the same order; not for a grouped one.
-    std::string RowNumbers(std::string_view index) const;
+    /// A SELECT of `what` of the same rows in the same order; not for a grouped one.
+    std::string Selecting(std::string_view what, std::string_view index) const;
+    /// The conditions with these values, one range for a column.
+    std::vector<IndexRange> Ranges(std::span<const std::int32_t> values) const;
 };
 
 /// Translates a statement. `/` is always a real division; `\` and `Mod` work on whole numbers (operands are
 /// rounded to the nearest, halves to even, the quotient is cut toward zero and the remainder takes the
 /// dividend's sign), division by zero gives Null; `^` is power and binds tighter than a sign; `Int()` is
 /// floor; True and False are 1 and 0; names may stand in brackets; WITH OWNERACCESS OPTION is accepted
-/// everywhere and means nothing, as does one parenthesis too many at the end of a SELECT's conditions.
+/// everywhere and means nothing, as does one parenthesis too many at the end of a SELECT's conditions. `?`
+/// stands among the conditions for a whole number that is bound later, in the order of the marks.
 /// Anything that the dialect does not know is refused with EngineNumber::BadStatement and the place where it
 /// stands.
 Result<Translated> Translate(std::string_view statement);
 
-/// The criteria text of `FindFirst`: an expression alone, over the columns of `tt`.
-struct Criteria {
-    std::string sql;
-    std::vector<IndexRange> ranges;
-};
-Result<Criteria> TranslateCriteria(std::string_view criteria);
-
-/// The same over the columns of a result: `?1` stands for its first column.
-Result<std::string> TranslateCriteria(std::string_view criteria, const std::vector<ResultColumn>& columns);
+/// The criteria text of `FindFirst`: conditions alone, over the columns of `tt`.
+Result<Translated> TranslateCriteria(std::string_view criteria);
 
 }  // namespace bmr::engine

@@ -97,7 +97,7 @@ class Lexer {
                 return {Token::Kind::Sign, std::string(sign), start};
             }
         }
-        if (std::string_view("()+-*/\\^=<>,;.").find(Peek()) == std::string_view::npos)
+        if (std::string_view("()+-*/\\^=<>,;.?").find(Peek()) == std::string_view::npos)
             throw SyntaxError{start, "a character that means nothing"};
         ++at_;
         return {Token::Kind::Sign, std::string(text_.substr(start, 1)), start};

@@ -47,10 +47,11 @@ class Parser {
         return statement;
     }
 
-    Expr ParseExpressionAlone() {
-        Expr expr = Or();
+    Statement ParseConditionsAlone() {
+        Statement statement;
+        Conditions(statement);
         ExpectEnd();
-        return expr;
+        return statement;
     }
 
   private:
@@ -123,11 +124,17 @@ class Parser {
         return tokens_[at_++].text;
     }
 
+    void Conditions(Statement& statement) {
+        parameters_ = &statement.parameters;
+        statement.where.push_back(Or());
+        parameters_ = nullptr;
+        if (HasAggregate(statement.where.front())) Fail("a sum or count among the conditions");
+    }
+
     void Clauses(Statement& statement) {
         const bool select = statement.kind == Statement::Kind::Select;
         if (TakeWord("WHERE")) {
-            statement.where.push_back(Or());
-            if (HasAggregate(statement.where.front())) Fail("a sum or count among the conditions");
+            Conditions(statement);
             if (select) TakeSign(")");  // one composed statement of the system has a parenthesis too many
         } else if (statement.kind == Statement::Kind::Delete) {
             Fail("a DELETE without conditions");
@@ -304,6 +311,8 @@ class Parser {
                     ExpectSign(")");
                     return inside;
                 }
+                if (parameters_ != nullptr && TakeSign("?"))
+                    return {Op::Parameter, std::to_string(++*parameters_), {}, token.place};
                 Fail("a value is missing");
             case Kind::Text:
                 Fail("a quoted text");
@@ -366,6 +375,7 @@ class Parser {
     std::vector<Token> tokens_;
     std::size_t at_ = 0;
     int depth_ = 0;
+    int* parameters_ = nullptr;  ///< counts the marks where they may stand: among the conditions
 };
 
 }  // namespace
@@ -374,10 +384,8 @@ Statement ParseStatement(std::string_view text) {
     return Parser(text).ParseWhole();
 }
 
-Expr ParseCriteria(std::string_view text) {
-    Expr expr = Parser(text).ParseExpressionAlone();
-    if (HasAggregate(expr)) throw SyntaxError{0, "a sum or count among the conditions"};
-    return expr;
+Statement ParseCriteria(std::string_view text) {
+    return Parser(text).ParseConditionsAlone();
 }
 
 }  // namespace bmr::engine::dialect

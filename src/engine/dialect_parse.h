@@ -14,9 +14,10 @@ struct SyntaxError {
 };
 
 enum class Op {
-    Number,  ///< text: the digits as written
-    Column,  ///< text: the column's proper name
-    Alias,   ///< text: a name that another item of the statement carries
+    Number,     ///< text: the digits as written
+    Parameter,  ///< text: its number, counted from 1
+    Column,     ///< text: the column's proper name
+    Alias,      ///< text: a name that another item of the statement carries
     Null,
     Star,
     Call,  ///< text: the function's proper name
@@ -67,12 +68,14 @@ struct Statement {
     std::vector<Expr> groupBy;
     std::vector<Expr> having;  ///< none or one
     std::vector<OrderTerm> orderBy;
+    int parameters = 0;  ///< how many values are bound to it, in the order of their marks
 };
 
 /// Throws SyntaxError.
 Statement ParseStatement(std::string_view text);
-/// Names that are no columns of `tt` become aliases.
-Expr ParseCriteria(std::string_view text);
+/// Conditions alone: a selection of all rows that meet them. Names that are no columns of `tt` become
+/// aliases.
+Statement ParseCriteria(std::string_view text);
 
 /// A function of the dialect; null for an unknown name.
 struct Function {

@@ -103,8 +103,8 @@ Memo ReadMemo(Session& session, const Recordset& row) {
 
 std::optional<Memo> FetchMemo(Session& session, std::int32_t key) {
     const auto row = store::FetchRow(session, Section::Memo, key);
-    if (!row) return std::nullopt;
-    return ReadMemo(session, *row);
+    if (!row || !*row) return std::nullopt;
+    return ReadMemo(session, **row);
 }
 
 int WriteMemo(Session& session, Memo& memo) {
@@ -161,8 +161,7 @@ Result<std::vector<MemoRow>> ListMemos(Session& session, std::int32_t category, 
 }
 
 Bytes MemoSubject(Session& session, std::int32_t fPK) {
-    if (!session.ProgramDb) return {};  // a list may outlive its database for a moment
-    return cry::FieldCipher(session.cipher, 2, session.ProgramDb->TextOfKey(fPK));
+    return cry::FieldCipher(session.cipher, 2, store::CipheredName(session, fPK));
 }
 
 std::string DeleteMemoText(std::string_view subject) {

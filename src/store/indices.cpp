@@ -7,6 +7,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "base/errors.h"
 #include "crypto/conversion.h"
 #include "crypto/cry.h"
 #include "engine/db.h"
@@ -16,15 +17,15 @@
 namespace bmr::store {
 namespace {
 
-std::string BucketStatement(std::uint8_t section, const SpreadRange& bounds, const std::string& columns) {
-    return "SELECT " + columns + " FROM tt WHERE ([fR2] Between " + std::to_string(bounds.low) + " And " +
-           std::to_string(bounds.high) + ") AND (fSec=" + std::to_string(section) + ") ORDER BY fR1" +
+/// A bucket in its present order; its bounds and the section are bound.
+std::string BucketStatement(const std::string& columns) {
+    return "SELECT " + columns + " FROM tt WHERE ([fR2] Between ? And ?) AND (fSec=?) ORDER BY fR1" +
            kOwnerAccess;
 }
 
 Result<std::vector<BucketRow>> ReadBucket(engine::Database& db, std::uint8_t section,
                                           const SpreadRange& bounds) {
-    auto cursor = db.Select(BucketStatement(section, bounds, "fPK, fR1"));
+    auto cursor = db.Select(BucketStatement("fPK, fR1"), {bounds.low, bounds.high, section});
     if (!cursor) return cursor.error();
     std::vector<BucketRow> rows;
     while (cursor->Next())
@@ -52,7 +53,7 @@ std::vector<Bytes> TextsOfRows(Session& session, const std::vector<BucketRow>& r
                                std::span<const std::size_t> places) {
     std::vector<Bytes> ciphered;
     for (const std::size_t place : places)
-        ciphered.push_back(session.ProgramDb->TextOfKey(rows[place].fPK));
+        ciphered.push_back(CipheredName(session, rows[place].fPK));
     std::vector<Bytes> texts(places.size());
     const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
     cry::DecipherBatch(session.cipher, views,
@@ -61,8 +62,8 @@ std::vector<Bytes> TextsOfRows(Session& session, const std::vector<BucketRow>& r
 }
 
 int WritePosition(engine::Recordset& table, std::int32_t fPK, std::int32_t position, bool mark) {
-    table.FindFirst("fPK=" + std::to_string(fPK));
-    if (table.NoMatch()) return -31;
+    if (const int error = table.FindFirst("fPK=?", {fPK})) return error;
+    if (table.NoMatch()) return MessageNumber::NoRecord;
     table.Edit();
     table.SetField("fR1", position);
     if (mark) table.SetField("AE", NumberOf(table.Field("AE")) | 2);
@@ -104,7 +105,8 @@ struct MergedRow {
 
 int AppendStandingRows(Session& session, std::uint8_t section, const SpreadRange& bounds,
                        std::vector<MergedRow>& merged) {
-    auto cursor = session.ProgramDb->Select(BucketStatement(section, bounds, "fPK, fR1, fT1"));
+    auto cursor =
+        session.ProgramDb->Select(BucketStatement("fPK, fR1, fT1"), {bounds.low, bounds.high, section});
     if (!cursor) return cursor.error().number;
     std::vector<BucketRow> rows;
     std::vector<Bytes> ciphered;

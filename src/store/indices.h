@@ -44,8 +44,8 @@ std::optional<std::int32_t> PositionBetween(const std::vector<BucketRow>& rows, 
 
 /// Gives the stored row `fPK` its position by its text and writes it (`fR1`) in an update of its own; where
 /// there is no room, the whole bucket is spread anew, each rewritten row with `AE Or 2`. Call it inside the
-/// transaction that wrote the row's fT1 and fR2; `added` tells that it wrote a new row. 0, -31 when the row
-/// is gone, or the engine's number.
+/// transaction that wrote the row's fT1 and fR2; `added` tells that it wrote a new row. 0, `NoRecord` when
+/// the row is gone, or the engine's number.
 [[nodiscard]] int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK,
                                  std::string_view text, bool added);
 

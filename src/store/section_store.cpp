@@ -1,5 +1,6 @@
 #include "store/section_store.h"
 
+#include "base/errors.h"
 #include "store/categories.h"
 #include "store/record_put.h"
 
@@ -13,10 +14,6 @@ void MarkChange(engine::Recordset& row, bool added) {
 
 constexpr NoiseColumns kAllColumns = {
     .t1 = true, .t2 = true, .t3 = true, .r1 = true, .r2 = true, .r3 = true, .r4 = true};
-
-std::string SingleRow(std::uint8_t fSec, std::uint8_t fSub) {
-    return "fSec=" + std::to_string(fSec) + " And fSub=" + std::to_string(fSub);
-}
 
 }  // namespace
 
@@ -38,13 +35,13 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
 
     outcome.added = true;
     if (key != kNewRecord) {
-        row.FindFirst("fPK=" + std::to_string(key));
+        if (const int error = row.FindFirst("fPK=?", {key})) return fail(error);
         outcome.added = row.NoMatch();
     }
     if (outcome.added)
         row.AddNew();
     else if (NumberOf(row.Field("fSec")) != section)
-        return fail(-16);
+        return fail(MessageNumber::UpdateImpossible);
     else
         row.Edit();
     if (const int error = fill(row, outcome.added)) return fail(error);
@@ -60,18 +57,26 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
     return outcome;
 }
 
-std::unique_ptr<engine::Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key) {
-    if (!session.ProgramDb) return nullptr;
-    auto row = session.ProgramDb->OpenRecordset(
-        "SELECT * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess, engine::RecordsetType::Snapshot);
-    if (!row || (*row)->Eof() || NumberOf((*row)->Field("fSec")) != section) return nullptr;
-    return std::move(*row);
+Result<std::unique_ptr<engine::Recordset>> FetchRow(Session& session, std::uint8_t section,
+                                                    std::int32_t key) {
+    std::unique_ptr<engine::Recordset> none;
+    if (!session.ProgramDb) return none;
+    auto row = session.ProgramDb->OpenRecordset("SELECT * FROM tt WHERE fPK=? WITH OWNERACCESS OPTION;",
+                                                engine::RecordsetType::Snapshot, {key});
+    if (row && ((*row)->Eof() || NumberOf((*row)->Field("fSec")) != section)) return none;
+    return row;
+}
+
+Bytes CipheredName(Session& session, std::int32_t key) {
+    if (!session.ProgramDb) return {};
+    auto row = session.ProgramDb->Select("SELECT fT1 FROM tt WHERE fPK=?", {key});
+    return row && row->Next() ? Bytes(row->Bytes(0)) : Bytes();
 }
 
 int DeleteRow(Session& session, std::int32_t key) {
     const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
     const int error =
-        session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=" + std::to_string(key) + kOwnerAccess);
+        session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=? WITH OWNERACCESS OPTION;", {key});
     if (error != 0) return error;
     session.bucketOrder.Forget(key);
     session.bucketOrder.Passed(changesBefore, session.ProgramDb->ChangeCount());
@@ -92,8 +97,8 @@ int SetPayload(Session& session, engine::Recordset& row, std::string_view payloa
 
 Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub) {
     if (!session.ProgramDb) return Error{engine::EngineNumber::Failed, "no database is open"};
-    auto rows =
-        session.ProgramDb->Select("SELECT fEtx FROM tt WHERE " + SingleRow(fSec, fSub) + kOwnerAccess);
+    auto rows = session.ProgramDb->Select(
+        "SELECT fEtx FROM tt WHERE fSec=? And fSub=? WITH OWNERACCESS OPTION;", {fSec, fSub});
     if (!rows) return rows.error();
     if (!rows->Next()) {
         if (rows->error() != 0) return Error{rows->error(), session.ProgramDb->LastError()};
@@ -109,7 +114,7 @@ int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, s
     auto opened = session.ProgramDb->OpenRecordset("tt");
     if (!opened) return opened.error().number;
     engine::Recordset& row = **opened;
-    row.FindFirst(SingleRow(fSec, fSub));
+    if (const int error = row.FindFirst("fSec=? And fSub=?", {fSec, fSub})) return error;
     const bool added = row.NoMatch();
     if (added) {
         row.AddNew();

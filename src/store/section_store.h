@@ -20,7 +20,7 @@ inline constexpr const char* kOwnerAccess = " WITH OWNERACCESS OPTION;";
 inline constexpr std::int32_t kNewRecord = -1;
 
 struct StoreOutcome {
-    int error = 0;  ///< 0, -16 (the row belongs to another section; nothing written) or the engine's number
+    int error = 0;  ///< 0, `UpdateImpossible` (another section's row; nothing written) or the engine's number
     std::int32_t fPK = kNewRecord;
     bool added = false;
 };
@@ -33,9 +33,13 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
                       const std::function<int(engine::Recordset& row, bool added)>& fill,
                       const std::function<int(std::int32_t fPK, bool added)>& after = nullptr);
 
-/// "SELECT * FROM tt WHERE fPK=key": the row, or nothing when it is gone or belongs to another section, or
-/// when the database was closed meanwhile.
-std::unique_ptr<engine::Recordset> FetchRow(Session& session, std::uint8_t section, std::int32_t key);
+/// The row of a key; null when it is gone or belongs to another section, or when the database was closed
+/// meanwhile. An engine number where it could not be looked for.
+Result<std::unique_ptr<engine::Recordset>> FetchRow(Session& session, std::uint8_t section, std::int32_t key);
+
+/// What lists and searches ask for row by row: fT1 of the row of a key, enciphered as it stands; empty when
+/// there is no such row or no open database.
+Bytes CipheredName(Session& session, std::int32_t key);
 
 /// DELETE of one row. 0 or the engine's number.
 [[nodiscard]] int DeleteRow(Session& session, std::int32_t key);

@@ -111,8 +111,8 @@ Task ReadRecord(Session& session, const Recordset& row) {
 
 std::optional<Task> LoadSelected(Session& session, std::int32_t key) {
     const auto row = store::FetchRow(session, store::Section::Todo, key);
-    if (!row) return std::nullopt;
-    return ReadRecord(session, *row);
+    if (!row || !*row) return std::nullopt;
+    return ReadRecord(session, **row);
 }
 
 Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory) {

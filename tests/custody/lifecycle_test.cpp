@@ -22,7 +22,7 @@ const char* const kSystemRow = "fSec=1 And fSub=3";
 /// Puts `payload` into the system record of the open database.
 void SetSystemPayload(Sitting& sitting, const Bytes& payload) {
     auto rows = sitting.session.ProgramDb->OpenRecordset("tt");
-    (*rows)->FindFirst(kSystemRow);
+    ASSERT_EQ((*rows)->FindFirst(kSystemRow), 0);
     ASSERT_FALSE((*rows)->NoMatch());
     (*rows)->Edit();
     (*rows)->SetField("fEtx", cry::FieldCipher(sitting.session.cipher, 1, std::string_view(payload)));
@@ -38,7 +38,7 @@ Bytes VersionPayload(Sitting& sitting, const Bytes& version) {
 
 Bytes SystemPayload(Session& session) {
     auto rows = session.ProgramDb->OpenRecordset("tt");
-    (*rows)->FindFirst(kSystemRow);
+    EXPECT_EQ((*rows)->FindFirst(kSystemRow), 0);
     cry::FieldCipher(session.cipher, 2, TextOf((*rows)->Field("fEtx")));
     return Bytes(session.cipher.FieldPlain.view());
 }

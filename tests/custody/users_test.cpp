@@ -75,7 +75,7 @@ TEST(VerifyUser, WorksWithAnyCountOfBytesBehindTheVerifier) {
     for (const int extra : {0, 5, 23}) {
         auto rows = sitting.session.ProgramDb->OpenRecordset("tt");
         engine::Recordset& row = **rows;
-        row.FindFirst("fSec=2");
+        ASSERT_EQ(row.FindFirst("fSec=2"), 0);
         const Bytes verifier = TextOf(row.Field("fT3")).substr(0, 24);
         row.Edit();
         row.SetField("fT3", verifier + cry::RandomBytes(sitting.random, extra));

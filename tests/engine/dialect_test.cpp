@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -140,8 +141,9 @@ TEST_F(Statements, EachThatTheProgramComposesRuns) {
                 line.find("fPK=") != std::string::npos || line.find("fPK =") != std::string::npos;
             EXPECT_EQ((*rows)->RecordCount() > 0, !byKey) << line;
         } else {
+            const std::int64_t before = db_->ChangeCount();
             EXPECT_EQ(db_->Execute(line), 0) << line << ": " << db_->LastError();
-            EXPECT_EQ(db_->RecordsAffected() > 0, line.find("fPK=") == std::string::npos) << line;
+            EXPECT_EQ(db_->ChangeCount() > before, line.find("fPK=") == std::string::npos) << line;
         }
     }
     EXPECT_EQ(ran, 38);
@@ -190,6 +192,51 @@ TEST_F(Statements, ChooseAndOrderWhatAComputationChooses) {
     // Null is neither equal nor unequal to anything.
     EXPECT_EQ(Keys("SELECT fPK FROM tt WHERE fSec=15 And Not (fG1 = 3 Or fF3 = True)"),
               Expected([](const Row& r) { return r.fSec == 15 && r.fG1 != -1 && r.fG1 != 3 && !r.fF3; }));
+}
+
+TEST_F(Statements, BindValuesInTheOrderOfTheirMarks) {
+    Fill(2000);
+    const auto keys = [&](std::string_view statement, Parameters values) {
+        std::vector<std::int32_t> found;
+        auto cursor = db_->Select(statement, values);
+        while (cursor && cursor->Next())
+            found.push_back(cursor->Int(0));
+        auto rows = db_->OpenRecordset(statement, RecordsetType::Dynaset, values);
+        EXPECT_TRUE(cursor && rows) << db_->LastError();
+        EXPECT_EQ(rows ? (*rows)->RecordCount() : -1, static_cast<std::int64_t>(found.size()));
+        return found;
+    };
+    const std::string range = "SELECT fPK FROM tt WHERE (fR2 Between ? And ?) And fSec=? ORDER BY fR1";
+    for (const auto& [low, high, section] : {std::tuple{-1000000000, 1000000000, 14},
+                                             std::tuple{INT32_MIN, INT32_MAX, 11}, std::tuple{5, 4, 14}}) {
+        EXPECT_EQ(keys(range, {low, high, section}),
+                  Expected([low = low, high = high, section = section](
+                               const Row& r) { return r.fSec == section && r.fR2 >= low && r.fR2 <= high; },
+                           [](const Row& r) { return std::vector<double>{double(r.fR1)}; }));
+    }
+    EXPECT_EQ(keys("SELECT fPK FROM tt WHERE fSec=? And fR1 Mod ? = 1 ORDER BY fR1", {15, 3}),
+              Expected([](const Row& r) { return r.fSec == 15 && r.fR1 % 3 == 1; },
+                       [](const Row& r) { return std::vector<double>{double(r.fR1)}; }));
+
+    auto table = db_->OpenRecordset("tt");
+    ASSERT_TRUE(table);
+    for (const Row& row : {rows_[7], rows_[1999], rows_[7]}) {
+        EXPECT_EQ((*table)->FindFirst("fSec=? And fPK=?", {row.fSec, row.fPK}), 0);
+        EXPECT_EQ((*table)->Field("fR1"), Value(row.fR1));
+    }
+    EXPECT_EQ(db_->Execute("DELETE * FROM tt WHERE fPK=?", {rows_[7].fPK}), 0);
+    EXPECT_EQ((*table)->FindFirst("fPK=?", {rows_[7].fPK}), 0);
+    EXPECT_TRUE((*table)->NoMatch());
+
+    const std::int64_t before = db_->ChangeCount();
+    for (const Parameters values : {Parameters{}, Parameters{15, 16}}) {
+        EXPECT_FALSE(db_->Select("SELECT fPK FROM tt WHERE fSec=?", values));
+        EXPECT_FALSE(db_->OpenRecordset("SELECT fPK FROM tt WHERE fSec=?", RecordsetType::Snapshot, values));
+        EXPECT_EQ(db_->Execute("DELETE * FROM tt WHERE fSec=?", values), EngineNumber::BadStatement);
+        EXPECT_EQ((*table)->FindFirst("fSec=?", values), EngineNumber::BadStatement);
+        EXPECT_EQ((*table)->FindFirst("fSec=15", {1}), EngineNumber::BadStatement);
+    }
+    EXPECT_EQ(db_->ChangeCount(), before);
 }
 
 TEST_F(Statements, GroupAndCount) {
@@ -314,6 +361,11 @@ TEST(Dialect, RefusesWhatItDoesNotKnow) {
                            "SELECT * FROM tt ORDER BY 1",
                            "SELECT load_extension(1) FROM tt",
                            "SELECT fR1 AS X FROM tt WHERE X=1",
+                           "SELECT ? FROM tt",
+                           "SELECT fPK FROM tt ORDER BY fR1 + ?",
+                           "SELECT fSec FROM tt GROUP BY fSec HAVING fSec>?",
+                           "SELECT fPK FROM ?",
+                           "SELECT fPK FROM tt WHERE fPK=?1",
                            "SELECT * FROM tt WHERE fR1 = 1.2.3",
                            "SELECT * FROM tt WHERE [fR1 = 1",
                            "DELETE * FROM tt",
@@ -327,7 +379,7 @@ TEST(Dialect, RefusesWhatItDoesNotKnow) {
                            "INSERT INTO tt IN \"a SELECT * FROM tt WHERE fSec=1"};
     for (const char* text : cases) {
         const auto translated = Translate(text);
-        ASSERT_FALSE(translated) << text << " became " << translated->sql;
+        ASSERT_FALSE(translated) << text << " became " << translated->WithIndex("");
         EXPECT_EQ(translated.error().number, EngineNumber::BadStatement);
     }
     EXPECT_FALSE(Translate("SELECT " + std::string(100000, '(') + "1"));
@@ -342,8 +394,14 @@ TEST(Dialect, FindsTheWaysIn) {
         "(3 < fR4 and fr4 <= 8) and not fR1=1 and (fR2=1 or fR5=2) order by [FR1], fR2");
     ASSERT_TRUE(translated);
     const std::vector<IndexRange> expected{{"fSec", 12, 12}, {"fR3", 5, 9}, {"fR4", 4, 8}};
-    EXPECT_EQ(translated->ranges, expected);
+    EXPECT_EQ(translated->Ranges({}), expected);
     EXPECT_EQ(translated->orderedBy, "fR1");
+    const auto bound =
+        Translate("SELECT * FROM tt WHERE fR2 Between ? And ? And ? > fR2 And fSec=? And fR1=-?");
+    ASSERT_TRUE(bound);
+    EXPECT_EQ(bound->parameters, 5U);
+    EXPECT_EQ(bound->Ranges(std::array{-7, 90, 80, 12, 1}),
+              (std::vector<IndexRange>{{"fR2", -7, 79}, {"fSec", 12, 12}}));
     EXPECT_EQ(Translate("SELECT * FROM tt ORDER BY fR1 DESC")->orderedBy, "");
 }
 

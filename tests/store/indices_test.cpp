@@ -244,7 +244,7 @@ TEST_F(Order, AFullGapSpreadsTheBucketAndMarksTheRewrittenRows) {
     const auto place = [&](std::int32_t key, std::int32_t position) {
         auto table = store.session.ProgramDb->OpenRecordset("tt");
         ASSERT_TRUE(table);
-        (*table)->FindFirst("fPK=" + std::to_string(key));
+        ASSERT_EQ((*table)->FindFirst("fPK=?", {key}), 0);
         (*table)->Edit();
         (*table)->SetField("fR1", position);
         ASSERT_EQ((*table)->Update(), 0);
@@ -266,7 +266,7 @@ TEST_F(Order, DisorderIsFound) {
     Save(kNewRecord, "Ab2");
     auto table = store.session.ProgramDb->OpenRecordset("tt");
     ASSERT_TRUE(table);
-    (*table)->FindFirst("fPK=" + std::to_string(key));
+    ASSERT_EQ((*table)->FindFirst("fPK=?", {key}), 0);
     (*table)->Edit();
     (*table)->SetField("fR1", BucketBounds("Ab").high);
     ASSERT_EQ((*table)->Update(), 0);

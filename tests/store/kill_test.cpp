@@ -41,7 +41,7 @@ Bytes Payload(int row, std::int32_t generation) {
         engine::Transaction save(**db);
         auto table = (*db)->OpenRecordset("tt");
         for (int row = 0; row < kRows; ++row) {
-            (*table)->FindFirst("fSec=15 And fSub=" + std::to_string(row));
+            if ((*table)->FindFirst("fSec=15 And fSub=?", {row}) != 0) _exit(3);
             if (row == generation % kRows) {  // one row goes and comes back instead
                 if ((*table)->Delete() != 0) _exit(3);
                 (*table)->AddNew();

@@ -6,6 +6,7 @@
 
 #include "store/record_put.h"
 #include "support/store.h"
+#include "support/store_file.h"
 
 namespace bmr::store {
 namespace {
@@ -76,12 +77,17 @@ TEST(StoreRow, ARefusalChangesNothing) {
 TEST(FetchRow, GivesOnlyRowsOfTheSection) {
     TempStore store;
     const std::int32_t key = StoreMemo(store, kNewRecord, "memo").fPK;
-    ASSERT_TRUE(FetchRow(store.session, Section::Memo, key));
-    EXPECT_FALSE(FetchRow(store.session, Section::Todo, key));
-    EXPECT_FALSE(FetchRow(store.session, Section::Memo, key ^ 1));
+    const auto stands = [&](std::uint8_t section, std::int32_t ofKey) {
+        const auto row = FetchRow(store.session, section, ofKey);
+        EXPECT_TRUE(row);
+        return row && *row;
+    };
+    ASSERT_TRUE(stands(Section::Memo, key));
+    EXPECT_FALSE(stands(Section::Todo, key));
+    EXPECT_FALSE(stands(Section::Memo, key ^ 1));
     StoreMemo(store, kNewRecord, "other");
     EXPECT_EQ(DeleteRow(store.session, key), 0);
-    EXPECT_FALSE(FetchRow(store.session, Section::Memo, key));
+    EXPECT_FALSE(stands(Section::Memo, key));
     EXPECT_EQ(DeleteRows(store.session, Section::Memo, " And fT1 Is Null"), 0);
     EXPECT_EQ(DeleteRows(store.session, Section::Todo), 0);
     EXPECT_EQ(store.Count("SELECT fPK FROM tt"), 1);
@@ -111,6 +117,28 @@ TEST(SinglePayload, OneRowWithNoiseInEveryOtherColumn) {
     payload = FetchSinglePayload(store.session, 10, 15);
     ASSERT_TRUE(payload && *payload);
     EXPECT_EQ((*payload)->view(), " blanks stay ");
+}
+
+TEST(DamagedRows, AreNeitherMissedNorAddedASecondTime) {
+    TempStore store;
+    ASSERT_EQ(StoreSinglePayload(store.session, 10, 14, "the only list"), 0);
+    const std::int32_t key = StoreMemo(store, kNewRecord, "memo").fPK;
+    const Bytes stored = TextOf(store.Row("SELECT fEtx FROM tt WHERE fSec=10")->Field("fEtx"));
+    for (int i = 0; i < 40; ++i)
+        ASSERT_EQ(StoreMemo(store, kNewRecord, Bytes(400, 'x')).error, 0);
+    store.session.ProgramDb.reset();
+    test::DamagePageWith(store.session.DatabasePath, stored);
+    store.Reopen();
+
+    constexpr int kDamaged = engine::EngineNumber::Damaged;
+    const std::int64_t before = store.session.ProgramDb->ChangeCount();
+    EXPECT_EQ(FetchSinglePayload(store.session, 10, 14).error().number, kDamaged);
+    EXPECT_EQ(StoreSinglePayload(store.session, 10, 14, "a second list"), kDamaged);
+    EXPECT_EQ(FetchRow(store.session, Section::Memo, key).error().number, kDamaged);
+    EXPECT_NE(StoreMemo(store, key, "changed").error, 0);
+    EXPECT_EQ(store.session.ProgramDb->ChangeCount() - before, 2)
+        << "two transactions undone, no row written";
+    EXPECT_EQ(StoreMemo(store, kNewRecord, "another").error, 0);
 }
 
 TEST(CategoryClause, NoneForAll) {

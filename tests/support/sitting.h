@@ -72,7 +72,7 @@ struct Sitting : TestSession {
         ASSERT_TRUE(db) << db.error().detail;
         auto rows = (*db)->OpenRecordset("tt");
         ASSERT_TRUE(rows);
-        (*rows)->FindFirst(criteria);
+        ASSERT_EQ((*rows)->FindFirst(criteria), 0);
         ASSERT_FALSE((*rows)->NoMatch()) << criteria;
         (*rows)->Edit();
         change(**rows);

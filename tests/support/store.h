@@ -53,7 +53,7 @@ struct TempStore : TestSession {
     void Set(std::int32_t fPK, const char* column, const Value& value) {
         auto rows = session.ProgramDb->OpenRecordset("tt");
         ASSERT_TRUE(rows);
-        (*rows)->FindFirst("fPK=" + std::to_string(fPK));
+        ASSERT_EQ((*rows)->FindFirst("fPK=?", {fPK}), 0);
         ASSERT_FALSE((*rows)->NoMatch()) << fPK;
         (*rows)->Edit();
         (*rows)->SetField(column, value);

@@ -22,6 +22,16 @@ inline void WriteFile(const std::filesystem::path& path, const std::string& byte
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
+/// Overwrites the page of a closed file on which `bytes` stand, as a failing disk might.
+inline void DamagePageWith(const std::filesystem::path& path, const std::string& bytes) {
+    constexpr std::size_t kPage = 4096;
+    std::string file = ReadFile(path);
+    const std::size_t at = file.find(bytes);
+    if (at == std::string::npos) throw std::runtime_error("no page with these bytes");
+    file.replace(at / kPage * kPage, kPage, kPage, '\xa5');
+    WriteFile(path, file);
+}
+
 /// Opens a store that must open.
 inline std::unique_ptr<engine::Database> OpenStore(const std::filesystem::path& path) {
     auto db = engine::Database::Open(path);

@@ -22,7 +22,7 @@ struct TaskStore : test::TempStore {
     /// Puts `text` into fEtx of a row as it is.
     void Damage(std::int32_t key, const Bytes& text) {
         auto row = session.ProgramDb->OpenRecordset("tt");
-        (*row)->FindFirst("fPK=" + std::to_string(key));
+        ASSERT_EQ((*row)->FindFirst("fPK=?", {key}), 0);
         (*row)->Edit();
         (*row)->SetField("fEtx", text);
         ASSERT_EQ((*row)->Update(), 0);

@@ -141,7 +141,7 @@ TEST(TaskList, HidesPrivateRowsAndThoseThatCannotBeRead) {
     const std::int32_t damaged = store.Add(Named("damaged"));
     store.Add(Named("last"));
     auto row = store.session.ProgramDb->OpenRecordset("tt");
-    (*row)->FindFirst("fPK=" + std::to_string(damaged));
+    ASSERT_EQ((*row)->FindFirst("fPK=?", {damaged}), 0);
     (*row)->Edit();
     (*row)->SetField("fEtx", Bytes(74, 'x'));
     ASSERT_EQ((*row)->Update(), 0);
@@ -165,7 +165,7 @@ TEST(TaskList, TestsMoreRowsThanOneBatchHolds) {
         const std::int32_t key = store.Add(Named(i % 2 == 0 ? "public" : "damaged"));
         if (i % 2 == 0) continue;
         auto row = store.session.ProgramDb->OpenRecordset("tt");
-        (*row)->FindFirst("fPK=" + std::to_string(key));
+        ASSERT_EQ((*row)->FindFirst("fPK=?", {key}), 0);
         (*row)->Edit();
         (*row)->SetField("fEtx", huge);
         ASSERT_EQ((*row)->Update(), 0);

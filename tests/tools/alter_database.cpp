@@ -21,7 +21,7 @@ int MakeNewer(store::Session& session) {
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
     engine::Recordset& row = **table;
-    row.FindFirst("fSec=1 And fSub=3");
+    if (const int error = row.FindFirst("fSec=1 And fSub=3")) return error;
     if (row.NoMatch()) return 1;
     row.Edit();
     row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));

@@ -48,8 +48,9 @@ TEST(Store, NewFileHasTheTableAndNothingElse) {
     const TempFolder folder;
     const auto path = folder / "a.bmr";
     const auto usual = ::umask(0);
-    ASSERT_EQ(CreateStore(path), 0);
-    ::umask(usual);
+    const int error = CreateStore(path);
+    ::umask(usual);  // the tests behind this one share the process
+    ASSERT_EQ(error, 0);
     struct stat status {};
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600U);

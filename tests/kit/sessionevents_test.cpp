@@ -13,6 +13,9 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
+#include <array>
+#include <optional>
+#include <vector>
 
 namespace bmr::kit {
 namespace {
@@ -81,6 +84,8 @@ struct SessionEventsTest : testing::Test {
         process.start(daemon, {"--session", "--nofork", "--nopidfile", "--print-address=1"});
         ASSERT_TRUE(process.waitForReadyRead(10000)) << process.readAllStandardError().toStdString();
         address = process.readLine().trimmed();
+        for (const char* name : kEnvironment)
+            before.push_back(qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt);
         Use(address);
         qunsetenv("XDG_SESSION_ID");
         desktop = std::make_unique<FakeDesktop>(address);
@@ -93,6 +98,12 @@ struct SessionEventsTest : testing::Test {
         desktop.reset();
         process.kill();
         process.waitForFinished();
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            if (before[i])
+                qputenv(kEnvironment[i], *before[i]);
+            else
+                qunsetenv(kEnvironment[i]);
+        }
     }
     static void Use(const QByteArray& bus) {
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus);
@@ -115,6 +126,9 @@ struct SessionEventsTest : testing::Test {
         EXPECT_EQ(locked, count);
     }
 
+    static constexpr std::array<const char*, 3> kEnvironment{"DBUS_SYSTEM_BUS_ADDRESS",
+                                                             "DBUS_SESSION_BUS_ADDRESS", "XDG_SESSION_ID"};
+    std::vector<std::optional<QByteArray>> before;  ///< what the test found there
     QProcess process;
     QByteArray address;
     std::unique_ptr<FakeDesktop> desktop;

@@ -16,6 +16,7 @@ import stat
 import subprocess
 import termios
 import time
+from concurrent.futures import ThreadPoolExecutor
 
 from bmr_support import ALTER, BMR, DATA, FOREIGN_PASS, PASS, Base, call, main
 
@@ -95,9 +96,19 @@ class Passphrases(Base):
     def test_a_wrong_one_gives_status_2_and_changes_nothing(self):
         self.bmr("new")
         before = self.file.read_bytes()
-        self.bmr("list", "todo", secret="not this one", status=2)
-        self.bmr("add", "todo", "--task", "x", secret="not this one", status=2)
-        self.bmr("check", secret="short", status=2)
+        # Each ends with the forced pause: they wait at the same time, each over a file of its own.
+        waiting = []
+        with ThreadPoolExecutor() as pool:
+            for number, (secret, command) in enumerate((("not this one", ["list", "todo"]), ("short", ["check"]),
+                                                        ("not this one", ["add", "todo", "--task", "x"]))):
+                file = self.folder / str(number) / "plans.bmr"
+                file.parent.mkdir()
+                shutil.copy(self.file, file)
+                waiting.append((file, pool.submit(self.bmr, *command, file=file, secret=secret, status=2)))
+        for file, done in waiting:
+            done.result()
+            self.assertEqual(file.read_bytes(), before)
+            self.assertEqual(list(file.parent.iterdir()), [file])
         self.bmr("list", "todo", secret=b"", status=1)
         self.assertIn("character 3", self.bmr("list", "todo", secret="abŁcdefgh", status=1))
         self.assertEqual(self.file.read_bytes(), before)

@@ -59,8 +59,8 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::Theme theme(application);
     theme.Choose(kit::Theme::FromName(arguments.theme));
     kit::QtPrompter prompter;
-    const app::Environment environment = app::SystemEnvironment();
-    app::SingleInstance instance(environment.runtime);
+    const app::Folders folders = app::SystemFolders();
+    app::SingleInstance instance(folders.runtime);
     if (!instance.Take()) {
         prompter.Ask(MessageBox(135));
         return 1;
@@ -77,7 +77,7 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::Guards guards(*keyboard, random, clipboard);
     app::frmMDI frame({session,
                        Sections(clipboard),
-                       {environment.documents},
+                       {folders.documents},
                        &theme,
                        QString::fromStdString(guards.Describe()),
                        [&events] { return events.Offer(); }});

@@ -37,7 +37,7 @@ StartOutcome OutcomeOf(int error) {
 StartOutcome OpenNamed(store::Session& session, const std::filesystem::path& file) {
     const int unusable = custody::TestOpen(session, file);
     if (unusable == 0) return OutcomeOf(custody::OpenDatabaseFile(session));
-    if (unusable > 0) custody::TellFailure(session, unusable);
+    if (unusable > 0) custody::TellOpenFailure(session, unusable);
     return StartOutcome::ShowMenuDB;
 }
 

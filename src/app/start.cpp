@@ -6,7 +6,7 @@
 
 namespace bmr::app {
 
-Environment SystemEnvironment() {
+Folders SystemFolders() {
     QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     if (documents.isEmpty()) documents = QDir::homePath();
     return {ToPath(documents), ToPath(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation))};

@@ -10,11 +10,11 @@
 namespace bmr::app {
 
 /// The folders that the program knows; handed in, so that a test can give others.
-struct Environment {
+struct Folders {
     std::filesystem::path documents;  ///< the user's documents; "Brindlemere" below it holds the default file
     std::filesystem::path runtime;    ///< lock of the one running program; gone after the user's last logout
 };
-Environment SystemEnvironment();
+Folders SystemFolders();
 
 /// What the command line asks for.
 struct Arguments {

@@ -235,7 +235,7 @@ PassphraseChange ChangePassphrase(Session& session) {
                       session.pin.PINeveryaccess};
         error = RewriteUser(session);
         if (error != 0) session.pin = std::move(old);
-        if (error > 0) TellFailure(session, error);
+        if (error > 0) TellOpenFailure(session, error);
     }
     if (error != 0 && error != kQuitProgram) session.ports.prompter.Ask(MessageBox(124));
     return error == 0 ? PassphraseChange::Changed : PassphraseChange::Unchanged;

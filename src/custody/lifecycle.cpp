@@ -76,7 +76,7 @@ int LogIn(Session& session) {
         if (const int error = RequestPassphrase(session, false)) return error;
         session.ports.prompter.Comment("Checking Database...", true);
         const int error = LoadKeys(session);
-        if (error > 0) TellFailure(session, error);
+        if (error > 0) TellOpenFailure(session, error);
         if (error != MessageNumber::NoSuchUser) return error;
         session.ports.prompter.Comment("", false);
         if (!RetryAfterFailure(session, error)) return session.DatabaseOpen ? error : kQuitProgram;
@@ -112,7 +112,7 @@ int FinishOpening(Session& session) {
 int FinishOrAbandon(Session& session) {
     const int error = FinishOpening(session);
     if (error == 0) return 0;
-    if (error > 0) TellFailure(session, error);
+    if (error > 0) TellOpenFailure(session, error);
     return Abandon(session, error);
 }
 
@@ -194,7 +194,7 @@ int Compact(Session& session, const fs::path& given) {
     fs::remove(copy, error);
     const int failed = engine::CompactInPlace(path, copy);
     if (failed == 0) return 0;
-    TellFailure(session, failed);
+    TellOpenFailure(session, failed);
     return failed;
 }
 
@@ -217,7 +217,7 @@ std::string ExplainOpenFailure(int number) {
     }
 }
 
-void TellFailure(Session& session, int number) {
+void TellOpenFailure(Session& session, int number) {
     Box box;
     box.text = ExplainOpenFailure(number);
     box.icon = BoxIcon::Warning;
@@ -275,7 +275,7 @@ int OpenFileDialog(Session& session) {
     if (error == engine::EngineNumber::Damaged)
         session.ports.prompter.Ask(MessageBox(51, BoxIcon::Warning));
     else if (error != 0)
-        TellFailure(session, error);
+        TellOpenFailure(session, error);
     return error;
 }
 
@@ -293,7 +293,7 @@ int NewDatabase(Session& session) {
     int error = chosen ? DeleteReplaced(session.DatabasePath) : 0;
     if (error == 0) error = FillNewStore(session);
     if (error != 0) {
-        if (error > 0) TellFailure(session, error);
+        if (error > 0) TellOpenFailure(session, error);
         return Abandon(session, error);
     }
     WipeHashes(session);
@@ -306,7 +306,7 @@ int OpenDatabaseFile(Session& session) {
     if (const int error = OpenConnection(session)) return Abandon(session, error);
     if (const int error = LogIn(session)) return Abandon(session, error);
     const int error = CheckSystemRecord(session);
-    if (error > 0) TellFailure(session, error);
+    if (error > 0) TellOpenFailure(session, error);
     if (error != 0) return Abandon(session, error);
     WipeHashes(session);
     return FinishOrAbandon(session);
@@ -322,7 +322,7 @@ int CloseDatabase(Session& session) {
         if (error == 0) error = last.Commit();
     }
     ForgetDatabase(session);
-    if (error != 0 && !session.ending) TellFailure(session, error);
+    if (error != 0 && !session.ending) TellOpenFailure(session, error);
     return error;
 }
 

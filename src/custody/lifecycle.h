@@ -51,6 +51,6 @@ int RemoveDuplicates(store::Session& session);
 /// One plain sentence (UTF-8) for an engine number: why a file could not be opened or written.
 std::string ExplainOpenFailure(int number);
 /// The same in a box.
-void TellFailure(store::Session& session, int number);
+void TellOpenFailure(store::Session& session, int number);
 
 }  // namespace bmr::custody

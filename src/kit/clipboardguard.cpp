@@ -21,11 +21,7 @@ constexpr qsizetype kForeignLength = 64;
 
 }  // namespace
 
-SecretMime::SecretMime(const QString& text) : length_(text.size()) {
-    QByteArray utf8 = text.toUtf8();
-    utf8_ = Secret(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
-    WipeMemory(utf8.data(), static_cast<std::size_t>(utf8.size()));
-}
+SecretMime::SecretMime(const QString& text) : utf8_(ToSecret(text)), length_(text.size()) {}
 
 SecretMime::~SecretMime() = default;
 

@@ -1,18 +1,8 @@
 #include "kit/drafttext.h"
 
+#include "kit/words.h"
+
 namespace bmr::kit {
-
-namespace {
-
-/// UTF-8 that is wiped, as QByteArray would not be.
-Secret ToSecret(const QString& text) {
-    QByteArray utf8 = text.toUtf8();
-    Secret secret(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
-    utf8.fill('\0');
-    return secret;
-}
-
-}  // namespace
 
 void PutText(custody::Draft& draft, std::uint8_t number, const QString& text) {
     draft.texts.push_back({number, ToSecret(text)});

@@ -95,10 +95,8 @@ bool SecretEdit::Insert(const QString& typed) {
         QApplication::beep();
         return false;
     }
-    Bytes bytes = FromQString(text);
     const int start = hasSelectedText() ? selectionStart() : cursorPosition();
-    Replace(start, static_cast<int>(selectedText().size()), bytes);
-    WipeMemory(bytes.data(), bytes.size());
+    Replace(start, static_cast<int>(selectedText().size()), ToLatinSecret(text).view());
     WipeQString(text);
     return true;
 }
@@ -179,9 +177,7 @@ void SecretEdit::mouseDoubleClickEvent(QMouseEvent* event) {
 void SecretEdit::Adopt(const QString& shown) {
     if (shown.contains(kFiller) || !RefusalOf(shown).isEmpty()) return ShowContent(cursorPosition());
     const int cursor = cursorPosition();
-    Bytes bytes = FromQString(shown);
-    content_ = Secret(bytes);
-    WipeMemory(bytes.data(), bytes.size());
+    content_ = ToLatinSecret(shown);
     ShowContent(cursor);
     emit ContentChanged();
 }

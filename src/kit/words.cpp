@@ -1,9 +1,38 @@
 #include "kit/words.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 #include <QStringList>
 
+#include "crypto/cry.h"
+#include "store/record_put.h"
+
 namespace bmr::kit {
+
+namespace {
+
+struct WordsLength {
+    std::size_t length;
+    std::size_t most;
+    bool inBytes;
+};
+
+/// The length of a record's text as the store counts it.
+WordsLength MeasureWords(std::string_view words) {
+    return {words.size(), store::kLongestText, false};
+}
+
+QString Number(std::size_t number) {
+    return QLocale().toString(static_cast<qulonglong>(number));
+}
+
+QString Counted(std::size_t count, bool inBytes) {
+    const char* unit =
+        inBytes ? (count == 1 ? "%1 byte" : "%1 bytes") : (count == 1 ? "%1 character" : "%1 characters");
+    return QCoreApplication::translate("words", unit).arg(Number(count));
+}
+
+}  // namespace
 
 QString ToQString(std::string_view bytes) {
     return QString::fromStdString(ToUtf8(bytes));
@@ -31,6 +60,50 @@ QString RefusalOf(const QString& text) {
     return QCoreApplication::translate("words",
                                        "%1 cannot be stored: the file holds Western European letters only.")
         .arg(list);
+}
+
+QString ShowWords(std::string_view words) {
+    return ToQString(words);
+}
+
+std::string TakeWords(const QString& text) {
+    return FromQString(text);
+}
+
+QString ShowLines(std::string_view words) {
+    return ShowWords(words).replace("\r\n", "\n").replace('\r', '\n');
+}
+
+std::string TakeLines(const QString& text, std::string_view before) {
+    const bool ours =
+        before.find("\r\n") != std::string_view::npos || before.find('\n') == std::string_view::npos;
+    return TakeWords(ours ? QString(text).replace("\n", "\r\n") : text);
+}
+
+QString LengthOf(std::string_view words) {
+    const WordsLength measured = MeasureWords(words);
+    return Counted(measured.length, measured.inBytes);
+}
+
+QString TooLongOf(std::string_view words) {
+    const WordsLength measured = MeasureWords(words);
+    if (measured.length <= measured.most) return {};
+    return QCoreApplication::translate("words", "Too long by %1: %2 fit.")
+        .arg(Counted(measured.length - measured.most, measured.inBytes), Number(measured.most));
+}
+
+Secret ToSecret(const QString& text) {
+    std::string utf8 = text.toStdString();
+    Secret secret(utf8);
+    cry::WipeString(utf8);
+    return secret;
+}
+
+Secret ToLatinSecret(const QString& text) {
+    Bytes bytes = FromQString(text);
+    Secret secret(bytes);
+    cry::WipeString(bytes);
+    return secret;
 }
 
 void WipeQString(QString& text) {

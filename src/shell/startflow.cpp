@@ -27,7 +27,7 @@ StartOutcome MakeDefaultFile(store::Session& session, const Environment& environ
     std::error_code error;
     fs::create_directories(DefaultFolder(environment), error);
     if (error) {
-        custody::TellFailure(session, engine::EngineNumber::NoPermission);
+        custody::TellOpenFailure(session, engine::EngineNumber::NoPermission);
         return StartOutcome::ShowMenuDB;
     }
     session.DatabasePath = DefaultFile(environment);
@@ -63,7 +63,7 @@ StartOutcome Start(store::Session& session, const Environment& environment) {
     // A file that has gone is no news worth a box, and a damaged one was told; any other cause is.
     if (unusable > 0 && unusable != engine::EngineNumber::NotFound &&
         unusable != engine::EngineNumber::Damaged)
-        custody::TellFailure(session, unusable);
+        custody::TellOpenFailure(session, unusable);
     return StartOutcome::ShowMenuDB;
 }
 

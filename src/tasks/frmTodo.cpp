@@ -52,10 +52,7 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
 
 frmTodo::~frmTodo() {
     session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(cboCategories->Number());
-    if (!session_.DatabaseOpen) return;
-    QByteArray begun = txtQuickAdd->text().toUtf8();
-    session_.quickTask = Secret(std::string_view(begun.constData(), static_cast<std::size_t>(begun.size())));
-    WipeMemory(begun.data(), static_cast<std::size_t>(begun.size()));
+    if (session_.DatabaseOpen) session_.quickTask = kit::ToSecret(txtQuickAdd->text());
 }
 
 QList<QAction*> frmTodo::ToolActions() {

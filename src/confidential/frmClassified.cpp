@@ -16,11 +16,11 @@
 
 #include "base/languageus.h"
 #include "confidential/frmEditConfidential.h"
-#include "confidential/recordmodel.h"
 #include "kit/dateentry.h"
 #include "kit/emptystate.h"
 #include "kit/failure.h"
 #include "kit/formparts.h"
+#include "kit/namedlistmodel.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 
@@ -35,7 +35,13 @@ const QString kMask = QString(10, '?');
 
 frmClassified::frmClassified(store::Session& session, std::function<void(const QString&)> copy,
                              QWidget* parent)
-    : SectionForm(parent), session_(session), copy_(std::move(copy)), model_(new RecordModel(session, this)) {
+    : SectionForm(parent),
+      session_(session),
+      copy_(std::move(copy)),
+      model_(new kit::NamedListModel(
+          tr("Record"),
+          [this](const std::string& search) { return ListRecords(session_, currentKind, search); },
+          [this](std::int32_t fPK) { return RecordName(session_, fPK); }, this)) {
     setObjectName("frmClassified");
     setWindowTitle("CONFIDENTIAL");
     BuildActions();
@@ -90,7 +96,7 @@ void frmClassified::listSelect_Initialize(std::int32_t key) {
     const bool inside = isAncestorOf(focus) && !cat[0]->parentWidget()->isAncestorOf(focus);
     HidePad();
     int error = 0;
-    ListSelect->Rebuild([&] { error = model_->Rebuild(currentKind, search_); });
+    ListSelect->Rebuild([&] { error = model_->Rebuild(search_); });
     kit::TellFailure(session_, error, tr("The records could not be read."));
     ListSelect->setEnabled(model_->rowCount() > 0);
     ShowEmptyState();

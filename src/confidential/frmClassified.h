@@ -23,12 +23,12 @@ class QToolButton;
 
 namespace bmr::kit {
 class EmptyState;
+class NamedListModel;
 class RecordListView;
 }  // namespace bmr::kit
 
 namespace bmr::confidential {
 
-class RecordModel;
 class frmEditConfidential;
 
 /// The confidential section: sixteen kinds, the records of the chosen kind, and the chosen record.
@@ -97,7 +97,7 @@ class frmClassified final : public SectionForm {
 
     store::Session& session_;
     std::function<void(const QString&)> copy_;
-    RecordModel* model_;
+    kit::NamedListModel* model_;
     std::int32_t currentKind = 0;
     Record record_;  ///< what the pad shows; wiped with it
     QString search_;

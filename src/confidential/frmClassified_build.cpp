@@ -13,11 +13,11 @@
 #include <QVBoxLayout>
 
 #include "confidential/frmClassified.h"
-#include "confidential/recordmodel.h"
 #include "kit/emptystate.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
+#include "kit/namedlistmodel.h"
 #include "kit/recordlistview.h"
 #include "kit/theme.h"
 #include "store/record_put.h"

@@ -4,7 +4,7 @@
 
 namespace bmr::kit {
 
-RowTexts::~RowTexts() {
+CellTexts::~CellTexts() {
     for (QString& text : texts)
         WipeQString(text);
 }
@@ -17,7 +17,7 @@ Qt::ItemFlags RecordListModel::flags(const QModelIndex& index) const {
     return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
 }
 
-const RowTexts& RecordListModel::TextsOf(int row) const {
+const CellTexts& RecordListModel::TextsOf(int row) const {
     const std::int32_t key = KeyAt(row);
     if (const auto found = kept_.find(key); found != kept_.end()) {
         recent_.splice(recent_.begin(), recent_, found->second);

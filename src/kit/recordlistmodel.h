@@ -11,14 +11,14 @@
 namespace bmr::kit {
 
 /// The enciphered texts of one row, once deciphered; overwritten when they are forgotten.
-struct RowTexts {
-    RowTexts() = default;
-    explicit RowTexts(std::vector<QString> all) : texts(std::move(all)) {}
-    RowTexts(RowTexts&&) noexcept = default;
-    RowTexts& operator=(RowTexts&&) noexcept = default;
-    RowTexts(const RowTexts&) = delete;
-    RowTexts& operator=(const RowTexts&) = delete;
-    ~RowTexts();
+struct CellTexts {
+    CellTexts() = default;
+    explicit CellTexts(std::vector<QString> all) : texts(std::move(all)) {}
+    CellTexts(CellTexts&&) noexcept = default;
+    CellTexts& operator=(CellTexts&&) noexcept = default;
+    CellTexts(const CellTexts&) = delete;
+    CellTexts& operator=(const CellTexts&) = delete;
+    ~CellTexts();
 
     std::vector<QString> texts;
 };
@@ -54,9 +54,9 @@ class RecordListModel : public QAbstractTableModel {
 
   protected:
     /// The texts of a row, read anew. Called for rows that are not in the cache.
-    virtual RowTexts ReadTexts(int row) const = 0;
+    virtual CellTexts ReadTexts(int row) const = 0;
 
-    const RowTexts& TextsOf(int row) const;
+    const CellTexts& TextsOf(int row) const;
     void Forget(std::int32_t key);
     void ForgetAll();
 
@@ -77,7 +77,7 @@ class RecordListModel : public QAbstractTableModel {
     static constexpr std::size_t kKept = 256;
     struct Kept {
         std::int32_t key;
-        RowTexts texts;
+        CellTexts texts;
     };
     mutable std::list<Kept> recent_;
     mutable std::unordered_map<std::int32_t, std::list<Kept>::iterator> kept_;

@@ -13,10 +13,10 @@
 #include "kit/dateentry.h"
 #include "kit/emptystate.h"
 #include "kit/failure.h"
+#include "kit/namedlistmodel.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 #include "notes/frmEditNotepad.h"
-#include "notes/memomodel.h"
 
 namespace bmr::notes {
 
@@ -35,7 +35,11 @@ void ShowDate(QLabel& label, const QString& caption, DateValue date) {
 }  // namespace
 
 frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
-    : SectionForm(parent), session_(session), model_(new MemoModel(session, this)) {
+    : SectionForm(parent),
+      session_(session),
+      model_(new kit::NamedListModel(
+          "Memo", [this](std::string_view search) { return KeysOf(search); },
+          [this](std::int32_t fPK) { return MemoSubject(session_, fPK); }, this)) {
     setObjectName("frmNotepad");
     setWindowTitle("Memo");
     BuildActions();
@@ -62,12 +66,21 @@ void frmNotepad::showEvent(QShowEvent* event) {
     TellStatus();
 }
 
+Result<std::vector<std::int32_t>> frmNotepad::KeysOf(std::string_view search) const {
+    const auto rows = ListMemos(session_, cboCategories->Number(), search);
+    if (!rows) return rows.error();
+    std::vector<std::int32_t> keys;
+    for (const MemoRow& row : *rows)
+        keys.push_back(row.fPK);
+    return keys;
+}
+
 void frmNotepad::Rebuild(std::int32_t key) {
     if (!session_.DatabaseOpen || session_.ending) return;
     HidePad();
     mnuMemoDeleteCategory->setEnabled(cboCategories->Number() != Category::All);
     int error = 0;
-    listSelect->Rebuild([&] { error = model_->Rebuild(cboCategories->Number(), search_); });
+    listSelect->Rebuild([&] { error = model_->Rebuild(search_); });
     kit::TellFailure(session_, error, tr("The memos could not be read."));
     ShowEmptyState();
     listSelect->SelectKey(key);
@@ -220,7 +233,7 @@ void frmNotepad::cmdDelete_Click() {
     const std::int32_t key = listSelect->SelectedKey();
     if (key == kit::RecordListView::kNoKey) return;
     const int row = listSelect->SelectedRow();
-    const Box box = ConfirmDelete(27, DeleteMemoText(kit::FromQString(model_->Subject(row))));
+    const Box box = ConfirmDelete(27, DeleteMemoText(kit::TakeWords(model_->Name(row))));
     if (session_.ports.prompter.Ask(box) != Answer::Ok) return;
     kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The memo was not deleted."));
     Rebuild(store::kNewRecord);

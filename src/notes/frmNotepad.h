@@ -16,12 +16,12 @@ class QStackedLayout;
 namespace bmr::kit {
 class CategoryField;
 class EmptyState;
+class NamedListModel;
 class RecordListView;
 }  // namespace bmr::kit
 
 namespace bmr::notes {
 
-class MemoModel;
 class frmEditNotepad;
 
 /// The memo section: subjects in alphabetical order at the left, the chosen memo at the right.
@@ -58,6 +58,7 @@ class frmNotepad final : public SectionForm {
     void Lay();
 
     void ShowAllCategories();
+    Result<std::vector<std::int32_t>> KeysOf(std::string_view search) const;
     void Rebuild(std::int32_t key);
     void ShowMemo(std::int32_t key);
     void HidePad();
@@ -68,7 +69,7 @@ class frmNotepad final : public SectionForm {
     bool Store(Memo& memo);
 
     store::Session& session_;
-    MemoModel* model_;
+    kit::NamedListModel* model_;
     QString search_;
     std::int32_t beforeSearch_ = store::kNewRecord;  ///< the memo that was selected when the search began
     bool editing_ = false;

@@ -14,10 +14,10 @@
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
+#include "kit/namedlistmodel.h"
 #include "kit/recordlistview.h"
 #include "kit/theme.h"
 #include "notes/frmNotepad.h"
-#include "notes/memomodel.h"
 
 // How the screen of the memo pad is put together; what it does stands in frmNotepad.cpp.
 namespace bmr::notes {

@@ -77,7 +77,7 @@ std::int32_t TodoModel::ListedCategory(std::int32_t number) const {
     return listed ? number : store::Category::Unfiled;
 }
 
-kit::RowTexts TodoModel::ReadTexts(int row) const {
+kit::CellTexts TodoModel::ReadTexts(int row) const {
     // A screen that outlives its database for a moment has nothing to show any more.
     RowTexts read = session_.ProgramDb ? ReadRowTexts(session_, KeyAt(row)) : RowTexts();
     std::vector<QString> texts(3);
@@ -85,7 +85,7 @@ kit::RowTexts TodoModel::ReadTexts(int row) const {
     texts[kPrivate] = read.isPrivate ? "P" : "";
     texts[kReadable] = read.readable ? "1" : "";
     WipeMemory(read.task.data(), read.task.size());
-    return kit::RowTexts(std::move(texts));
+    return kit::CellTexts(std::move(texts));
 }
 
 void TodoModel::Update(const Task& task) {

@@ -45,7 +45,7 @@ class TodoModel final : public kit::RecordListModel {
     void Ticked(std::int32_t key, bool checked);
 
   protected:
-    kit::RowTexts ReadTexts(int row) const override;
+    kit::CellTexts ReadTexts(int row) const override;
 
   private:
     QVariant Text(int row, int subItem) const;

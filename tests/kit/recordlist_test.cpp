@@ -46,10 +46,10 @@ class CountingModel final : public RecordListModel {
     void sort(int, Qt::SortOrder) override { Turn(); }
 
   protected:
-    RowTexts ReadTexts(int row) const override {
+    CellTexts ReadTexts(int row) const override {
         QString text = QString::number(KeyAt(row));
         std::reverse(text.begin(), text.end());
-        return RowTexts({text, "b", "c"});
+        return CellTexts({text, "b", "c"});
     }
 };
 

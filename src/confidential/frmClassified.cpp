@@ -154,7 +154,7 @@ void frmClassified::ShowRecord(std::int32_t key) {
 }
 
 QString frmClassified::FieldText(std::size_t i) const {
-    return kit::ToQString(record_.n[i]);
+    return kit::ShowWords(record_.n[i]);
 }
 
 bool frmClassified::IsMasked(std::size_t i) const {
@@ -174,8 +174,8 @@ void frmClassified::ShowFields() {
     }
     txtTall_->setVisible(height > 1);
     txtTall_->setFixedHeight(kit::HeightOfLines(*txtTall_, height));
-    txtTall_->setPlainText(FieldText(1).replace("\r\n", "\n"));
-    txtNotes->setPlainText(kit::ToQString(record_.notes).replace("\r\n", "\n"));
+    txtTall_->setPlainText(kit::ShowLines(record_.n[1]));
+    txtNotes->setPlainText(kit::ShowLines(record_.notes));
     lblDamaged->setVisible(!record_.readable);
     const QString day = kit::ShortDate(record_.dateLastModified);
     lblLastModified->setText(day.isEmpty() ? day : "Last modified: " + day);
@@ -231,10 +231,10 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     for (bool again = false; !stored; again = true) {
         frmEditConfidential editor(session_, record, this);
         editor_ = &editor;
-        editor.changed = again;
+        editor.recordChanged = again;
         if (draft) editor.Fill(*std::exchange(draft, nullptr));
         if (padFrame->isVisible()) editor.Cover(*padFrame->parentWidget());
-        const bool kept = editor.exec() == QDialog::Accepted && editor.changed;
+        const bool kept = editor.exec() == QDialog::Accepted && editor.recordChanged;
         if (session_.ending || !session_.DatabaseOpen || !kept) break;
         WipeRecord(record);
         record = editor.Value();

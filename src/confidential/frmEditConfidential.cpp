@@ -10,17 +10,14 @@
 #include <QPushButton>
 #include <QToolButton>
 
-#include "base/languageus.h"
 #include "confidential/frmGenerate.h"
 #include "confidential/kinds.h"
-#include "kit/drafttext.h"
+#include "kit/failure.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/icons.h"
 #include "kit/theme.h"
-#include "kit/words.h"
-#include "store/record_put.h"
 
 namespace bmr::confidential {
 
@@ -32,11 +29,6 @@ namespace {
 /// numbers from kValue on.
 enum DraftField : std::uint8_t { kNotes = 1, kPrivate = 2, kValue = 10 };
 
-/// A text of many lines as a field shows it.
-QString Shown(const Bytes& text) {
-    return kit::ToQString(text).replace("\r\n", "\n").replace('\r', '\n');
-}
-
 }  // namespace
 
 frmEditConfidential::frmEditConfidential(store::Session& session, const Record& record, QWidget* parent)
@@ -47,20 +39,13 @@ frmEditConfidential::frmEditConfidential(store::Session& session, const Record& 
     singleLineField1 = kind.height == 1;
     BuildFields();
     Lay();
-    filling_ = true;
-    for (std::size_t i = 0; i < txtCtl.size(); ++i)
-        txtCtl[i]->setText(kit::ToQString(record.n[i]));
-    tmpTxt->setPlainText(Shown(record.n[1]));
-    txtNotes->setPlainText(Shown(record.notes));
-    ctlPrivate->setChecked(record.isPrivate);
-    filling_ = false;
+    fields_.Show();
+    connect(&fields_, &kit::EditorFields::Changed, this, [this] { recordChanged = true; });
     kit::GuardDialog(*this);
     txtCtl[0]->setFocus();
 }
 
-frmEditConfidential::~frmEditConfidential() {
-    WipeRecord(record_);
-}
+frmEditConfidential::~frmEditConfidential() = default;
 
 void frmEditConfidential::BuildFields() {
     const Kind& kind = *ConfidentialKindFields(record_.kind);
@@ -69,7 +54,6 @@ void frmEditConfidential::BuildFields() {
         txtCtl[i] = new QLineEdit(this);
         txtCtl[i]->setObjectName(QString("txtCtl%1").arg(i));
         txtCtl[i]->setAccessibleName(caption);
-        txtCtl[i]->setMaxLength(static_cast<int>(store::kLongestText));
         txtCtl[i]->installEventFilter(this);
         if (IsMaskedCaption(kind.captions[i]))
             kit::GiveFieldMenu(*txtCtl[i]);
@@ -79,7 +63,6 @@ void frmEditConfidential::BuildFields() {
                                      .mail = IsMailCaption(caption),
                                      .dial = IsPhoneCaption(caption)};
             });
-        connect(txtCtl[i], &QLineEdit::textChanged, this, &frmEditConfidential::Changed);
         if (!IsMaskedCaption(kind.captions[i])) continue;
         dice_[i] = kit::MakeIconButton(QString("dice%1").arg(i), "password-generate", tr("Make a password"));
         dice_[i]->installEventFilter(this);
@@ -89,7 +72,6 @@ void frmEditConfidential::BuildFields() {
         auto* edit = kit::MakeTextField(name, caption);
         edit->setParent(this);
         kit::GiveFieldMenu(*edit, session_);
-        connect(edit, &QPlainTextEdit::textChanged, this, &frmEditConfidential::Changed);
         return edit;
     };
     tmpTxt = block("tmpTxt", QString::fromStdString(std::string(kind.captions[1])));
@@ -97,8 +79,15 @@ void frmEditConfidential::BuildFields() {
     tmpTxt->installEventFilter(this);
     txtNotes = block("txtNotes", tr("Notes"));
     ctlPrivate = kit::MakePrivateBox();
-    connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditConfidential::Changed);
-    lblError = kit::MakeErrorLine("lblError");
+    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
+        const auto number = static_cast<std::uint8_t>(kValue + i);
+        if (Field(i) == tmpTxt)
+            fields_.Tie(number, *tmpTxt, record_.n[i]);
+        else
+            fields_.Tie(number, *txtCtl[i], record_.n[i]);
+    }
+    fields_.Tie(kNotes, *txtNotes, record_.notes);
+    fields_.Tie(kPrivate, *ctlPrivate, record_.isPrivate);
 }
 
 void frmEditConfidential::Lay() {
@@ -112,18 +101,17 @@ void frmEditConfidential::Lay() {
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     for (std::size_t i = 0; i < txtCtl.size(); ++i) {
         const bool used = i < kind.FieldCount();
-        const bool tall = i == 1 && !singleLineField1;
-        txtCtl[i]->setVisible(used && !tall);
+        txtCtl[i]->setVisible(used && Field(i) == txtCtl[i]);
         if (!used) continue;
         auto* field = new QWidget;
         auto* line = new QHBoxLayout(field);
         line->setContentsMargins(0, 0, 0, 0);
         line->setSpacing(Space::Tight);
-        line->addWidget(tall ? static_cast<QWidget*>(tmpTxt) : txtCtl[i], 1);
+        line->addWidget(Field(i), 1);
         if (dice_[i]) line->addWidget(dice_[i]);
         auto* label = kit::MakeLabel(QString::fromStdString(std::string(kind.captions[i])), Field(i));
         label->setObjectName(QString("lblTxt%1").arg(i));
-        form->addRow(label, field);
+        form->addRow(label, fields_.Row(*Field(i), field));
     }
     tmpTxt->setVisible(!singleLineField1);
     const kit::SaveCancel buttons = kit::MakeSaveCancel(*this, [this] { cmdOK_Click(); });
@@ -137,9 +125,8 @@ void frmEditConfidential::Lay() {
     column->setSpacing(Space::Row);
     column->addWidget(heading);
     column->addLayout(form);
-    column->addWidget(lblError);
     column->addWidget(kit::MakeLabel("&Notes:", txtNotes));
-    column->addWidget(txtNotes, 1);
+    column->addWidget(fields_.Row(txtNotes), 1);
     column->addWidget(ctlPrivate);
     column->addWidget(buttons.box);
     OrderByEye();
@@ -176,103 +163,30 @@ QWidget* frmEditConfidential::Field(std::size_t i) const {
     return i == 1 && !singleLineField1 ? static_cast<QWidget*>(tmpTxt) : txtCtl[i];
 }
 
-Record frmEditConfidential::Value() const {
-    Record record = record_;
-    const Kind& kind = *ConfidentialKindFields(record.kind);
-    // What nobody has changed stays to the byte, whatever ends its lines.
-    const auto take = [](const QString& text, Bytes& into) {
-        if (text != Shown(into)) into = kit::FromQString(QString(text).replace("\n", "\r\n"));
-    };
-    for (std::size_t i = 0; i < kind.FieldCount(); ++i)
-        if (Field(i) == tmpTxt)
-            take(kit::PlainText(*tmpTxt), record.n[i]);
-        else if (txtCtl[i]->text() != kit::ToQString(record.n[i]))
-            record.n[i] = kit::FromQString(txtCtl[i]->text());
-    take(kit::PlainText(*txtNotes), record.notes);
-    record.isPrivate = ctlPrivate->isChecked();
-    return record;
+Record frmEditConfidential::Value() {
+    fields_.Take();
+    return record_;
 }
 
 std::optional<custody::Draft> frmEditConfidential::HalfWritten() const {
-    if (!changed) return std::nullopt;
-    std::optional<custody::Draft> draft(std::in_place);
-    draft->section = store::Section::Confidential;
-    draft->key = record_.key;
+    if (!recordChanged) return std::nullopt;
+    std::optional<custody::Draft> draft = fields_.HalfWritten(store::Section::Confidential, record_.key);
     draft->category = record_.kind;
-    draft->isPrivate = record_.isPrivate || ctlPrivate->isChecked();
-    kit::SetTitle(*draft, txtCtl[0]->text());
-    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
-        kit::PutText(*draft, static_cast<std::uint8_t>(kValue + i),
-                     Field(i) == tmpTxt ? kit::PlainText(*tmpTxt) : txtCtl[i]->text());
-    }
-    kit::PutText(*draft, kNotes, kit::PlainText(*txtNotes));
-    kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
     return draft;
 }
 
 void frmEditConfidential::Fill(const custody::Draft& draft) {
-    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
-        const QString text = kit::TextOf(draft, static_cast<std::uint8_t>(kValue + i));
-        if (Field(i) == tmpTxt)
-            tmpTxt->setPlainText(text);
-        else
-            txtCtl[i]->setText(text);
-    }
-    kit::ContinueAtEnd(*txtCtl[0]);
-    txtNotes->setPlainText(kit::TextOf(draft, kNotes));
-    txtNotes->moveCursor(QTextCursor::End);
-    ctlPrivate->setChecked(kit::FlagOf(draft, kPrivate));
-    changed = true;
-}
-
-void frmEditConfidential::Changed() {
-    if (filling_) return;
-    changed = true;
-    kit::MarkUnmappable(*txtNotes);
-    kit::MarkUnmappable(*tmpTxt);
-    if (lblError->isVisible()) Unstorable();
-}
-
-QWidget* frmEditConfidential::Unstorable() {
-    const Kind& kind = *ConfidentialKindFields(record_.kind);
-    QString why;
-    const auto judge = [&why](QString text, const QString& caption) {
-        why = kit::RefusalOf(text);
-        const auto length = static_cast<std::size_t>(text.replace("\n", "\r\n").size());
-        if (why.isEmpty() && length > store::kLongestText)
-            why = tr("There are %1 characters; %2 can be stored.")
-                      .arg(QLocale().toString(static_cast<qulonglong>(length)),
-                           QLocale().toString(static_cast<qulonglong>(store::kLongestText)));
-        if (!why.isEmpty()) why = caption.trimmed() + ": " + why;
-        return !why.isEmpty();
-    };
-    QWidget* found = nullptr;
-    for (std::size_t i = 0; i < kind.FieldCount() && !found; ++i) {
-        const QString text = Field(i) == tmpTxt ? kit::PlainText(*tmpTxt) : txtCtl[i]->text();
-        if (judge(text, Field(i)->accessibleName())) found = Field(i);
-    }
-    if (!found && judge(kit::PlainText(*txtNotes), txtNotes->accessibleName())) found = txtNotes;
-    kit::Tell(*lblError, why);
-    return found;
+    fields_.Fill(draft);
+    recordChanged = true;
 }
 
 void frmEditConfidential::cmdOK_Click() {
-    QWidget* wrong = Unstorable();
-    if (wrong)
-        wrong->setFocus(Qt::OtherFocusReason);
-    else
-        accept();
+    if (fields_.Judge()) accept();
 }
 
 void frmEditConfidential::reject() {
-    if (changed && !session_.ending) {
-        Box box = MessageBox(20, BoxIcon::Question);
-        box.buttons = Buttons::YesNo;
-        box.standard = Answer::No;  // No stays: nothing is lost
-        box.words = {tr("Discard changes").toStdString(), tr("Keep editing").toStdString()};
-        if (session_.ports.prompter.Ask(box) != Answer::Yes && !session_.ending) return;
-    }
-    changed = false;
+    if (recordChanged && !session_.ending && !kit::AskDiscard(session_, true) && !session_.ending) return;
+    recordChanged = false;
     QDialog::reject();
 }
 

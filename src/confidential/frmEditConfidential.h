@@ -5,10 +5,9 @@
 #include <optional>
 
 #include "confidential/confidential.h"
-#include "custody/drafts.h"
+#include "kit/editorfields.h"
 
 class QCheckBox;
-class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
@@ -16,8 +15,8 @@ class QToolButton;
 
 namespace bmr::confidential {
 
-/// The dialog over the pad: every value in the open, whatever the pad masks. It stores nothing; `changed`
-/// tells whether its values are to be stored once it has closed.
+/// The dialog over the pad: every value in the open, whatever the pad masks. It stores nothing;
+/// `recordChanged` tells whether its values are to be stored once it has closed.
 class frmEditConfidential final : public QDialog {
     Q_OBJECT
 
@@ -25,8 +24,8 @@ class frmEditConfidential final : public QDialog {
     frmEditConfidential(store::Session& session, const Record& record, QWidget* parent = nullptr);
     ~frmEditConfidential() override;
 
-    bool changed = false;
-    Record Value() const;
+    bool recordChanged = false;
+    Record Value();
 
     /// What the controls hold; nothing when nothing was changed.
     std::optional<custody::Draft> HalfWritten() const;
@@ -45,9 +44,6 @@ class frmEditConfidential final : public QDialog {
     void BuildFields();
     void Lay();
     void OrderByEye();
-    void Changed();
-    /// Marks in words what cannot be stored and tells its field; null when everything can.
-    QWidget* Unstorable();
     void cmdOK_Click();
     QWidget* Field(std::size_t i) const;
     void MoveOn(std::size_t from);
@@ -55,14 +51,13 @@ class frmEditConfidential final : public QDialog {
 
     store::Session& session_;
     Record record_;
+    kit::EditorFields fields_;
     bool singleLineField1 = true;
-    bool filling_ = false;
 
     std::array<QLineEdit*, 5> txtCtl{};
     std::array<QToolButton*, 5> dice_{};
     QPlainTextEdit* tmpTxt;
     QPlainTextEdit* txtNotes;
-    QLabel* lblError;
     QCheckBox* ctlPrivate;
     QPushButton* cmdOK;
     QPushButton* cmdEsc;

@@ -21,6 +21,16 @@ bool FlagOf(const custody::Draft& draft, std::uint8_t number) {
     return !draft.Text(number).empty();
 }
 
+void PutNumber(custody::Draft& draft, std::uint8_t number, std::optional<std::int32_t> value) {
+    draft.Put(number, value ? std::to_string(*value) : std::string());
+}
+
+std::optional<std::int32_t> NumberOf(const custody::Draft& draft, std::uint8_t number) {
+    bool whole = false;
+    const int value = TextOf(draft, number).toInt(&whole);
+    return whole ? std::optional(value) : std::nullopt;
+}
+
 void ContinueAtEnd(QLineEdit& edit) {
     QMetaObject::invokeMethod(
         &edit, [&edit] { edit.end(false); }, Qt::QueuedConnection);

@@ -36,10 +36,13 @@ bool AskToOverwrite(store::Session& session, const QString& record) {
     return session.ports.prompter.Ask(box) == Answer::Yes;
 }
 
-bool AskDiscard(store::Session& session) {
+bool AskDiscard(store::Session& session, bool stays) {
     Box box = MessageBox(20, BoxIcon::Question);
     box.buttons = Buttons::YesNo;
     box.standard = Answer::No;
+    if (stays)
+        box.words = {QCoreApplication::translate("failure", "Discard changes").toStdString(),
+                     QCoreApplication::translate("failure", "Keep editing").toStdString()};
     return session.ports.prompter.Ask(box) == Answer::Yes;
 }
 

@@ -16,7 +16,8 @@ void TellFailure(store::Session& session, int error, const QString& what);
 /// saved by other means. True when the person wants that; the default answer does not.
 bool AskToOverwrite(store::Session& session, const QString& record);
 
-/// Whether the changes of an editor are to be given up; the default answer keeps them.
-bool AskDiscard(store::Session& session);
+/// Whether the changes of an editor are to be given up; the default answer keeps them. `stays`: No goes on
+/// editing, and the buttons say so.
+bool AskDiscard(store::Session& session, bool stays = false);
 
 }  // namespace bmr::kit

@@ -6,13 +6,11 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTextBlock>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include "kit/icons.h"
 #include "kit/theme.h"
-#include "kit/words.h"
 
 namespace bmr::kit {
 
@@ -155,39 +153,9 @@ bool Tell(QLabel& line, const QString& why) {
     return why.isEmpty();
 }
 
-bool ShowLines(QPlainTextEdit& edit, std::string_view text) {
-    edit.setPlainText(ToQString(text).replace("\r\n", "\n"));
-    return text.find("\r\n") != std::string_view::npos || text.find('\n') == std::string_view::npos;
-}
-
-Bytes TakeLines(const QPlainTextEdit& edit, bool twoCharacters) {
-    QString text = PlainText(edit);
-    if (twoCharacters) text.replace("\n", "\r\n");
-    return FromQString(text);
-}
-
 int HeightOfLines(const QPlainTextEdit& edit, int lines) {
     const auto margins = 2 * (edit.frameWidth() + static_cast<int>(edit.document()->documentMargin()));
     return edit.fontMetrics().lineSpacing() * lines + margins;
-}
-
-void MarkUnmappable(QPlainTextEdit& edit) {
-    QList<QTextEdit::ExtraSelection> marks;
-    QTextCharFormat format;
-    format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
-    format.setUnderlineColor(InkOf(Ink::Alarm, edit.palette()));
-    int unit = 0;  // place in UTF-16 units, as the cursor counts
-    std::size_t character = 0;
-    const QString text = PlainText(edit);
-    for (const Unmappable& found : FindUnmappable(text.toStdString())) {
-        for (; character < found.position; ++character)
-            unit += text[unit].isHighSurrogate() ? 2 : 1;
-        QTextCursor cursor(edit.document());
-        cursor.setPosition(unit);
-        cursor.setPosition(unit + (text[unit].isHighSurrogate() ? 2 : 1), QTextCursor::KeepAnchor);
-        marks.append({cursor, format});
-    }
-    edit.setExtraSelections(marks);
 }
 
 }  // namespace bmr::kit

@@ -8,8 +8,6 @@
 #include <functional>
 #include <initializer_list>
 
-#include "base/bytes.h"
-
 class QCheckBox;
 class QDialog;
 class QDialogButtonBox;
@@ -76,20 +74,11 @@ void SetTabOrder(std::initializer_list<QWidget*> order);
 /// Shows or hides an error line; true when there is nothing to say.
 bool Tell(QLabel& line, const QString& why);
 
-/// Puts a record's text of many lines into a field. True when its lines end in two characters, as ours do; a
-/// text that was written otherwise keeps its own ends.
-bool ShowLines(QPlainTextEdit& edit, std::string_view text);
-/// The field's text for the record, with line ends of two characters or of one.
-Bytes TakeLines(const QPlainTextEdit& edit, bool twoCharacters);
-
 /// The text of a field to the letter, lines ended by "\n". The field's own `toPlainText` would turn every
 /// no-break space into a blank.
 QString PlainText(const QPlainTextEdit& edit);
 
 /// The height at which a field shows that many lines and no more.
 int HeightOfLines(const QPlainTextEdit& edit, int lines);
-
-/// The characters of a text that the record format cannot hold are underlined where they stand.
-void MarkUnmappable(QPlainTextEdit& edit);
 
 }  // namespace bmr::kit

@@ -133,15 +133,17 @@ std::int32_t frmEditCategories::LastWorkedOn(std::int32_t initial) const {
 }
 
 Bytes frmEditCategories::AskName(const char* title, const Bytes& initial) {
-    const auto answer = session_.ports.prompter.InputBox(title, "Name of the category:", ToUtf8(initial));
-    if (!answer) return {};
-    const QString typed = QString::fromStdString(*answer).trimmed();
-    if (const QString why = RefusalOf(typed); !why.isEmpty()) {
+    std::string offered = ToUtf8(initial);
+    for (;;) {
+        const auto answer = session_.ports.prompter.InputBox(title, "Name of the category:", offered);
+        if (!answer || session_.ending) return {};
+        const QString typed = QString::fromStdString(*answer).trimmed();
+        const QString why = RefusalOf(typed);
+        if (why.isEmpty()) return FromQString(typed);
         session_.ports.prompter.Ask(
             {0, why.toStdString(), Buttons::Ok, BoxIcon::Information, Answer::Ok, title});
-        return {};
+        offered = *answer;
     }
-    return FromQString(typed);
 }
 
 void frmEditCategories::cmdNew_Click() {

@@ -2,14 +2,11 @@
 
 #include <QDialog>
 
-class QLabel;
 class QLineEdit;
-class QPushButton;
 
 namespace bmr::kit {
 
-/// One line of text behind a prompt. An empty line cannot be accepted, and neither can one with characters
-/// that the file has no place for; the form says which.
+/// One line of text behind a prompt. An empty line cannot be accepted.
 class frmInputbox final : public QDialog {
     Q_OBJECT
 
@@ -20,11 +17,7 @@ class frmInputbox final : public QDialog {
     QString Text() const;
 
   private:
-    void Judge();
-
     QLineEdit* txtInput;
-    QLabel* lblError;
-    QPushButton* cmdOK;
 };
 
 }  // namespace bmr::kit

@@ -8,16 +8,14 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-#include "base/languageus.h"
+#include "crypto/cry.h"
 #include "kit/categoryfield.h"
-#include "kit/drafttext.h"
 #include "kit/failure.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/theme.h"
 #include "kit/words.h"
-#include "store/record_put.h"
 
 namespace bmr::notes {
 
@@ -36,12 +34,7 @@ frmEditNotepad::frmEditNotepad(store::Session& session, const Memo& memo, QWidge
     setWindowTitle(tr("Memo"));
     BuildControls();
     Lay();
-    filling_ = true;
-    cboCategory->Fill(memo.category);
-    ctlSubject->setText(kit::ToQString(memo.subject));
-    crlf_ = kit::ShowLines(*ctlNote, memo.body);
-    ctlPrivate->setChecked(memo.isPrivate);
-    filling_ = false;
+    fields_.Show();
     Changed();
     recordChanged = false;
     kit::GuardDialog(*this);
@@ -52,20 +45,19 @@ frmEditNotepad::~frmEditNotepad() = default;
 
 void frmEditNotepad::BuildControls() {
     ctlSubject = kit::MakeLineField("ctlSubject", tr("Subject"));
-    lblSubjectError = kit::MakeErrorLine("lblSubjectError");
     ctlNote = kit::MakeTextField("ctlNote", tr("Memo"));
-    lblNoteError = kit::MakeErrorLine("lblNoteError");
-    lblLength = new QLabel;
-    lblLength->setObjectName("lblLength");
-    lblLength->setForegroundRole(QPalette::PlaceholderText);
+    length_ = new QLabel;
+    length_->setObjectName("lblLength");
+    length_->setForegroundRole(QPalette::PlaceholderText);
     ctlPrivate = kit::MakePrivateBox();
     cboCategory = new kit::CategoryField(session_, store::Section::Memo, kit::CategoryField::Use::Editor);
     kit::GiveFieldMenu(*ctlSubject, session_);
     kit::GiveFieldMenu(*ctlNote, session_);
-    connect(ctlSubject, &QLineEdit::textChanged, this, &frmEditNotepad::Changed);
-    connect(ctlNote, &QPlainTextEdit::textChanged, this, &frmEditNotepad::Changed);
-    connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditNotepad::Changed);
-    connect(cboCategory, &kit::CategoryField::Chosen, this, &frmEditNotepad::Changed);
+    fields_.Tie(kSubject, *ctlSubject, memo_.subject);
+    fields_.Tie(kBody, *ctlNote, memo_.body);
+    fields_.Tie(kPrivate, *ctlPrivate, memo_.isPrivate);
+    fields_.Tie(*cboCategory, memo_.category);
+    connect(&fields_, &kit::EditorFields::Changed, this, &frmEditNotepad::Changed);
 }
 
 void frmEditNotepad::Lay() {
@@ -80,16 +72,16 @@ void frmEditNotepad::Lay() {
     options->addSpacing(Space::Group);
     options->addWidget(ctlPrivate);
     auto* foot = new QHBoxLayout;
-    foot->addWidget(lblLength, 1);
+    foot->addWidget(length_, 1);
     foot->addWidget(save.box);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Space::Margin, Space::Margin, Space::Margin, Space::Margin);
     column->setSpacing(Space::Tight);
     column->addWidget(kit::MakeLabel(tr("&Subject"), ctlSubject));
-    column->addWidget(kit::WithError(ctlSubject, lblSubjectError));
+    column->addWidget(fields_.Row(ctlSubject));
     column->addSpacing(Space::Row);
     column->addWidget(kit::MakeLabel(tr("&Text"), ctlNote));
-    column->addWidget(kit::WithError(ctlNote, lblNoteError), 1);
+    column->addWidget(fields_.Row(ctlNote), 1);
     column->addSpacing(Space::Row);
     column->addLayout(options);
     column->addSpacing(Space::Row);
@@ -99,90 +91,40 @@ void frmEditNotepad::Lay() {
     resize(qMax(620, fontMetrics().averageCharWidth() * 90), fontMetrics().lineSpacing() * 30);
 }
 
-Bytes frmEditNotepad::Body() const {
-    return kit::TakeLines(*ctlNote, crlf_);
-}
-
-Memo frmEditNotepad::Value() const {
-    Memo memo = memo_;
-    memo.subject = kit::FromQString(ctlSubject->text());
-    memo.body = Body();
-    memo.category = cboCategory->Number();
-    memo.isPrivate = ctlPrivate->isChecked();
-    return memo;
+Memo frmEditNotepad::Value() {
+    fields_.Take();
+    return memo_;
 }
 
 std::optional<custody::Draft> frmEditNotepad::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
-    std::optional<custody::Draft> draft(std::in_place);
-    draft->section = store::Section::Memo;
-    draft->key = memo_.key;
-    draft->category = cboCategory->Number();
-    draft->isPrivate = memo_.isPrivate || ctlPrivate->isChecked();
-    kit::SetTitle(*draft, ctlSubject->text());
-    kit::PutText(*draft, kSubject, ctlSubject->text());
-    kit::PutText(*draft, kBody, kit::PlainText(*ctlNote));
-    kit::PutFlag(*draft, kPrivate, ctlPrivate->isChecked());
-    return draft;
+    return fields_.HalfWritten(store::Section::Memo, memo_.key);
 }
 
 void frmEditNotepad::Fill(const custody::Draft& draft) {
-    cboCategory->Fill(draft.category);
-    ctlSubject->setText(kit::TextOf(draft, kSubject));
-    kit::ContinueAtEnd(*ctlSubject);
-    ctlNote->setPlainText(kit::TextOf(draft, kBody));
-    ctlNote->moveCursor(QTextCursor::End);
-    ctlPrivate->setChecked(kit::FlagOf(draft, kPrivate));
+    fields_.Fill(draft);
     recordChanged = true;
 }
 
 void frmEditNotepad::Changed() {
-    if (filling_) return;
     recordChanged = true;
-    cutAccepted_ = false;
-    kit::MarkUnmappable(*ctlNote);
-    const auto length = static_cast<qsizetype>(Body().size());
-    lblLength->setText(tr("%1 characters").arg(QLocale().toString(length)));
-    if (lblSubjectError->isVisible() || lblNoteError->isVisible()) Storable();
-}
-
-bool frmEditNotepad::Storable() {
-    const bool subject = kit::Tell(*lblSubjectError, kit::RefusalOf(ctlSubject->text()));
-    const bool body = kit::Tell(*lblNoteError, kit::RefusalOf(kit::PlainText(*ctlNote)));
-    return subject && body;
+    std::string body = kit::TakeLines(kit::PlainText(*ctlNote), memo_.body);
+    length_->setText(kit::LengthOf(body));
+    cry::WipeString(body);
 }
 
 void frmEditNotepad::cmdOK_Click() {
-    if (!Storable()) {
-        (lblSubjectError->isVisible() ? static_cast<QWidget*>(ctlSubject) : ctlNote)->setFocus();
-        return;
-    }
-    const std::size_t length = Body().size();
-    if (recordChanged && !cutAccepted_ && length > store::kLongestText) {
-        Box box;
-        box.text =
-            tr("The memo has %1 characters. Only the first %2 can be stored; the last %3 would be lost. "
-               "Store it cut?")
-                .arg(QLocale().toString(static_cast<qulonglong>(length)),
-                     QLocale().toString(static_cast<qulonglong>(store::kLongestText)),
-                     QLocale().toString(static_cast<qulonglong>(length - store::kLongestText)))
-                .toStdString();
-        box.buttons = Buttons::YesNo;
-        box.icon = BoxIcon::Warning;
-        box.standard = Answer::No;
-        if (session_.ports.prompter.Ask(box) != Answer::Yes) return;
-        cutAccepted_ = true;
-    }
-    accept();
+    if (fields_.Judge()) accept();
 }
 
 void frmEditNotepad::reject() {
     if (!recordChanged || session_.ending) return QDialog::reject();
-    if (kit::AskDiscard(session_)) {  // else the memo is stored
+    if (kit::AskDiscard(session_)) {
         recordChanged = false;
-        return QDialog::reject();
+        QDialog::reject();
+    } else if (!session_.ending) {
+        cmdOK_Click();  // No stores, as the button does that says so
     }
-    if (!session_.ending) cmdOK_Click();
 }
 
 }  // namespace bmr::notes

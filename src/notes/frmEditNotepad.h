@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <optional>
 
-#include "custody/drafts.h"
+#include "kit/editorfields.h"
 #include "notes/memo.h"
 
 class QCheckBox;
@@ -11,10 +11,6 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-
-namespace bmr::kit {
-class CategoryField;
-}
 
 namespace bmr::notes {
 
@@ -28,7 +24,7 @@ class frmEditNotepad final : public QDialog {
     ~frmEditNotepad() override;
 
     bool recordChanged = false;
-    Memo Value() const;
+    Memo Value();
 
     /// What the controls hold; nothing when nothing was changed.
     std::optional<custody::Draft> HalfWritten() const;
@@ -41,21 +37,15 @@ class frmEditNotepad final : public QDialog {
     void BuildControls();
     void Lay();
     void Changed();
-    bool Storable();
     void cmdOK_Click();
-    Bytes Body() const;
 
     store::Session& session_;
     Memo memo_;
-    bool crlf_ = true;  ///< line ends of the body as they are kept
-    bool filling_ = false;
-    bool cutAccepted_ = false;  ///< the user agreed that a long text is cut
+    kit::EditorFields fields_;
 
     QLineEdit* ctlSubject;
-    QLabel* lblSubjectError;
     QPlainTextEdit* ctlNote;
-    QLabel* lblNoteError;
-    QLabel* lblLength;
+    QLabel* length_;
     QCheckBox* ctlPrivate;
     kit::CategoryField* cboCategory;
     QPushButton* cmdOK;

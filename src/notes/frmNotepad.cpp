@@ -131,8 +131,8 @@ void frmNotepad::HidePad() {
 void frmNotepad::ShowMemo(std::int32_t key) {
     auto memo = key == kit::RecordListView::kNoKey ? std::nullopt : FetchMemo(session_, key);
     if (!memo) return HidePad();
-    txtSubject->setText(memo->readable ? kit::ToQString(memo->subject) : tr("(cannot be read)"));
-    txtInput->setPlainText(kit::ToQString(memo->body).replace("\r\n", "\n"));
+    txtSubject->setText(memo->readable ? kit::ShowWords(memo->subject) : tr("(cannot be read)"));
+    txtInput->setPlainText(kit::ShowLines(memo->body));
     ctlPrivate->setChecked(memo->isPrivate);
     ctlPrivate->setVisible(memo->isPrivate);
     cboCategory->setText(kit::ToQString(store::CategoryName(cboCategories->Entries(), memo->category)));
@@ -151,20 +151,10 @@ void frmNotepad::ShowAllCategories() {
 
 void frmNotepad::cmdAdd_Click() {
     if (editing_) return;
-    QString subject;
-    for (;;) {
-        const auto typed = session_.ports.prompter.InputBox("Memo", "Enter subject:", subject.toStdString());
-        if (session_.ending || !typed || typed->empty()) return;
-        subject = QString::fromStdString(*typed);
-        const QString why = kit::RefusalOf(subject);
-        if (why.isEmpty()) break;
-        Box box;
-        box.text = why.toStdString();
-        box.icon = BoxIcon::Warning;
-        session_.ports.prompter.Ask(box);
-    }
+    const auto subject = session_.ports.prompter.InputBox("Memo", "Enter subject:", {});
+    if (session_.ending || !subject || subject->empty()) return;
     Memo memo = ClearMemo(session_, cboCategories->Number());
-    memo.subject = kit::FromQString(subject);
+    memo.subject = kit::TakeWords(QString::fromStdString(*subject));
     EditRecord(std::move(memo));
 }
 

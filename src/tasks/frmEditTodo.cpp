@@ -1,7 +1,6 @@
 #include "tasks/frmEditTodo.h"
 
 #include <QButtonGroup>
-#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -11,16 +10,15 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include "base/languageus.h"
 #include "calendar/calendar.h"
 #include "kit/categoryfield.h"
 #include "kit/dateedit.h"
+#include "kit/drafttext.h"
 #include "kit/failure.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/theme.h"
-#include "kit/words.h"
 
 namespace bmr::tasks {
 
@@ -31,20 +29,34 @@ using kit::MakeLabel;
 using kit::Space;
 using kit::WithError;
 
-/// Longest text that a field of a record keeps.
-constexpr qsizetype kLongestText = 65000;
+/// Numbers of the texts in a draft. Never renumber: files in the field carry these. Days are kept as their
+/// serial numbers.
+enum DraftField : std::uint8_t { kTask = 1, kNote, kPrivate, kPriority, kDue, kCompleted };
+
+std::optional<std::int32_t> SerialOf(std::optional<Day> day) {
+    return day ? std::optional(day->serial) : std::nullopt;
+}
+
+std::optional<Day> DayIn(const custody::Draft& draft, std::uint8_t field) {
+    const auto serial = kit::NumberOf(draft, field);
+    return serial ? std::optional(Day{*serial}) : std::nullopt;
+}
 
 }  // namespace
 
-frmEditTodo::frmEditTodo(store::Session& session, const EditorValues& values, bool isNew, QWidget* parent)
-    : QDialog(parent), session_(session) {
+frmEditTodo::frmEditTodo(store::Session& session, const EditorValues& values, std::int32_t key,
+                         QWidget* parent)
+    : QDialog(parent), session_(session), values_(values), key_(key) {
     setObjectName("frmEditTodo");
     setWindowTitle(tr("Task"));
     BuildTexts();
     BuildChoices();
     BuildDates();
-    Lay(isNew);
-    recordToEditor(values);
+    connect(&fields_, &kit::EditorFields::Changed, this, &frmEditTodo::Changed);
+    Lay();
+    fields_.Show();
+    ShowChoices(values);
+    recordChanged = false;  // last, since all this tells of changes
     ctlTask->setFocus();
     kit::GuardDialog(*this);
 }
@@ -53,14 +65,12 @@ frmEditTodo::~frmEditTodo() = default;
 
 void frmEditTodo::BuildTexts() {
     ctlTask = kit::MakeLineField("ctlTask", tr("Task"));
-    lblTaskError = MakeErrorLine("lblTaskError");
     ctlNote = kit::MakeTextField("ctlNote", tr("Note"));
     ctlNote->setMinimumHeight(fontMetrics().lineSpacing() * 6);
-    lblNoteError = MakeErrorLine("lblNoteError");
     kit::GiveFieldMenu(*ctlTask, session_);
     kit::GiveFieldMenu(*ctlNote, session_);
-    connect(ctlTask, &QLineEdit::textChanged, this, &frmEditTodo::Changed);
-    connect(ctlNote, &QPlainTextEdit::textChanged, this, &frmEditTodo::Changed);
+    fields_.Tie(kTask, *ctlTask, values_.task);
+    fields_.Tie(kNote, *ctlNote, values_.note);
 }
 
 void frmEditTodo::BuildChoices() {
@@ -74,8 +84,8 @@ void frmEditTodo::BuildChoices() {
     }
     ctlPrivate = kit::MakePrivateBox();
     cboCategory = new kit::CategoryField(session_, store::Section::Todo, kit::CategoryField::Use::Editor);
-    connect(ctlPrivate, &QCheckBox::toggled, this, &frmEditTodo::Changed);
-    connect(cboCategory, &kit::CategoryField::Chosen, this, &frmEditTodo::Changed);
+    fields_.Tie(kPrivate, *ctlPrivate, values_.isPrivate);
+    fields_.Tie(*cboCategory, values_.category);
 }
 
 void frmEditTodo::BuildDates() {
@@ -92,21 +102,21 @@ void frmEditTodo::BuildDates() {
         });
         return edit;
     };
-    lblDueError = MakeErrorLine("lblDueError");
-    lblCompletedError = MakeErrorLine("lblCompletedError");
-    ctlDateDue = make("ctlDateDue", tr("Due"), lblDueError);
-    ctlDateCompleted = make("ctlDateCompleted", tr("Completed"), lblCompletedError);
+    dueError_ = MakeErrorLine("lblDueError");
+    completedError_ = MakeErrorLine("lblCompletedError");
+    ctlDateDue = make("ctlDateDue", tr("Due"), dueError_);
+    ctlDateCompleted = make("ctlDateCompleted", tr("Completed"), completedError_);
     connect(ctlDateDue, &kit::DateEdit::DateChanged, this, &frmEditTodo::DueChanged);
     connect(ctlDateCompleted, &kit::DateEdit::DateChanged, this, &frmEditTodo::CompletedChanged);
 }
 
-QWidget* frmEditTodo::MakeButtons(bool isNew) {
+QWidget* frmEditTodo::MakeButtons() {
     const kit::SaveCancel foot = kit::MakeSaveCancel(*this, [this] { cmdOK_Click(); });
     QDialogButtonBox* buttons = foot.box;
     cmdOK = foot.cmdOK;
     cmdOK->setDefault(true);
     cmdEsc = foot.cmdEsc;
-    if (isNew) {
+    if (IsNew()) {
         auto* more = buttons->addButton(tr("Save and &new"), QDialogButtonBox::ActionRole);
         more->setObjectName("cmdSaveNew");
         connect(more, &QPushButton::clicked, this, [this] {
@@ -117,7 +127,7 @@ QWidget* frmEditTodo::MakeButtons(bool isNew) {
     return buttons;
 }
 
-void frmEditTodo::Lay(bool isNew) {
+void frmEditTodo::Lay() {
     auto* priority = new QWidget;
     auto* options = new QHBoxLayout(priority);
     options->setContentsMargins(0, 0, 0, 0);
@@ -136,9 +146,9 @@ void frmEditTodo::Lay(bool isNew) {
     left->addRow(MakeLabel(tr("Priority"), ctlPri[0]), priority);
     left->addRow(MakeLabel(tr("Cate&gory"), cboCategory), cboCategory);
     left->addRow(QString(), ctlPrivate);
-    right->addRow(MakeLabel(tr("&Due"), ctlDateDue), WithError(ctlDateDue, lblDueError));
+    right->addRow(MakeLabel(tr("&Due"), ctlDateDue), WithError(ctlDateDue, dueError_));
     right->addRow(MakeLabel(tr("&Completed"), ctlDateCompleted),
-                  WithError(ctlDateCompleted, lblCompletedError));
+                  WithError(ctlDateCompleted, completedError_));
     auto* halves = new QHBoxLayout;
     halves->setSpacing(Space::Group * 2);
     halves->addLayout(left, 1);
@@ -147,32 +157,21 @@ void frmEditTodo::Lay(bool isNew) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Space::Margin, Space::Margin, Space::Margin, Space::Margin);
     column->setSpacing(Space::Tight);
-    column->addWidget(MakeLabel(isNew ? tr("New &task") : tr("&Task"), ctlTask));
-    column->addWidget(WithError(ctlTask, lblTaskError));
+    column->addWidget(MakeLabel(IsNew() ? tr("New &task") : tr("&Task"), ctlTask));
+    column->addWidget(fields_.Row(ctlTask));
     column->addSpacing(Space::Row);
     column->addLayout(halves);
     column->addSpacing(Space::Row);
     column->addWidget(MakeLabel(tr("&Note"), ctlNote));
-    column->addWidget(WithError(ctlNote, lblNoteError), 1);
+    column->addWidget(fields_.Row(ctlNote), 1);
     column->addSpacing(Space::Row);
-    column->addWidget(MakeButtons(isNew));
+    column->addWidget(MakeButtons());
     kit::SetTabOrder({ctlTask, ctlPri[0], ctlPri[1], ctlPri[2], cboCategory->Combo(), cboCategory->Button(),
                       ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote, cmdOK, cmdEsc});
     resize(qMax(620, fontMetrics().averageCharWidth() * 96), fontMetrics().lineSpacing() * 25);
 }
 
-void frmEditTodo::recordToEditor(const EditorValues& values) {
-    filling_ = true;
-    ctlTask->setText(kit::ToQString(values.task));
-    crlf_ = kit::ShowLines(*ctlNote, values.note);
-    wasPrivate_ = values.isPrivate;
-    ShowChoices(values);
-    filling_ = false;
-    recordChanged = false;
-}
-
 void frmEditTodo::ShowChoices(const EditorValues& values) {
-    cboCategory->Fill(values.category);
     const auto chosen = static_cast<std::size_t>(values.priority.value_or(-1));
     if (chosen < ctlPri.size()) {
         ctlPri[chosen]->setChecked(true);
@@ -180,33 +179,54 @@ void frmEditTodo::ShowChoices(const EditorValues& values) {
         for (QRadioButton* option : ctlPri)
             option->setFocusPolicy(option->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
     }
-    ctlPrivate->setChecked(values.isPrivate);
     pickers_ = FillPickers(values.due, values.completed);
     ctlDateDue->SetDate(pickers_.due);
     ctlDateCompleted->SetDate(pickers_.completed);
 }
 
-EditorValues frmEditTodo::Values() const {
-    EditorValues values;
-    values.task = kit::FromQString(ctlTask->text());
-    values.note = kit::TakeLines(*ctlNote, crlf_);
+EditorValues frmEditTodo::Values() {
+    fields_.Take();
+    values_.priority.reset();
     for (std::size_t i = ctlPri.size(); i-- > 0;)
-        if (ctlPri[i]->isChecked()) values.priority = static_cast<std::int32_t>(i);
-    values.isPrivate = ctlPrivate->isChecked();
-    values.due = ctlDateDue->Date();
-    values.completed = ctlDateCompleted->Date();
-    values.category = cboCategory->Number();
-    return values;
+        if (ctlPri[i]->isChecked()) values_.priority = static_cast<std::int32_t>(i);
+    values_.due = ctlDateDue->Date();
+    values_.completed = ctlDateCompleted->Date();
+    return values_;
 }
 
-void frmEditTodo::MarkChanged() {
+custody::Draft frmEditTodo::DraftOf(const QString& task, std::int32_t category) {
+    custody::Draft draft;
+    draft.section = store::Section::Todo;
+    draft.category = category;
+    draft.isPrivate = false;
+    kit::SetTitle(draft, task);
+    kit::PutText(draft, kTask, task);
+    kit::PutNumber(draft, kPriority, Priority::Normal);
+    return draft;
+}
+
+std::optional<custody::Draft> frmEditTodo::HalfWritten() const {
+    if (!recordChanged) return std::nullopt;
+    std::optional<custody::Draft> draft = fields_.HalfWritten(store::Section::Todo, key_);
+    for (std::size_t i = 0; i < ctlPri.size(); ++i)
+        if (ctlPri[i]->isChecked()) kit::PutNumber(*draft, kPriority, static_cast<std::int32_t>(i));
+    kit::PutNumber(*draft, kDue, SerialOf(ctlDateDue->Date()));
+    kit::PutNumber(*draft, kCompleted, SerialOf(ctlDateCompleted->Date()));
+    return draft;
+}
+
+void frmEditTodo::Fill(const custody::Draft& draft) {
+    fields_.Fill(draft);
+    EditorValues choices;
+    choices.priority = kit::NumberOf(draft, kPriority);
+    choices.due = DayIn(draft, kDue);
+    choices.completed = DayIn(draft, kCompleted);
+    ShowChoices(choices);
     recordChanged = true;
 }
 
 void frmEditTodo::Changed() {
-    if (filling_) return;
     recordChanged = true;
-    if (refused_) Storable();  // the words go as soon as the cause is gone
 }
 
 bool frmEditTodo::CommitDates() {
@@ -234,47 +254,22 @@ void frmEditTodo::CompletedChanged(std::optional<Day> date) {
     Changed();
 }
 
-bool frmEditTodo::Storable() {
-    const auto judge = [](QLabel& line, const QString& text) {
-        QString why = kit::RefusalOf(text);
-        if (const auto over = text.size() + text.count('\n') - kLongestText; why.isEmpty() && over > 0)
-            why = tr("Too long by %1 characters: a record holds %2.").arg(over).arg(kLongestText);
-        return kit::Tell(line, why);
-    };
-    const bool task = judge(*lblTaskError, ctlTask->text());
-    const bool note = judge(*lblNoteError, kit::PlainText(*ctlNote));
-    refused_ = !task || !note;
-    if (!refused_) return true;
-    if (!task && !ctlNote->hasFocus())
-        ctlTask->setFocus();
-    else if (task && !ctlTask->hasFocus())
-        ctlNote->setFocus();
-    return false;
-}
-
 void frmEditTodo::cmdOK_Click() {
-    if (CommitDates() && Storable())
+    if (CommitDates() && fields_.Judge())
         accept();
     else
         another = false;
 }
 
-void frmEditTodo::cmdEsc_Click() {
+void frmEditTodo::reject() {
     another = false;
     const bool dates = session_.ending || CommitDates();  // a date that is still being typed is a change too
-    if (recordChanged && !session_.ending) {
-        if (!kit::AskDiscard(session_)) {
-            // "No" stores, so it is held to the same rules as the button that says so.
-            if (session_.ending || (dates && Storable())) QDialog::reject();
-            return;
-        }
+    if (!recordChanged || session_.ending || kit::AskDiscard(session_)) {
+        recordChanged = false;
+        QDialog::reject();
+    } else if (session_.ending || (dates && fields_.Judge())) {
+        QDialog::reject();  // No stores, and is held to the same rules as the button that says so
     }
-    recordChanged = false;
-    QDialog::reject();
-}
-
-void frmEditTodo::reject() {
-    cmdEsc_Click();
 }
 
 }  // namespace bmr::tasks

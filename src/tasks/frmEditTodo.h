@@ -2,10 +2,9 @@
 
 #include <QDialog>
 #include <array>
-#include <functional>
 #include <optional>
 
-#include "custody/drafts.h"
+#include "kit/editorfields.h"
 #include "tasks/duepicker.h"
 #include "tasks/task.h"
 
@@ -17,9 +16,8 @@ class QPushButton;
 class QRadioButton;
 
 namespace bmr::kit {
-class CategoryField;
 class DateEdit;
-}  // namespace bmr::kit
+}
 
 namespace bmr::tasks {
 
@@ -29,23 +27,22 @@ class frmEditTodo final : public QDialog {
     Q_OBJECT
 
   public:
-    frmEditTodo(store::Session& session, const EditorValues& values, bool isNew, QWidget* parent = nullptr);
+    /// `key` is that of the task, or store::kNewRecord.
+    frmEditTodo(store::Session& session, const EditorValues& values, std::int32_t key,
+                QWidget* parent = nullptr);
     ~frmEditTodo() override;
 
     bool recordChanged = false;
     /// Left by "Save and new": another new task is to follow.
     bool another = false;
-    EditorValues Values() const;
+    EditorValues Values();
 
-    /// A draft of a new task; the texts of `choices` are not looked at.
-    static custody::Draft DraftOf(const EditorValues& choices, const QString& task, const QString& note);
-    /// What the controls hold; nothing when nothing was changed. The record's key is the caller's to add.
+    /// A draft of a new task of which only the first words are there.
+    static custody::Draft DraftOf(const QString& task, std::int32_t category);
+    /// What the controls hold; nothing when nothing was changed.
     std::optional<custody::Draft> HalfWritten() const;
     /// Puts a draft into the controls, as if it had been typed.
     void Fill(const custody::Draft& draft);
-
-    /// The editor comes up as if its values had been changed already (a store of them failed).
-    void MarkChanged();
 
     void reject() override;
 
@@ -53,38 +50,33 @@ class frmEditTodo final : public QDialog {
     void BuildTexts();
     void BuildChoices();
     void BuildDates();
-    void Lay(bool isNew);
-    QWidget* MakeButtons(bool isNew);
-    void recordToEditor(const EditorValues& values);
+    void Lay();
+    QWidget* MakeButtons();
+    bool IsNew() const { return key_ == store::kNewRecord; }
+    /// What is no text: priority and dates.
     void ShowChoices(const EditorValues& values);
     void Changed();
     /// Takes dates that are typed but not confirmed. False when one is no date.
     bool CommitDates();
     void DueChanged(std::optional<Day> date);
     void CompletedChanged(std::optional<Day> date);
-    /// Marks in words what cannot be stored; true when everything can.
-    bool Storable();
     void cmdOK_Click();
-    void cmdEsc_Click();
 
     store::Session& session_;
+    EditorValues values_;
+    std::int32_t key_;
+    kit::EditorFields fields_;
     DatePickers pickers_;
-    bool crlf_ = true;         ///< line ends of the note as they are kept
-    bool filling_ = false;     ///< controls are set by us
-    bool wasPrivate_ = false;  ///< as the record came
-    bool refused_ = false;     ///< the last try to store found what cannot be
 
     QLineEdit* ctlTask;
-    QLabel* lblTaskError;
     QPlainTextEdit* ctlNote;
-    QLabel* lblNoteError;
     std::array<QRadioButton*, 3> ctlPri{};
     QCheckBox* ctlPrivate;
     kit::CategoryField* cboCategory;
     kit::DateEdit* ctlDateDue;
-    QLabel* lblDueError;
+    QLabel* dueError_;
     kit::DateEdit* ctlDateCompleted;
-    QLabel* lblCompletedError;
+    QLabel* completedError_;
     QPushButton* cmdOK;
     QPushButton* cmdEsc;
 };

@@ -141,13 +141,10 @@ void frmTodo::mnuTodoEdit_Click() {
 std::vector<custody::Draft> frmTodo::Drafts() const {
     std::vector<custody::Draft> drafts;
     if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) {
-        draft->key = editedKey_;
         drafts.push_back(std::move(*draft));
     }
     if (const QString begun = txtQuickAdd->text().trimmed(); !begun.isEmpty()) {
-        EditorValues choices = RecordToEditor(ClearRecord(cboCategories->Number()), {});
-        choices.category = store::RealCategory(cboCategories->Number());
-        drafts.push_back(frmEditTodo::DraftOf(choices, begun, {}));
+        drafts.push_back(frmEditTodo::DraftOf(begun, store::RealCategory(cboCategories->Number())));
     }
     return drafts;
 }
@@ -186,10 +183,9 @@ bool frmTodo::EditAndStore(Task& task, bool& another, const custody::Draft* draf
         RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
     bool stored = false;
     for (bool again = false; !stored; again = true) {
-        frmEditTodo editor(session_, values, task.key == store::kNewRecord, this);
+        frmEditTodo editor(session_, values, task.key, this);
         editor_ = &editor;
-        editedKey_ = task.key;
-        if (again) editor.MarkChanged();
+        editor.recordChanged = again;
         if (draft) editor.Fill(*std::exchange(draft, nullptr));
         editor.exec();
         if (session_.ending || !session_.DatabaseOpen) return false;
@@ -214,12 +210,8 @@ bool frmTodo::Store(Task& task) {
 void frmTodo::AddQuickly() {
     const QString typed = txtQuickAdd->text().trimmed();
     if (typed.isEmpty()) return;
-    if (const QString why = kit::RefusalOf(typed); !why.isEmpty()) {
-        strip_->Say(why, kit::Strip::Kind::Warning);
-        return;
-    }
     Task task = ClearRecord(cboCategories->Number());
-    task.task = kit::FromQString(typed);
+    task.task = kit::TakeWords(typed);
     if (!Store(task)) return;
     txtQuickAdd->clear();
     strip_->Clear();
@@ -254,7 +246,7 @@ void frmTodo::mnuTodoPriority_Click(int Index) {
 void frmTodo::mnuTodoDeleteItem_Click() {
     const auto key = Selected();
     const int row = TodoList->SelectedRow();
-    const Bytes text = key ? kit::FromQString(model_->TaskText(row)) : Bytes();
+    const Bytes text = key ? kit::TakeWords(model_->TaskText(row)) : Bytes();
     const auto outcome = DeleteItem(session_, key, text);
     kit::TellFailure(session_, outcome.error, tr("The task was not deleted."));
     if (!outcome.rebuild) return;

@@ -88,7 +88,6 @@ class frmTodo final : public SectionForm {
     std::int32_t beforeSearch_ = store::kNewRecord;  ///< the row that was selected when the search began
     bool editing_ = false;
     QPointer<frmEditTodo> editor_;
-    std::int32_t editedKey_ = store::kNewRecord;
 
     QMenu* mnuTodo;
     QMenu* mnuTodoRC;

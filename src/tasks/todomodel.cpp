@@ -81,7 +81,7 @@ kit::CellTexts TodoModel::ReadTexts(int row) const {
     // A screen that outlives its database for a moment has nothing to show any more.
     RowTexts read = session_.ProgramDb ? ReadRowTexts(session_, KeyAt(row)) : RowTexts();
     std::vector<QString> texts(3);
-    texts[kTask] = read.readable ? kit::ToQString(read.task) : tr("(cannot be read)");
+    texts[kTask] = read.readable ? kit::ShowWords(read.task) : tr("(cannot be read)");
     texts[kPrivate] = read.isPrivate ? "P" : "";
     texts[kReadable] = read.readable ? "1" : "";
     WipeMemory(read.task.data(), read.task.size());

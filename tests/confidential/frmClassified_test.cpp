@@ -251,7 +251,7 @@ TEST_F(Classified, TextsAreMeasuredAndLeftToTheByte) {
         high->setPlainText(QString(70000, 'x'));
         editor.findChild<QPushButton*>("cmdOK")->click();
         EXPECT_TRUE(editor.isVisible());
-        EXPECT_TRUE(editor.findChild<QLabel*>("lblError")->text().contains("Bank Address"));
+        EXPECT_TRUE(editor.findChild<QLabel*>("lblTxtError")->text().contains("5,000"));
         high->setPlainText(before);
         Type(editor, "txtCtl4", "4711");
         editor.findChild<QPushButton*>("cmdOK")->click();

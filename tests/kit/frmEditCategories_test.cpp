@@ -73,8 +73,10 @@ TEST_F(FormCategories, SaysWhatItCannotDo) {
     Click(*form, "cmdRename");
     EXPECT_FALSE(Named(*form, "cmdDelete").isEnabled());
     db.prompter.Expect(0);
-    New("ł");
+    db.prompter.inputs = {"ł", std::nullopt};
+    Click(*form, "cmdNew");
     EXPECT_TRUE(Names().isEmpty());
+    EXPECT_TRUE(db.prompter.inputs.empty()) << "asked again";
 
     CategoryList full;
     for (std::int32_t i = 1; i <= 128; ++i)

@@ -16,7 +16,6 @@
 
 #include "kit/recordlistview.h"
 #include "store/categories.h"
-#include "store/record_put.h"
 #include "support/store.h"
 
 namespace bmr::notes {
@@ -115,22 +114,24 @@ TEST_F(Notepad, CancellingTheInputBoxAddsNothing) {
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
 }
 
-TEST_F(Notepad, AMemoThatIsTooLongIsToldBeforeItIsCut) {
+TEST_F(Notepad, NothingIsStoredWhileATextIsTooLong) {
     Add("Long", "short");
     list().SelectFirst();
-    store.prompter.Expect(0, Answer::No);
+    store.prompter.Expect(20, Answer::No);
     OnDialog([&](QDialog& editor) {
         auto* note = editor.findChild<QPlainTextEdit*>("ctlNote");
-        note->setPlainText(QString(70000, 'x'));
+        auto* error = editor.findChild<QLabel*>("lblNoteError");
+        note->setPlainText(QString(40000, 'x') + "\n" + QString(25010, 'x'));
         editor.findChild<QPushButton*>("cmdOK")->click();
-        EXPECT_TRUE(editor.isVisible());  // No goes back, with the whole text
-        EXPECT_EQ(note->toPlainText().size(), 70000);
-        store.prompter.Expect(0, Answer::Yes);
+        editor.findChild<QPushButton*>("cmdEsc")->click();  // No stores, by the same rule
+        EXPECT_TRUE(editor.isVisible());
+        EXPECT_EQ(error->text(), "Too long by 12 characters: 65,000 fit.") << "a line ends in two";
+        note->setPlainText(QString(65000, 'x'));
+        EXPECT_FALSE(error->isVisible()) << "the words go with their cause";
         editor.findChild<QPushButton*>("cmdOK")->click();
     });
     form->cmdEdit_Click();
-    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText().size(),
-              static_cast<qsizetype>(store::kLongestText));
+    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText().size(), 65000);
 }
 
 TEST_F(Notepad, TheDeleteOfACategoryNeverReachesFurther) {
@@ -165,31 +166,11 @@ TEST_F(Notepad, ADamagedMemoIsOnlyWrittenOverWhenAsked) {
     EXPECT_FALSE(form->Editing());
 }
 
-TEST_F(Notepad, WhatTheFormatCannotHoldIsMarkedAndNotStored) {
-    Add("Plain", "text");
-    list().SelectFirst();
-    store.prompter.Expect(20, Answer::Yes);
-    OnDialog([](QDialog& editor) {
-        auto* note = editor.findChild<QPlainTextEdit*>("ctlNote");
-        note->setPlainText(QString::fromUtf8("caf\xC3\xA9 \xE5\xAD\x97 \xF0\x9F\x98\x80!"));
-        const auto marks = note->extraSelections();
-        ASSERT_EQ(marks.size(), 2);
-        EXPECT_EQ(marks[0].cursor.selectedText(), QString::fromUtf8("\xE5\xAD\x97"));
-        EXPECT_EQ(marks[1].cursor.selectedText(), QString::fromUtf8("\xF0\x9F\x98\x80"));
-        editor.findChild<QPushButton*>("cmdOK")->click();
-        EXPECT_TRUE(editor.isVisible());
-        EXPECT_FALSE(editor.findChild<QLabel*>("lblNoteError")->text().isEmpty());
-        editor.findChild<QPushButton*>("cmdEsc")->click();
-    });
-    form->cmdEdit_Click();
-    EXPECT_EQ(Find<QPlainTextEdit>("txtInput").toPlainText(), "text");
-}
-
 TEST_F(Notepad, WhatIsHalfWrittenComesBackThroughADraft) {
     Add("Garden", "roses");
     list().SelectFirst();
     QSignalSpy settled(form.get(), &SectionForm::DraftSettled);
-    const QString half = QString::fromUtf8("\xE5\xAD\x97 that no memo can hold\nand a second li");
+    const QString half = QString::fromUtf8("\xE5\xAD\x97 of any script\nand a second li");
     std::vector<custody::Draft> drafts;
     OnDialog([&](QDialog& editor) {
         EXPECT_TRUE(form->Drafts().empty()) << "nothing was changed yet";

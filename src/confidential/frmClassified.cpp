@@ -6,18 +6,15 @@
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPlainTextEdit>
 #include <QScrollArea>
-#include <QStackedLayout>
 #include <QToolButton>
 #include <algorithm>
 #include <utility>
 
-#include "base/languageus.h"
 #include "confidential/frmEditConfidential.h"
+#include "crypto/cry.h"
 #include "kit/dateentry.h"
-#include "kit/emptystate.h"
 #include "kit/failure.h"
 #include "kit/formparts.h"
 #include "kit/namedlistmodel.h"
@@ -25,6 +22,8 @@
 #include "kit/words.h"
 
 namespace bmr::confidential {
+
+using kit::EditEnd;
 
 namespace {
 
@@ -41,7 +40,8 @@ frmClassified::frmClassified(store::Session& session, std::function<void(const Q
       model_(new kit::NamedListModel(
           tr("Record"),
           [this](const std::string& search) { return ListRecords(session_, currentKind, search); },
-          [this](std::int32_t fPK) { return RecordName(session_, fPK); }, this)) {
+          [this](std::int32_t fPK) { return RecordName(session_, fPK); }, this)),
+      round_(session, *this) {
     setObjectName("frmClassified");
     setWindowTitle("CONFIDENTIAL");
     BuildActions();
@@ -52,9 +52,7 @@ frmClassified::frmClassified(store::Session& session, std::function<void(const Q
     columns->addWidget(BuildList(), 35);
     columns->addWidget(BuildPad(), 65);
     HidePad();
-    ListSelect->setEnabled(false);
-    mnuAdd->setEnabled(false);
-    ShowEmptyState();
+    addRecord_->setEnabled(false);
     setFocusProxy(cat[1]);
 }
 
@@ -63,18 +61,13 @@ frmClassified::~frmClassified() {
 }
 
 QList<QAction*> frmClassified::ToolActions() {
-    return {mnuAdd, mnuEdit, mnuDelete, nullptr, mnuCopy};
-}
-
-void frmClassified::showEvent(QShowEvent* event) {
-    SectionForm::showEvent(event);
-    TellStatus();
+    return {addRecord_, editRecord_, deleteRecord_, nullptr, copyField_};
 }
 
 void frmClassified::cat_Click(int Index) {
     if (Index == 0) return;
     currentKind = Index;
-    mnuAdd->setEnabled(true);
+    addRecord_->setEnabled(true);
     cat[static_cast<std::size_t>(Index)]->setChecked(true);
     const Kind& kind = *CurrentKind();
     for (std::size_t i = 0; i < rows_.size(); ++i) {
@@ -94,28 +87,17 @@ void frmClassified::listSelect_Initialize(std::int32_t key) {
     if (currentKind == 0 || !session_.DatabaseOpen || session_.ending) return;
     const QWidget* focus = QApplication::focusWidget();
     const bool inside = isAncestorOf(focus) && !cat[0]->parentWidget()->isAncestorOf(focus);
-    HidePad();
-    int error = 0;
-    ListSelect->Rebuild([&] { error = model_->Rebuild(search_); });
-    kit::TellFailure(session_, error, tr("The records could not be read."));
-    ListSelect->setEnabled(model_->rowCount() > 0);
-    ShowEmptyState();
-    if (key != store::kNewRecord && model_->RowOf(key) >= 0)
-        ListSelect->SelectKey(key);
-    else
-        ListSelect->SelectFirst();
-    ShowRecord(ListSelect->SelectedKey());
+    pane_->Rebuild(key);
+    if (ListSelect->SelectedRow() < 0) ListSelect->SelectFirst();
     if (inside) FocusList();  // what had it may be hidden now
-    TellStatus();
+}
+
+kit::Emptiness frmClassified::WhyEmpty() const {
+    return {currentKind == 0 ? tr("Choose a kind of record at the left.")
+                             : tr("No records of this kind yet.")};
 }
 
 void frmClassified::Refresh() {
-    listSelect_Initialize(ListSelect->SelectedKey());
-}
-
-void frmClassified::SetSearch(const QString& text) {
-    if (text.trimmed() == search_) return;
-    search_ = text.trimmed();
     listSelect_Initialize(ListSelect->SelectedKey());
 }
 
@@ -125,7 +107,7 @@ void frmClassified::SelectRecord(std::int32_t fPK) {
     const std::int32_t kind = record->kind;
     WipeRecord(*record);
     if (ConfidentialKindFields(kind) == nullptr) return;  // no list holds it
-    search_.clear();
+    pane_->ClearSearch();
     if (kind != currentKind) cat_Click(kind);
     listSelect_Initialize(fPK);
 }
@@ -135,8 +117,13 @@ void frmClassified::HidePad() {
     record_ = Record();
     ShowFields();
     padFrame->hide();
-    for (QAction* action : {mnuEdit, mnuDelete, mnuCopy})
+    for (QAction* action : {editRecord_, deleteRecord_, copyField_})
         action->setEnabled(false);
+}
+
+void frmClassified::ShowEmptyPad() {
+    HidePad();
+    padFrame->show();
 }
 
 void frmClassified::ShowRecord(std::int32_t key) {
@@ -147,10 +134,10 @@ void frmClassified::ShowRecord(std::int32_t key) {
     ShowFields();
     ctlPrivate->setChecked(record_.isPrivate);
     padFrame->show();
-    for (QAction* action : {mnuEdit, mnuDelete})
+    for (QAction* action : {editRecord_, deleteRecord_})
         action->setEnabled(true);
     const auto filled = [](const Bytes& text) { return !text.empty(); };
-    mnuCopy->setEnabled(filled(record_.notes) || std::any_of(record_.n.begin(), record_.n.end(), filled));
+    copyField_->setEnabled(filled(record_.notes) || std::any_of(record_.n.begin(), record_.n.end(), filled));
 }
 
 QString frmClassified::FieldText(std::size_t i) const {
@@ -176,9 +163,8 @@ void frmClassified::ShowFields() {
     txtTall_->setFixedHeight(kit::HeightOfLines(*txtTall_, height));
     txtTall_->setPlainText(kit::ShowLines(record_.n[1]));
     txtNotes->setPlainText(kit::ShowLines(record_.notes));
-    lblDamaged->setVisible(!record_.readable);
-    const QString day = kit::ShortDate(record_.dateLastModified);
-    lblLastModified->setText(day.isEmpty() ? day : "Last modified: " + day);
+    damaged_->setVisible(!record_.readable);
+    lblLastModified->setText(kit::ShortDate("Last modified: ", record_.dateLastModified));
 }
 
 void frmClassified::chkPlainPW_Click() {
@@ -186,24 +172,17 @@ void frmClassified::chkPlainPW_Click() {
 }
 
 void frmClassified::cmdAdd_Click() {
-    if (currentKind == 0 || editing_) return;
+    if (currentKind == 0 || round_.Open()) return;
     Record record;
     record.kind = currentKind;
-    HidePad();
-    padFrame->show();  // empty behind the dialog that covers it
+    ShowEmptyPad();
     EditRecord(std::move(record));
 }
 
 void frmClassified::cmdEdit_Click() {
-    if (model_->rowCount() == 0 || editing_) return;
+    if (model_->rowCount() == 0 || round_.Open()) return;
     auto record = FetchRecord(session_, ListSelect->SelectedKey());
     if (record) EditRecord(std::move(*record));
-}
-
-std::vector<custody::Draft> frmClassified::Drafts() const {
-    std::vector<custody::Draft> drafts;
-    if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) drafts.push_back(std::move(*draft));
-    return drafts;
 }
 
 void frmClassified::OpenDraft(const custody::Draft& draft) {
@@ -213,8 +192,7 @@ void frmClassified::OpenDraft(const custody::Draft& draft) {
     } else {
         if (ConfidentialKindFields(draft.category) == nullptr) return;  // the draft stays
         if (currentKind != draft.category) cat_Click(draft.category);
-        HidePad();
-        padFrame->show();  // empty behind the dialog that covers it
+        ShowEmptyPad();
         record.emplace().kind = draft.category;
     }
     EditRecord(std::move(*record), &draft);
@@ -226,32 +204,20 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     const std::int32_t keyBefore = record.key;
     const std::int32_t shown = ListSelect->SelectedKey();
     Bytes nameBefore = record.n[0];
-    bool stored = false;
-    editing_ = true;
-    for (bool again = false; !stored; again = true) {
-        frmEditConfidential editor(session_, record, this);
-        editor_ = &editor;
-        editor.recordChanged = again;
-        if (draft) editor.Fill(*std::exchange(draft, nullptr));
-        if (padFrame->isVisible()) editor.Cover(*padFrame->parentWidget());
-        const bool kept = editor.exec() == QDialog::Accepted && editor.recordChanged;
-        if (session_.ending || !session_.DatabaseOpen || !kept) break;
+    frmEditConfidential editor(session_, record, this);
+    if (padFrame->isVisible()) editor.Cover(*padFrame->parentWidget());
+    const EditEnd end = round_.EditUntilStored(editor, draft, tr("The record was not stored."), [&] {
         WipeRecord(record);
         record = editor.Value();
-        const int error = SaveRecord(session_, record);
-        kit::TellFailure(session_, error, tr("The record was not stored."));
-        stored = error == 0;  // what could not be stored stays in the editor
-        if (session_.ending || !session_.DatabaseOpen) break;
-    }
-    editing_ = false;
+        return SaveRecord(session_, record);
+    });
     const std::int32_t key = record.key;
     // A row that was deleted behind the editor has come back under another key.
     const bool moved = key != keyBefore || nameBefore != record.n[0];
     cry::WipeString(nameBefore);
     WipeRecord(record);
-    if (session_.ending || !session_.DatabaseOpen) return;
-    emit DraftSettled();
-    if (stored && moved)
+    if (end == EditEnd::Closed) return;
+    if (end == EditEnd::Stored && moved)
         listSelect_Initialize(key);
     else if (keyBefore != store::kNewRecord)
         ShowRecord(shown);
@@ -263,8 +229,6 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
 void frmClassified::ShowNothing() {
     HidePad();
     ListSelect->SelectKey(kit::RecordListView::kNoKey);
-    ListSelect->setEnabled(model_->rowCount() > 0);
-    TellStatus();
 }
 
 void frmClassified::cmdDelete_Click() {
@@ -273,29 +237,6 @@ void frmClassified::cmdDelete_Click() {
     if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteRecordText(record_.n[0]))) != Answer::Ok) return;
     kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The record was not deleted."));
     listSelect_Initialize(store::kNewRecord);
-}
-
-void frmClassified::ShowEmptyState() {
-    const bool any = model_->rowCount() > 0;
-    stack_->setCurrentIndex(any ? 0 : 1);
-    if (any) return;
-    if (currentKind == 0)
-        empty_->Set("object-locked", tr("Choose a kind of record at the left."), {});
-    else if (!search_.isEmpty())
-        empty_->Set("edit-find", tr("Nothing for “%1” among these records.").arg(search_), {});
-    else
-        empty_->Set("object-locked", tr("No records of this kind yet."), {mnuAdd});
-}
-
-void frmClassified::TellStatus() {
-    if (currentKind == 0) {
-        emit StatusChanged({});
-        return;
-    }
-    const int count = model_->rowCount();
-    QString text = count == 1 ? tr("1 record") : tr("%1 records").arg(QLocale().toString(count));
-    if (!session_.ShowPrivate) text += ", " + tr("private ones hidden");
-    emit StatusChanged(text);
 }
 
 }  // namespace bmr::confidential

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QPointer>
 #include <array>
 #include <functional>
 
 #include "confidential/confidential.h"
 #include "confidential/kinds.h"
+#include "kit/editround.h"
 #include "kit/fieldmenu.h"
+#include "kit/listpane.h"
 #include "kit/sectionform.h"
 
 class QAbstractButton;
@@ -16,20 +17,15 @@ class QFrame;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
-class QPushButton;
 class QScrollArea;
-class QStackedLayout;
 class QToolButton;
 
 namespace bmr::kit {
-class EmptyState;
 class NamedListModel;
 class RecordListView;
 }  // namespace bmr::kit
 
 namespace bmr::confidential {
-
-class frmEditConfidential;
 
 /// The confidential section: sixteen kinds, the records of the chosen kind, and the chosen record.
 class frmClassified final : public SectionForm {
@@ -41,13 +37,13 @@ class frmClassified final : public SectionForm {
                   QWidget* parent = nullptr);
     ~frmClassified() override;
 
-    QMenu* SectionMenu() override { return mnuConfidential; }
+    QMenu* SectionMenu() override { return menu_; }
     QList<QAction*> ToolActions() override;
     void Refresh() override;
-    void SetSearch(const QString& text) override;
+    void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
-    bool Editing() const override { return editing_; }
-    std::vector<custody::Draft> Drafts() const override;
+    bool Editing() const override { return round_.Open(); }
+    std::vector<custody::Draft> Drafts() const override { return round_.Drafts(); }
     void OpenDraft(const custody::Draft& draft) override;
 
     void cat_Click(int Index);
@@ -58,7 +54,6 @@ class frmClassified final : public SectionForm {
     void mnuCopy_Click();
 
   protected:
-    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -80,6 +75,8 @@ class frmClassified final : public SectionForm {
     void ShowRecord(std::int32_t key);
     void ShowFields();
     void HidePad();
+    /// The pad of a new record: empty behind the dialog that covers it.
+    void ShowEmptyPad();
     /// The keyboard goes on in the list, or at the kind while its list is empty.
     void FocusList();
     bool KindKey(QAbstractButton& kind, int key);
@@ -90,8 +87,7 @@ class frmClassified final : public SectionForm {
     void OpenField(std::size_t i);
     kit::FieldUse UseOf(std::size_t i) const;
     bool IsMasked(std::size_t i) const;
-    void ShowEmptyState();
-    void TellStatus();
+    kit::Emptiness WhyEmpty() const;
     const Kind* CurrentKind() const { return ConfidentialKindFields(currentKind); }
     QString FieldText(std::size_t i) const;
 
@@ -100,25 +96,22 @@ class frmClassified final : public SectionForm {
     kit::NamedListModel* model_;
     std::int32_t currentKind = 0;
     Record record_;  ///< what the pad shows; wiped with it
-    QString search_;
-    bool editing_ = false;
-    QPointer<frmEditConfidential> editor_;
+    kit::EditRound round_;
+    kit::ListPane* pane_;
 
-    QMenu* mnuConfidential;
-    QAction* mnuAdd;
-    QAction* mnuEdit;
-    QAction* mnuDelete;
-    QAction* mnuCopy;
+    QMenu* menu_;
+    QAction* addRecord_;
+    QAction* editRecord_;
+    QAction* deleteRecord_;
+    QAction* copyField_;
 
     QScrollArea* kindsArea_;
     std::array<QAbstractButton*, 17> cat{};
     kit::RecordListView* ListSelect = nullptr;
-    kit::EmptyState* empty_;
-    QStackedLayout* stack_;
     QFrame* padFrame = nullptr;
     QFormLayout* padForm_ = nullptr;
     QLabel* lblCategory;
-    QLabel* lblDamaged;
+    QLabel* damaged_;
     QLabel* lblLastModified;
     QCheckBox* ctlPrivate;
     std::array<Row, 5> rows_{};
@@ -126,9 +119,6 @@ class frmClassified final : public SectionForm {
     QLabel* lblNotes;
     QPlainTextEdit* txtNotes;
     QCheckBox* chkPlainPW;
-    QPushButton* cmdAdd;
-    QPushButton* cmdEdit;
-    QPushButton* cmdDelete;
 };
 
 }  // namespace bmr::confidential

@@ -8,12 +8,10 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QStackedLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include "confidential/frmClassified.h"
-#include "kit/emptystate.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
@@ -44,28 +42,28 @@ constexpr const char* kKindStyle =
 
 void frmClassified::BuildActions() {
     using kit::MakeAction;
-    mnuAdd = MakeAction(*this,
-                        {"mnuConfidentialAdd", tr("&New Record…"), "document-new", tr("New Record"),
-                         QKeySequence(Qt::CTRL | Qt::Key_N)},
-                        &frmClassified::cmdAdd_Click);
-    mnuEdit = MakeAction(*this,
-                         {"mnuConfidentialEdit", tr("&Edit…"), "document-edit", tr("Edit"),
-                          QKeySequence(Qt::CTRL | Qt::Key_E)},
-                         &frmClassified::cmdEdit_Click);
-    mnuDelete = MakeAction(*this,
-                           {"mnuConfidentialDelete", tr("&Delete…"), "edit-delete", tr("Delete"),
-                            QKeySequence(Qt::CTRL | Qt::Key_D)},
-                           &frmClassified::cmdDelete_Click);
-    mnuCopy = MakeAction(*this,
-                         {"mnuConfidentialCopy", tr("&Copy"), "edit-copy", tr("Copy"),
-                          QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
-                         &frmClassified::mnuCopy_Click);
-    mnuCopy->setToolTip(tr("Copy the field with the cursor, or the password"));
-    mnuConfidential = new QMenu(tr("&Confidential"), this);
-    mnuConfidential->setObjectName("mnuConfidential");
-    mnuConfidential->addActions({mnuAdd, mnuEdit, mnuDelete});
-    mnuConfidential->addSeparator();
-    mnuConfidential->addAction(mnuCopy);
+    addRecord_ = MakeAction(*this,
+                            {"mnuConfidentialAdd", tr("&New Record…"), "document-new", tr("New Record"),
+                             QKeySequence(Qt::CTRL | Qt::Key_N)},
+                            &frmClassified::cmdAdd_Click);
+    editRecord_ = MakeAction(*this,
+                             {"mnuConfidentialEdit", tr("&Edit…"), "document-edit", tr("Edit"),
+                              QKeySequence(Qt::CTRL | Qt::Key_E)},
+                             &frmClassified::cmdEdit_Click);
+    deleteRecord_ = MakeAction(*this,
+                               {"mnuConfidentialDelete", tr("&Delete…"), "edit-delete", tr("Delete"),
+                                QKeySequence(Qt::CTRL | Qt::Key_D)},
+                               &frmClassified::cmdDelete_Click);
+    copyField_ = MakeAction(*this,
+                            {"mnuConfidentialCopy", tr("&Copy"), "edit-copy", tr("Copy"),
+                             QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
+                            &frmClassified::mnuCopy_Click);
+    copyField_->setToolTip(tr("Copy the field with the cursor, or the password"));
+    menu_ = new QMenu(tr("&Confidential"), this);
+    menu_->setObjectName("mnuConfidential");
+    menu_->addActions({addRecord_, editRecord_, deleteRecord_});
+    menu_->addSeparator();
+    menu_->addAction(copyField_);
 }
 
 QWidget* frmClassified::BuildKinds() {
@@ -118,29 +116,32 @@ QWidget* frmClassified::BuildKinds() {
 }
 
 QWidget* frmClassified::BuildList() {
-    ListSelect = new kit::RecordListView;
-    ListSelect->setObjectName("ListSelect");
-    ListSelect->setAccessibleName(tr("Records"));
-    ListSelect->setFrameShape(QFrame::NoFrame);
+    const auto read = [this](const QString& search) {
+        HidePad();
+        return model_->Rebuild(search);
+    };
+    pane_ = new kit::ListPane(session_, model_,
+                              {.name = "ListSelect",
+                               .caption = tr("Records"),
+                               .read = read,
+                               .unread = tr("The records could not be read."),
+                               .one = tr("1 record"),
+                               .many = tr("%1 records"),
+                               .icon = "object-locked",
+                               .empty = [this] { return WhyEmpty(); },
+                               .unfound = tr("Nothing for “%1” among these records."),
+                               .add = addRecord_,
+                               .edit = editRecord_,
+                               .remove = deleteRecord_,
+                               .menu = [this](const QPoint& at) { menu_->popup(at); }});
+    ListSelect = pane_->List();
     ListSelect->setHeaderHidden(true);
-    ListSelect->SetModel(model_);
     ListSelect->viewport()->installEventFilter(this);
     connect(ListSelect, &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
-    connect(ListSelect, &kit::RecordListView::EditWanted, this, &frmClassified::cmdEdit_Click);
-    connect(ListSelect, &kit::RecordListView::DeleteWanted, this, &frmClassified::cmdDelete_Click);
-    connect(ListSelect, &kit::RecordListView::MenuWanted, this,
-            [this](const QPoint& at) { mnuConfidential->popup(at); });
-    empty_ = new kit::EmptyState;
-    auto* lists = new QWidget;
-    stack_ = new QStackedLayout(lists);
-    stack_->addWidget(ListSelect);
-    stack_->addWidget(empty_);
-    cmdAdd = kit::MakeButton("cmdAdd", mnuAdd);
-    cmdEdit = kit::MakeButton("cmdEdit", mnuEdit);
-    cmdDelete = kit::MakeButton("cmdDelete", mnuDelete);
+    connect(pane_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(Space::Row);
-    for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete}) {
+    for (QPushButton* button : pane_->MakeButtons()) {
         button->setIcon({});  // the toolbar has them; here every pixel counts in a small window
         buttons->addWidget(button);
     }
@@ -149,7 +150,7 @@ QWidget* frmClassified::BuildList() {
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
     column->setSpacing(Space::Row);
-    column->addWidget(lists, 1);
+    column->addWidget(pane_, 1);
     column->addLayout(buttons);
     return panel;
 }
@@ -192,10 +193,7 @@ QWidget* frmClassified::BuildPad() {
     padFrame = new QFrame;
     padFrame->setObjectName("padFrame");
     lblCategory = kit::MakeHeading("lblCategory");
-    ctlPrivate = new QCheckBox("Private");
-    ctlPrivate->setObjectName("ctlPrivate");
-    ctlPrivate->setAttribute(Qt::WA_TransparentForMouseEvents);  // the pad shows; the dialog changes
-    ctlPrivate->setFocusPolicy(Qt::NoFocus);
+    ctlPrivate = kit::MakePrivateMark();
     auto* form = new QFormLayout;
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
     form->setHorizontalSpacing(Space::Row);
@@ -215,8 +213,8 @@ QWidget* frmClassified::BuildPad() {
     txtNotes->setReadOnly(true);
     txtNotes->setTabChangesFocus(true);
     kit::GiveFieldMenu(*txtNotes, session_);
-    lblDamaged = kit::MakeErrorLine("lblDamaged");
-    lblDamaged->setText(tr("This record cannot be read whole: what the file holds of it is damaged."));
+    damaged_ = kit::MakeErrorLine("lblDamaged");
+    damaged_->setText(tr("This record cannot be read whole: what the file holds of it is damaged."));
     lblLastModified = new QLabel;
     lblLastModified->setObjectName("lblLastModified");
     lblLastModified->setForegroundRole(QPalette::PlaceholderText);
@@ -228,7 +226,7 @@ QWidget* frmClassified::BuildPad() {
     column->setContentsMargins(Space::Group, Space::Margin, Space::Group, Space::Margin);
     column->setSpacing(Space::Row);
     column->addLayout(head);
-    column->addWidget(lblDamaged);
+    column->addWidget(damaged_);
     column->addLayout(form);
     column->addWidget(chkPlainPW);
     column->addSpacing(Space::Row);

@@ -19,6 +19,7 @@ CategoryField::CategoryField(store::Session& session, std::uint8_t section, Use 
       session_(session),
       section_(section),
       use_(use),
+      showAll_(MakeAction(*this, {"showAll", tr("Show all categories"), "view-list-details"})),
       combo_(new QComboBox),
       cmdEditCat(MakeIconButton("cmdEditCat", "configure", tr("Edit categories"))) {
     combo_->setObjectName(use == Use::Filter ? "cboCategories" : "cboCategory");
@@ -37,6 +38,14 @@ CategoryField::CategoryField(store::Session& session, std::uint8_t section, Use 
         emit Chosen();
     });
     connect(cmdEditCat, &QToolButton::clicked, this, &CategoryField::EditCategories);
+    connect(showAll_, &QAction::triggered, this, [this] {
+        Fill(Category::All);
+        emit Chosen();
+    });
+}
+
+CategoryField::~CategoryField() {
+    if (place_) session_.settings.LastCategory[*place_] = static_cast<std::int16_t>(number_);
 }
 
 void CategoryField::Fill(std::int32_t number) {
@@ -46,6 +55,17 @@ void CategoryField::Fill(std::int32_t number) {
     if (!SelectCategory(*combo_, number) && !filter) SelectCategory(*combo_, Category::Unfiled);
     number_ = SelectedCategory(*combo_);
     emit Filled();
+}
+
+bool CategoryField::Refill() {
+    const std::int32_t before = number_;
+    Fill(before);
+    return number_ == before;
+}
+
+void CategoryField::FillLastUsed(std::size_t place) {
+    place_ = place;
+    Fill(session_.settings.CatShow == 0 ? session_.settings.LastCategory[place] : Category::All);
 }
 
 void CategoryField::OpenDialog(bool fromCombo) {

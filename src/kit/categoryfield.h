@@ -2,9 +2,11 @@
 
 #include <QWidget>
 #include <cstdint>
+#include <optional>
 
 #include "store/categories.h"
 
+class QAction;
 class QComboBox;
 class QToolButton;
 
@@ -21,10 +23,16 @@ class CategoryField final : public QWidget {
     enum class Use : std::uint8_t { Filter, Editor };
 
     CategoryField(store::Session& session, std::uint8_t section, Use use, QWidget* parent = nullptr);
+    ~CategoryField() override;
 
     /// Reads the categories anew and shows that one; one that is gone counts as all or as unfiled. Tells
     /// `Filled` alone.
     void Fill(std::int32_t number);
+    /// The same with what is shown; false when that is gone.
+    bool Refill();
+    /// Shows the category that the section was left with, or all, as the preferences say. The one that is
+    /// shown at the end is kept at that place among the last used.
+    void FillLastUsed(std::size_t place);
     /// The category that is chosen. Never the entry that opens the dialog.
     std::int32_t Number() const { return number_; }
     const store::CategoryList& Entries() const { return entries_; }
@@ -33,6 +41,9 @@ class CategoryField final : public QWidget {
     void EditCategories() { OpenDialog(false); }
     /// True while the dialog is open.
     bool Editing() const { return editing_; }
+
+    /// Of a filter: chooses all categories.
+    QAction* ShowAll() const { return showAll_; }
 
     QComboBox* Combo() const { return combo_; }
     QToolButton* Button() const { return cmdEditCat; }
@@ -50,7 +61,9 @@ class CategoryField final : public QWidget {
     Use use_;
     store::CategoryList entries_;
     std::int32_t number_ = store::Category::All;
+    std::optional<std::size_t> place_;  ///< among the last used
     bool editing_ = false;
+    QAction* showAll_;
     QComboBox* combo_;
     QToolButton* cmdEditCat;
 };

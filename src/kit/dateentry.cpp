@@ -80,6 +80,11 @@ QString ShortDate(DateValue date) {
     return date.serial < 1 ? QString() : QLocale().toString(ToQDate(DayOf(date)), QLocale::ShortFormat);
 }
 
+QString ShortDate(const QString& caption, DateValue date) {
+    const QString shown = ShortDate(date);
+    return shown.isEmpty() ? shown : caption + shown;
+}
+
 std::optional<Day> ReadDate(const QString& typed, Day today, const QLocale& locale) {
     const QString text = typed.trimmed();
     if (text.isEmpty()) return std::nullopt;

@@ -17,6 +17,8 @@ Day FromQDate(const QDate& date);
 
 /// A stored date in the locale's short form; empty where there is none.
 QString ShortDate(DateValue date);
+/// The same behind a caption ("Last modified: "); empty where there is none.
+QString ShortDate(const QString& caption, DateValue date);
 
 /// What a person types for a date: the locale's short form, "2026-11-21", "21.11." (the next such day), "t"
 /// or "today",

@@ -116,10 +116,11 @@ QCheckBox* MakePrivateBox() {
     return box;
 }
 
-QCheckBox* MakeRecordChanged(QWidget& form) {
-    auto* box = new QCheckBox(&form);
-    box->setObjectName("recordChanged");
-    box->hide();
+QCheckBox* MakePrivateMark() {
+    auto* box = new QCheckBox(QCoreApplication::translate("formparts", "Private"));
+    box->setObjectName("ctlPrivate");
+    box->setAttribute(Qt::WA_TransparentForMouseEvents);
+    box->setFocusPolicy(Qt::NoFocus);
     return box;
 }
 

@@ -57,8 +57,8 @@ QLineEdit* MakeLineField(const char* name, const QString& accessibleName);
 QPlainTextEdit* MakeTextField(const char* name, const QString& accessibleName);
 /// The mark of a private record, in an editor.
 QCheckBox* MakePrivateBox();
-/// The hidden mark of a section's screen by which its editor tells it of changes.
-QCheckBox* MakeRecordChanged(QWidget& form);
+/// The same in a pad, which shows and does not change.
+QCheckBox* MakePrivateMark();
 
 /// The foot of an editor. Cancel rejects; Ctrl+Return saves from anywhere in the editor.
 struct SaveCancel {

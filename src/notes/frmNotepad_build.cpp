@@ -1,16 +1,12 @@
 #include <QCheckBox>
 #include <QFrame>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSplitter>
-#include <QStackedLayout>
 #include <QVBoxLayout>
 
-#include "kit/categoryfield.h"
-#include "kit/emptystate.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
@@ -41,48 +37,54 @@ void frmNotepad::BuildActions() {
     connect(mnuMemoDeleteCategory, &QAction::triggered, this, [this] { mnuMemoDeleteAll_Click(true); });
     mnuMemoDeleteAll = MakeAction(*this, {"mnuMemoDeleteAll", tr("&All Memos")});
     connect(mnuMemoDeleteAll, &QAction::triggered, this, [this] { mnuMemoDeleteAll_Click(false); });
-    actShowAll = MakeAction(*this, {"showAll", tr("Show all categories"), "view-list-details"},
-                            &frmNotepad::ShowAllCategories);
 }
 
 void frmNotepad::BuildMenu() {
-    mnuMemo = new QMenu(tr("&Memo"), this);
-    mnuMemo->setObjectName("mnuMemo");
-    mnuMemo->setToolTipsVisible(true);
-    mnuMemo->addAction(mnuMemoAdd);
-    mnuMemo->addAction(mnuMemoEdit);
-    QMenu* remove = mnuMemo->addMenu(kit::Icon("edit-delete"), tr("&Delete"));
+    menu_ = new QMenu(tr("&Memo"), this);
+    menu_->setObjectName("mnuMemo");
+    menu_->setToolTipsVisible(true);
+    menu_->addAction(mnuMemoAdd);
+    menu_->addAction(mnuMemoEdit);
+    QMenu* remove = menu_->addMenu(kit::Icon("edit-delete"), tr("&Delete"));
     remove->setObjectName("mnuMemoDelete");
     remove->addAction(mnuMemoDeleteSelected);
     remove->addSeparator();
     remove->addAction(mnuMemoDeleteCategory);
     remove->addAction(mnuMemoDeleteAll);
-    mnuMemo->addSeparator();
-    mnuMemo->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
-                       [this] { cboCategories->EditCategories(); });
+    menu_->addSeparator();
+    menu_->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
+                     [this] { cboCategories->EditCategories(); });
 }
 
 void frmNotepad::BuildList() {
     using kit::CategoryField;
     cboCategories = new CategoryField(session_, store::Section::Memo, CategoryField::Use::Filter);
-    connect(cboCategories, &CategoryField::Chosen, this, [this] { Rebuild(listSelect->SelectedKey()); });
-    recordChanged = kit::MakeRecordChanged(*this);
-    cmdAdd = kit::MakeButton("cmdAdd", mnuMemoAdd);
-    cmdEdit = kit::MakeButton("cmdEdit", mnuMemoEdit);
-    cmdDelete = kit::MakeButton("cmdDelete", mnuMemoDeleteSelected);
-
-    listSelect = new kit::RecordListView;
-    listSelect->setObjectName("listSelect");
-    listSelect->setAccessibleName(tr("Memos"));
-    listSelect->setFrameShape(QFrame::NoFrame);
+    connect(cboCategories, &CategoryField::Chosen, this,
+            [this] { pane_->Rebuild(listSelect->SelectedKey()); });
+    const auto read = [this](const QString& search) {
+        HidePad();
+        mnuMemoDeleteCategory->setEnabled(cboCategories->Number() != store::Category::All);
+        return model_->Rebuild(search);
+    };
+    pane_ = new kit::ListPane(session_, model_,
+                              {.name = "listSelect",
+                               .caption = tr("Memos"),
+                               .read = read,
+                               .unread = tr("The memos could not be read."),
+                               .one = tr("1 memo"),
+                               .many = tr("%1 memos"),
+                               .icon = "view-pim-notes",
+                               .empty = [this] { return WhyEmpty(); },
+                               .unfound = tr("Nothing for “%1” in Memo."),
+                               .add = mnuMemoAdd,
+                               .edit = mnuMemoEdit,
+                               .remove = mnuMemoDeleteSelected,
+                               .menu = [this](const QPoint& at) { menu_->popup(at); }});
+    listSelect = pane_->List();
     listSelect->setHeaderHidden(true);
-    listSelect->SetModel(model_);
     connect(listSelect, &kit::RecordListView::KeySelected, this, &frmNotepad::ShowMemo);
-    connect(listSelect, &kit::RecordListView::EditWanted, this, &frmNotepad::cmdEdit_Click);
-    connect(listSelect, &kit::RecordListView::DeleteWanted, this, &frmNotepad::cmdDelete_Click);
-    connect(listSelect, &kit::RecordListView::MenuWanted, this,
-            [this](const QPoint& at) { mnuMemo->popup(at); });
-    empty_ = new kit::EmptyState;
+    connect(pane_, &kit::ListPane::StatusChanged, this, &frmNotepad::StatusChanged);
+    setFocusProxy(pane_);
 }
 
 void frmNotepad::BuildPad() {
@@ -96,11 +98,8 @@ void frmNotepad::BuildPad() {
     txtInput->setReadOnly(true);
     txtInput->setFrameShape(QFrame::NoFrame);
     kit::GiveFieldMenu(*txtInput, session_);
-    ctlPrivate = new QCheckBox(tr("Private"));
-    ctlPrivate->setObjectName("ctlPrivate");
+    ctlPrivate = kit::MakePrivateMark();
     ctlPrivate->setIcon(kit::Icon("object-locked"));
-    ctlPrivate->setAttribute(Qt::WA_TransparentForMouseEvents);  // the pad shows; the editor changes
-    ctlPrivate->setFocusPolicy(Qt::NoFocus);
     cboCategory = new QLabel;
     cboCategory->setObjectName("cboCategory");
     cboCategory->setTextFormat(Qt::PlainText);
@@ -132,22 +131,18 @@ void frmNotepad::BuildPad() {
 }
 
 void frmNotepad::Lay() {
-    auto* lists = new QWidget;
-    stack_ = new QStackedLayout(lists);
-    stack_->addWidget(listSelect);
-    stack_->addWidget(empty_);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(Space::Row);
-    buttons->addWidget(cmdAdd);
-    buttons->addWidget(cmdEdit);
-    buttons->addWidget(cmdDelete);
+    const auto [cmdAdd, cmdEdit, cmdDelete] = pane_->MakeButtons();
+    for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete})
+        buttons->addWidget(button);
     buttons->addStretch();
     auto* left = new QWidget;
     auto* column = new QVBoxLayout(left);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
     column->setSpacing(Space::Row);
     column->addWidget(cboCategories);
-    column->addWidget(lists, 1);
+    column->addWidget(pane_, 1);
     column->addLayout(buttons);
     auto* right = new QWidget;
     right->setBackgroundRole(QPalette::Base);

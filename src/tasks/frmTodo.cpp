@@ -4,14 +4,8 @@
 #include <QCheckBox>
 #include <QHeaderView>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QStackedLayout>
-#include <QTimer>
 #include <utility>
 
-#include "base/languageus.h"
-#include "kit/categoryfield.h"
-#include "kit/emptystate.h"
 #include "kit/failure.h"
 #include "kit/recordlistview.h"
 #include "kit/strip.h"
@@ -21,6 +15,7 @@
 
 namespace bmr::tasks {
 
+using kit::EditEnd;
 using store::Category;
 
 namespace {
@@ -28,14 +23,10 @@ namespace {
 /// Place of the task list among the last-used categories.
 constexpr std::size_t kLastCategory = 3;
 
-QString Counted(qsizetype count, const QString& one, const QString& many) {
-    return count == 1 ? one : many.arg(QLocale().toString(count));
-}
-
 }  // namespace
 
 frmTodo::frmTodo(store::Session& session, QWidget* parent)
-    : SectionForm(parent), session_(session), model_(new TodoModel(session, this)) {
+    : SectionForm(parent), session_(session), model_(new TodoModel(session, this)), round_(session, *this) {
     setObjectName("frmTodo");
     setWindowTitle("TASKS");
     BuildActions();
@@ -44,40 +35,47 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
     BuildFilter();
     BuildList();
     Lay();
-    const bool lastUsed = session_.settings.CatShow == 0;
-    cboCategories->Fill(lastUsed ? session_.settings.LastCategory[kLastCategory] : Category::All);
+    cboCategories->FillLastUsed(kLastCategory);
     showListitems();
     TodoList->SelectFirst();
 }
 
 frmTodo::~frmTodo() {
-    session_.settings.LastCategory[kLastCategory] = static_cast<std::int16_t>(cboCategories->Number());
-    if (session_.DatabaseOpen) session_.quickTask = kit::ToSecret(txtQuickAdd->text());
+    if (session_.DatabaseOpen) session_.quickTask = kit::ToSecret(quickAdd_->text());
 }
 
 QList<QAction*> frmTodo::ToolActions() {
-    return {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, nullptr, mnuTodoCompleted};
-}
-
-void frmTodo::showEvent(QShowEvent* event) {
-    SectionForm::showEvent(event);
-    TellStatus();
+    return {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, nullptr, complete_};
 }
 
 void frmTodo::showListitems() {
-    if (!session_.DatabaseOpen || session_.ending) return;
-    const TaskFilter filter{.showCompleted = ShowCompleted->isChecked(), .category = cboCategories->Number()};
-    int error = 0;
-    TodoList->Rebuild([&] { error = model_->Rebuild(filter, search_.toStdString()); });
-    TodoList->header()->setSortIndicator(-1, Qt::AscendingOrder);  // each build is in standard order
-    kit::TellFailure(session_, error, tr("The tasks could not be read."));
-    ShowEmptyState();
-    TellStatus();
+    pane_->Rebuild(store::kNewRecord);
 }
 
-void frmTodo::RebuildAndSelect(std::int32_t key) {
-    showListitems();
-    TodoList->SelectKey(key);
+int frmTodo::ReadTasks(const QString& search) {
+    TodoList->header()->setSortIndicator(-1, Qt::AscendingOrder);  // each build is in standard order
+    return model_->Rebuild({.showCompleted = ShowCompleted->isChecked(), .category = cboCategories->Number()},
+                           search.toStdString());
+}
+
+kit::Emptiness frmTodo::WhyEmpty() const {
+    const bool filtered = cboCategories->Number() != Category::All;
+    const bool open = !ShowCompleted->isChecked();
+    kit::Emptiness empty;
+    empty.sentence = filtered ? tr("No tasks in this category.")
+                     : open   ? tr("No open tasks.")
+                              : tr("No tasks yet.");
+    if (filtered) empty.wider << cboCategories->ShowAll();
+    if (open) empty.wider << showCompleted_;
+    return empty;
+}
+
+QStringList frmTodo::StatusWords() const {
+    QStringList words;
+    if (const int overdue = model_->CountOverdue())
+        words << tr("%1 overdue").arg(QLocale().toString(overdue));
+    if (Selected()) words << tr("1 selected");
+    return words;
 }
 
 std::optional<std::int32_t> frmTodo::Selected() const {
@@ -86,24 +84,9 @@ std::optional<std::int32_t> frmTodo::Selected() const {
     return key;
 }
 
-bool frmTodo::Editing() const {
-    return editing_ || cboCategories->Editing();
-}
-
 void frmTodo::Refresh() {
-    const std::int32_t key = TodoList->SelectedKey();
-    cboCategories->Fill(cboCategories->Number());
-    RebuildAndSelect(key);
-}
-
-void frmTodo::SetSearch(const QString& text) {
-    const QString wanted = text.trimmed();
-    if (wanted == search_) return;
-    const std::int32_t key = TodoList->SelectedKey();
-    if (search_.isEmpty()) beforeSearch_ = key;
-    search_ = wanted;
-    showListitems();
-    TodoList->SelectOneOf({key, beforeSearch_});
+    cboCategories->Refill();
+    pane_->Rebuild(TodoList->SelectedKey());
 }
 
 void frmTodo::SelectRecord(std::int32_t fPK) {
@@ -111,7 +94,7 @@ void frmTodo::SelectRecord(std::int32_t fPK) {
         const auto task = LoadSelected(session_, fPK);
         if (!task) return;
         if (task->completed && !ShowCompleted->isChecked()) ShowCompleted->setChecked(true);
-        search_.clear();
+        pane_->ClearSearch();
         if (cboCategories->Number() != Category::All && cboCategories->Number() != task->category)
             cboCategories->Fill(Category::All);
         showListitems();
@@ -119,14 +102,9 @@ void frmTodo::SelectRecord(std::int32_t fPK) {
     TodoList->SelectKey(fPK);
 }
 
-void frmTodo::ShowAllCategories() {
-    cboCategories->Fill(Category::All);
-    RebuildAndSelect(TodoList->SelectedKey());
-}
-
 void frmTodo::ShowCompleted_Click() {
     session_.settings.TodoShowCompleted = ShowCompleted->isChecked() ? 1 : 0;
-    RebuildAndSelect(TodoList->SelectedKey());
+    pane_->Rebuild(TodoList->SelectedKey());
 }
 
 void frmTodo::cmdAdd_Click() {
@@ -139,13 +117,9 @@ void frmTodo::mnuTodoEdit_Click() {
 }
 
 std::vector<custody::Draft> frmTodo::Drafts() const {
-    std::vector<custody::Draft> drafts;
-    if (auto draft = editor_ ? editor_->HalfWritten() : std::nullopt) {
-        drafts.push_back(std::move(*draft));
-    }
-    if (const QString begun = txtQuickAdd->text().trimmed(); !begun.isEmpty()) {
+    std::vector<custody::Draft> drafts = round_.Drafts();
+    if (const QString begun = quickAdd_->text().trimmed(); !begun.isEmpty())
         drafts.push_back(frmEditTodo::DraftOf(begun, store::RealCategory(cboCategories->Number())));
-    }
     return drafts;
 }
 
@@ -155,65 +129,44 @@ void frmTodo::OpenDraft(const custody::Draft& draft) {
 }
 
 void frmTodo::EditRecord(Task task, const custody::Draft* draft) {
-    if (editing_ || (!task.readable && !kit::AskToOverwrite(session_, tr("task")))) return;
-    editing_ = true;
+    if (round_.Open() || (!task.readable && !kit::AskToOverwrite(session_, tr("task")))) return;
     for (bool another = true; another;) {
         const std::int32_t keyBefore = task.key;
-        const bool stored = EditAndStore(task, another, std::exchange(draft, nullptr));
-        if (session_.ending || !session_.DatabaseOpen) break;
-        emit DraftSettled();
-        const std::int32_t categoryBefore = cboCategories->Number();
-        const std::int32_t selected = TodoList->SelectedKey();
-        cboCategories->Fill(cboCategories->Number());
-        if (!stored) {
-            // The editor's own door to the categories may have led to the end of the one that is shown.
-            if (cboCategories->Number() != categoryBefore) RebuildAndSelect(selected);
-            break;
+        const EditEnd end = EditAndStore(task, another, std::exchange(draft, nullptr));
+        if (end == EditEnd::Closed) return;
+        // The editor's own door to the categories may have led to the end of the one that is shown.
+        const bool there = cboCategories->Refill();
+        if (end == EditEnd::GivenUp) {
+            if (!there) pane_->Rebuild(TodoList->SelectedKey());
+            return;
         }
-        showListitems();
-        TodoList->SelectKey(keyBefore);  // the key before the store: after an add no row has it
+        pane_->Rebuild(keyBefore);  // the key before the store: after an add no row has it
         if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
         if (another) task = ClearRecord(cboCategories->Number());
     }
-    editing_ = false;
 }
 
-bool frmTodo::EditAndStore(Task& task, bool& another, const custody::Draft* draft) {
-    EditorValues values =
-        RecordToEditor(task, store::FillCategories(session_, store::Section::Todo, false, true, false));
-    bool stored = false;
-    for (bool again = false; !stored; again = true) {
-        frmEditTodo editor(session_, values, task.key, this);
-        editor_ = &editor;
-        editor.recordChanged = again;
-        if (draft) editor.Fill(*std::exchange(draft, nullptr));
-        editor.exec();
-        if (session_.ending || !session_.DatabaseOpen) return false;
-        another = editor.another;
-        recordChanged->setChecked(editor.recordChanged);
-        if (!recordChanged->isChecked()) return false;
-        recordChanged->setChecked(false);
-        values = editor.Values();
-        EditorToRecord(values, task);
-        stored = Store(task);  // what could not be stored comes back in the editor
-        if (session_.ending || !session_.DatabaseOpen) break;
-    }
-    return stored;
-}
-
-bool frmTodo::Store(Task& task) {
-    const int error = WriteRecord(session_, task).error;
-    kit::TellFailure(session_, error, tr("The task was not stored."));
-    return error == 0;
+EditEnd frmTodo::EditAndStore(Task& task, bool& another, const custody::Draft* draft) {
+    const auto categories = store::FillCategories(session_, store::Section::Todo, false, true, false);
+    frmEditTodo editor(session_, RecordToEditor(task, categories), task.key, this);
+    return round_.EditUntilStored(editor, draft, tr("The task was not stored."), [&] {
+        another = std::exchange(editor.another, false);
+        EditorToRecord(editor.Values(), task);
+        return WriteRecord(session_, task).error;
+    });
 }
 
 void frmTodo::AddQuickly() {
-    const QString typed = txtQuickAdd->text().trimmed();
+    const QString typed = quickAdd_->text().trimmed();
     if (typed.isEmpty()) return;
     Task task = ClearRecord(cboCategories->Number());
     task.task = kit::TakeWords(typed);
-    if (!Store(task)) return;
-    txtQuickAdd->clear();
+    if (const QString why = kit::TooLongOf(task.task); !why.isEmpty())
+        return strip_->Say(why, kit::Strip::Kind::Warning);
+    const int error = WriteRecord(session_, task).error;
+    kit::TellFailure(session_, error, tr("The task was not stored."));
+    if (error != 0) return;
+    quickAdd_->clear();
     strip_->Clear();
     showListitems();
     TodoList->ShowKey(task.key);
@@ -229,7 +182,7 @@ void frmTodo::Tick(std::int32_t key, bool checked) {
     else
         model_->Update(*outcome.record);
     TodoList->SelectKey(key);
-    TellStatus();
+    pane_->TellStatus();
 }
 
 void frmTodo::mnuCompleted_Click() {
@@ -240,7 +193,7 @@ void frmTodo::mnuTodoPriority_Click(int Index) {
     const auto key = Selected();
     if (!key) return;
     kit::TellFailure(session_, SetPriority(session_, *key, Index), tr("The task was not stored."));
-    RebuildAndSelect(*key);
+    pane_->Rebuild(*key);
 }
 
 void frmTodo::mnuTodoDeleteItem_Click() {
@@ -279,37 +232,6 @@ void frmTodo::ShowPopup(const QPoint& at) {
         return;
     }
     mnuTodoRC->popup(at);
-}
-
-void frmTodo::ShowEmptyState() {
-    const bool any = model_->rowCount() > 0;
-    stack_->setCurrentIndex(any ? 0 : 1);
-    setFocusProxy(any ? static_cast<QWidget*>(TodoList) : txtQuickAdd);
-    if (any) return;
-    QList<QAction*> offers;
-    if (!search_.isEmpty()) {
-        if (cboCategories->Number() != Category::All) offers << actShowAll;
-        if (!ShowCompleted->isChecked()) offers << actShowCompleted;
-        empty_->Set("edit-find", tr("Nothing for “%1” in Tasks.").arg(search_), offers);
-        return;
-    }
-    offers << mnuTodoNew;
-    if (cboCategories->Number() != Category::All) offers << actShowAll;
-    if (!ShowCompleted->isChecked()) offers << actShowCompleted;
-    const bool open = !ShowCompleted->isChecked();
-    const QString where = cboCategories->Number() != Category::All ? tr("No tasks in this category.")
-                          : open                                   ? tr("No open tasks.")
-                                                                   : tr("No tasks yet.");
-    empty_->Set("view-pim-tasks", where, offers);
-}
-
-void frmTodo::TellStatus() {
-    const int count = model_->rowCount();
-    QString text = Counted(count, tr("1 task"), tr("%1 tasks"));
-    if (const int overdue = model_->CountOverdue())
-        text += ", " + tr("%1 overdue").arg(QLocale().toString(overdue));
-    if (Selected()) text += ", " + tr("1 selected");
-    emit StatusChanged(text);
 }
 
 }  // namespace bmr::tasks

@@ -1,18 +1,15 @@
 #pragma once
 
-#include <QPointer>
-
+#include "kit/categoryfield.h"
+#include "kit/editround.h"
+#include "kit/listpane.h"
 #include "kit/sectionform.h"
 #include "tasks/tasklist.h"
 
 class QCheckBox;
 class QLineEdit;
-class QPushButton;
-class QStackedLayout;
 
 namespace bmr::kit {
-class CategoryField;
-class EmptyState;
 class RecordListView;
 class Strip;
 }  // namespace bmr::kit
@@ -20,7 +17,6 @@ class Strip;
 namespace bmr::tasks {
 
 class TodoModel;
-class frmEditTodo;
 
 /// The to-do section: the list, its filter, a line for quick entries, and the operations that menus call.
 class frmTodo final : public SectionForm {
@@ -30,12 +26,12 @@ class frmTodo final : public SectionForm {
     explicit frmTodo(store::Session& session, QWidget* parent = nullptr);
     ~frmTodo() override;
 
-    QMenu* SectionMenu() override { return mnuTodo; }
+    QMenu* SectionMenu() override { return menu_; }
     QList<QAction*> ToolActions() override;
     void Refresh() override;
-    void SetSearch(const QString& text) override;
+    void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
-    bool Editing() const override;
+    bool Editing() const override { return round_.Open() || cboCategories->Editing(); }
     std::vector<custody::Draft> Drafts() const override;
     void OpenDraft(const custody::Draft& draft) override;
 
@@ -53,9 +49,6 @@ class frmTodo final : public SectionForm {
     /// Carries no action: the entries for the due date change nothing.
     void mnuTodoDueDate_Click() {}
 
-  protected:
-    void showEvent(QShowEvent* event) override;
-
   private:
     void BuildActions();
     void BuildMenu();
@@ -69,48 +62,35 @@ class frmTodo final : public SectionForm {
     void ShowPopup(const QPoint& at);
     void Tick(std::int32_t key, bool checked);
     void AddQuickly();
-    void ShowAllCategories();
 
     /// With a draft the editor comes up filled with it.
     void EditRecord(Task task, const custody::Draft* draft = nullptr);
-    /// One round of the editor. True when the record was stored; `another` when a new one is to follow.
-    bool EditAndStore(Task& task, bool& another, const custody::Draft* draft);
-    /// Stores; tells of what went wrong. False when the record still waits to be stored.
-    bool Store(Task& task);
+    /// One round of the editor; `another` when a new task is to follow.
+    kit::EditEnd EditAndStore(Task& task, bool& another, const custody::Draft* draft);
     std::optional<std::int32_t> Selected() const;
-    void RebuildAndSelect(std::int32_t key);
-    void ShowEmptyState();
-    void TellStatus();
+    int ReadTasks(const QString& search);
+    kit::Emptiness WhyEmpty() const;
+    QStringList StatusWords() const;
 
     store::Session& session_;
     TodoModel* model_;
-    QString search_;
-    std::int32_t beforeSearch_ = store::kNewRecord;  ///< the row that was selected when the search began
-    bool editing_ = false;
-    QPointer<frmEditTodo> editor_;
-
-    QMenu* mnuTodo;
+    kit::EditRound round_;
+    kit::ListPane* pane_;
+    QMenu* menu_;
     QMenu* mnuTodoRC;
     QAction* mnuTodoNew;
     QAction* mnuTodoEdit;
     QAction* mnuTodoDeleteSelected;
     QAction* mnuTodoDeleteCompleted;
     QAction* mnuTodoDeleteAll;
-    QAction* mnuTodoCompleted;
-    QAction* actShowAll;
-    QAction* actShowCompleted;
+    QAction* complete_;
+    QAction* showCompleted_;
 
     kit::CategoryField* cboCategories;
     QCheckBox* ShowCompleted;
-    QCheckBox* recordChanged;
-    QPushButton* cmdAdd;
-    QPushButton* cmdEdit;
-    QPushButton* cmdDelete;
-    QLineEdit* txtQuickAdd;
     kit::RecordListView* TodoList;
-    kit::EmptyState* empty_;
+    QLineEdit* quickAdd_;
     kit::Strip* strip_;
-    QStackedLayout* stack_;
 };
 
 }  // namespace bmr::tasks

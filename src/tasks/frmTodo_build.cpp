@@ -6,13 +6,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QStackedLayout>
 #include <QVBoxLayout>
 
 #include "base/shortdate.h"
-#include "kit/categoryfield.h"
 #include "kit/dateentry.h"
-#include "kit/emptystate.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
@@ -54,38 +51,36 @@ void frmTodo::BuildActions() {
                                         &frmTodo::mnuTodoDeleteCompleted_Click);
     mnuTodoDeleteAll =
         MakeAction(*this, {"mnuTodoDeleteAll", tr("&All Tasks")}, &frmTodo::mnuTodoDeleteAll_Click);
-    mnuTodoCompleted = MakeAction(*this,
-                                  {"mnuTodoCompleted", tr("&Completed"), "task-complete", tr("Completed"),
-                                   QKeySequence(Qt::CTRL | Qt::Key_D)},
-                                  &frmTodo::mnuCompleted_Click);
-    actShowAll = MakeAction(*this, {"showAll", tr("Show all categories"), "view-list-details"},
-                            &frmTodo::ShowAllCategories);
-    actShowCompleted = MakeAction(*this, {"showCompleted", tr("Show completed"), "task-complete"});
-    connect(actShowCompleted, &QAction::triggered, this, [this] { ShowCompleted->click(); });
+    complete_ = MakeAction(*this,
+                           {"mnuTodoCompleted", tr("&Completed"), "task-complete", tr("Completed"),
+                            QKeySequence(Qt::CTRL | Qt::Key_D)},
+                           &frmTodo::mnuCompleted_Click);
+    showCompleted_ = MakeAction(*this, {"showCompleted", tr("Show completed"), "task-complete"});
+    connect(showCompleted_, &QAction::triggered, this, [this] { ShowCompleted->click(); });
 }
 
 void frmTodo::BuildMenu() {
-    mnuTodo = new QMenu(tr("&Task"), this);
-    mnuTodo->setObjectName("mnuTodo");
-    mnuTodo->setToolTipsVisible(true);
-    mnuTodo->addAction(mnuTodoNew);
-    mnuTodo->addAction(mnuTodoEdit);
-    QMenu* remove = AddMenu(*mnuTodo, "mnuTodoDelete", tr("&Delete"));
+    menu_ = new QMenu(tr("&Task"), this);
+    menu_->setObjectName("mnuTodo");
+    menu_->setToolTipsVisible(true);
+    menu_->addAction(mnuTodoNew);
+    menu_->addAction(mnuTodoEdit);
+    QMenu* remove = AddMenu(*menu_, "mnuTodoDelete", tr("&Delete"));
     remove->setIcon(kit::Icon("edit-delete"));
     remove->addAction(mnuTodoDeleteSelected);
     remove->addSeparator();
     remove->addAction(mnuTodoDeleteCompleted);
     remove->addAction(mnuTodoDeleteAll);
-    mnuTodo->addSeparator();
-    mnuTodo->addAction(mnuTodoCompleted);
-    QMenu* priority = AddMenu(*mnuTodo, "mnuTodoPriority", tr("&Priority"));
+    menu_->addSeparator();
+    menu_->addAction(complete_);
+    QMenu* priority = AddMenu(*menu_, "mnuTodoPriority", tr("&Priority"));
     for (int i = 0; i < 3; ++i)
         priority->addAction(tr(kPriorities[i]), this, [this, i] { mnuTodoPriority_Click(i); });
-    mnuTodo->addSeparator();
-    QAction* categories = mnuTodo->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
-                                             [this] { cboCategories->EditCategories(); });
+    menu_->addSeparator();
+    QAction* categories = menu_->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
+                                           [this] { cboCategories->EditCategories(); });
     categories->setObjectName("mnuTodoEditCat");
-    QMenu* import = AddMenu(*mnuTodo, "mnuTodoImport", tr("&Import"));
+    QMenu* import = AddMenu(*menu_, "mnuTodoImport", tr("&Import"));
     QAction* palm = import->addAction("&Palm Todo-File");
     palm->setObjectName("mnuTodoImportPalm");
     palm->setEnabled(false);
@@ -126,31 +121,40 @@ void frmTodo::BuildFilter() {
     cboCategories->Combo()->setMinimumWidth(fontMetrics().averageCharWidth() * 26);
     connect(cboCategories, &CategoryField::Filled, this,
             [this] { model_->SetCategories(cboCategories->Entries()); });
-    connect(cboCategories, &CategoryField::Chosen, this,
-            [this] { RebuildAndSelect(TodoList->SelectedKey()); });
+    connect(cboCategories, &CategoryField::Chosen, this, [this] { pane_->Rebuild(TodoList->SelectedKey()); });
     ShowCompleted = new QCheckBox(tr("&Show completed"));
     ShowCompleted->setObjectName("ShowCompleted");
     ShowCompleted->setChecked(session_.settings.TodoShowCompleted == 1);
     connect(ShowCompleted, &QCheckBox::clicked, this, &frmTodo::ShowCompleted_Click);
-    recordChanged = kit::MakeRecordChanged(*this);
-    cmdAdd = kit::MakeButton("cmdAdd", mnuTodoNew);
-    cmdEdit = kit::MakeButton("cmdEdit", mnuTodoEdit);
-    cmdDelete = kit::MakeButton("cmdDelete", mnuTodoDeleteSelected);
-    txtQuickAdd = kit::MakeLineField("txtQuickAdd", tr("New task"));
-    txtQuickAdd->setPlaceholderText(tr("Type a task and press Return"));
-    txtQuickAdd->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
-    kit::GiveFieldMenu(*txtQuickAdd, session_);
-    txtQuickAdd->setText(QString::fromUtf8(session_.quickTask.view()));
+    quickAdd_ = kit::MakeLineField("txtQuickAdd", tr("New task"));
+    quickAdd_->setPlaceholderText(tr("Type a task and press Return"));
+    quickAdd_->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
+    kit::GiveFieldMenu(*quickAdd_, session_);
+    quickAdd_->setText(QString::fromUtf8(session_.quickTask.view()));
     session_.quickTask.Wipe();
-    connect(txtQuickAdd, &QLineEdit::returnPressed, this, &frmTodo::AddQuickly);
+    connect(quickAdd_, &QLineEdit::returnPressed, this, &frmTodo::AddQuickly);
 }
 
 void frmTodo::BuildList() {
-    TodoList = new kit::RecordListView;
-    TodoList->setObjectName("TodoList");
-    TodoList->setAccessibleName(tr("Tasks"));
-    TodoList->setFrameShape(QFrame::NoFrame);
-    TodoList->SetModel(model_);
+    pane_ = new kit::ListPane(session_, model_,
+                              {.name = "TodoList",
+                               .caption = tr("Tasks"),
+                               .read = [this](const QString& search) { return ReadTasks(search); },
+                               .unread = tr("The tasks could not be read."),
+                               .one = tr("1 task"),
+                               .many = tr("%1 tasks"),
+                               .more = [this] { return StatusWords(); },
+                               .icon = "view-pim-tasks",
+                               .empty = [this] { return WhyEmpty(); },
+                               .unfound = tr("Nothing for “%1” in Tasks."),
+                               .whenEmpty = quickAdd_,
+                               .add = mnuTodoNew,
+                               .edit = mnuTodoEdit,
+                               .remove = mnuTodoDeleteSelected,
+                               .menu = [this](const QPoint& at) { ShowPopup(at); }});
+    TodoList = pane_->List();
+    connect(pane_, &kit::ListPane::StatusChanged, this, &frmTodo::StatusChanged);
+    setFocusProxy(pane_);
     QHeaderView* header = TodoList->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(QHeaderView::Interactive);
@@ -171,10 +175,7 @@ void frmTodo::BuildList() {
     }
     TodoList->KeepColumns("tasks");
     connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
-    connect(TodoList, &kit::RecordListView::EditWanted, this, &frmTodo::mnuTodoEdit_Click);
-    connect(TodoList, &kit::RecordListView::DeleteWanted, this, &frmTodo::mnuTodoDeleteItem_Click);
-    connect(TodoList, &kit::RecordListView::MenuWanted, this, &frmTodo::ShowPopup);
-    connect(TodoList, &kit::RecordListView::KeySelected, this, &frmTodo::TellStatus);
+    connect(TodoList, &kit::RecordListView::KeySelected, pane_, &kit::ListPane::TellStatus);
     connect(TodoList, &kit::RecordListView::TickWanted, this, [this] {
         if (const auto key = Selected()) Tick(*key, !model_->RowAt(TodoList->SelectedRow()).completed);
     });
@@ -185,7 +186,6 @@ void frmTodo::BuildList() {
 void frmTodo::Lay() {
     using kit::Space;
     strip_ = new kit::Strip;
-    empty_ = new kit::EmptyState;
     auto* label = new QLabel(tr("Cate&gory"));
     label->setBuddy(cboCategories);
     auto* filter = new QHBoxLayout;
@@ -199,21 +199,18 @@ void frmTodo::Lay() {
     auto* bottom = new QHBoxLayout;
     bottom->setContentsMargins(Space::Margin, Space::Row, Space::Margin, Space::Row);
     bottom->setSpacing(Space::Row);
-    bottom->addWidget(txtQuickAdd, 1);
+    bottom->addWidget(quickAdd_, 1);
+    const auto [cmdAdd, cmdEdit, cmdDelete] = pane_->MakeButtons();
     for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete})
         bottom->addWidget(button);
-    stack_ = new QStackedLayout;
-    stack_->addWidget(TodoList);
-    stack_->addWidget(empty_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addLayout(filter);
     column->addWidget(strip_);
-    column->addLayout(stack_, 1);
+    column->addWidget(pane_, 1);
     column->addLayout(bottom);
-    setFocusProxy(TodoList);
-    kit::SetTabOrder({cboCategories->Combo(), cboCategories->Button(), ShowCompleted, TodoList, txtQuickAdd,
+    kit::SetTabOrder({cboCategories->Combo(), cboCategories->Button(), ShowCompleted, TodoList, quickAdd_,
                       cmdAdd, cmdEdit, cmdDelete});
 }
 

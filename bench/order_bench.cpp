@@ -32,7 +32,7 @@ Bytes RandomSubject(RandomSource& random) {
 }
 
 notes::Memo RandomMemo(store::Session& session) {
-    notes::Memo memo = notes::ClearMemo(session, DrawBelow(session.ports.random, 5));
+    notes::Memo memo = notes::ClearRecord(session, DrawBelow(session.ports.random, 5));
     memo.subject = RandomSubject(session.ports.random);
     memo.body = Bytes(static_cast<std::size_t>(40 + DrawBelow(session.ports.random, 160)), 'x');
     memo.isPrivate = DrawBelow(session.ports.random, 20) == 0;
@@ -55,7 +55,7 @@ double FillOneByOne(BenchDatabase& database) {
     for (int i = 0; i < kRows; ++i) {
         notes::Memo memo = RandomMemo(session);
         const std::int64_t before = session.ProgramDb->ChangeCount();
-        BenchDatabase::Check(notes::WriteMemo(session, memo));
+        BenchDatabase::Check(notes::WriteRecord(session, memo));
         if (session.ProgramDb->ChangeCount() - before > 2) ++rewriting;
     }
     BenchDatabase::Check(transaction.Commit());
@@ -110,7 +110,7 @@ void MeasureSaves(BenchDatabase& database, BareDatabase& bare, bench::Report& re
     BareInserts inserts(bare);
     std::vector<notes::Memo> memos = RandomMemos(database.session, kSaves);
     for (notes::Memo& memo : memos) {
-        ours.push_back(SecondsOf([&] { BenchDatabase::Check(notes::WriteMemo(database.session, memo)); }));
+        ours.push_back(SecondsOf([&] { BenchDatabase::Check(notes::WriteRecord(database.session, memo)); }));
         base.push_back(SecondsOf([&] { inserts.One(); }));
     }
     report.Ratio("memosave", Median(ours), Median(base), 1.5);
@@ -133,7 +133,7 @@ void MeasureLarge(bench::Report& report) {
     const auto list = BestInTurns(
         9, [&] { BareList(bare); },
         [&] {
-            auto rows = notes::ListMemos(large.session, store::Category::All);
+            auto rows = notes::ListRecords(large.session, store::Category::All);
             sink += rows ? rows->size() : 0;
         });
     report.Ratio("memolist100k", list.ours, list.base, 2.5);
@@ -165,10 +165,10 @@ void MeasureBulk(bench::Report& report) {
     bench::BestPair best;
     for (int run = 0; run < 7; ++run) {
         const auto pair =
-            BestInTurns(1, kernel, [&] { BenchDatabase::Check(notes::AddMemos(session, memos)); });
+            BestInTurns(1, kernel, [&] { BenchDatabase::Check(notes::AddRecords(session, memos)); });
         best.base = std::min(best.base, pair.base);
         best.ours = std::min(best.ours, pair.ours);
-        BenchDatabase::Check(notes::DeleteMemos(session, store::Category::All));
+        BenchDatabase::Check(notes::DeleteRecords(session, store::Category::All));
         bare.Run("DELETE FROM tt WHERE fSec=14");
     }
     report.Ratio("bulk10k", best.ours, best.base, 1.5);

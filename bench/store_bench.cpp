@@ -79,7 +79,7 @@ double Kernel(BenchDatabase& database) {
 
 double List(BenchDatabase& database) {
     return BestOf(kRuns, [&] {
-        auto rows = tasks::ShowListitems(database.session, {});
+        auto rows = tasks::ListRecords(database.session, {});
         sink += rows ? rows->size() : 0;
     });
 }

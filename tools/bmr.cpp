@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "main_shared.h"
+#include "store/sections.h"
 
 namespace {
 
@@ -55,8 +56,7 @@ class CommandLine {
     void AddReaders() {
         Json(Command("info", "Tell what the database holds", bmr::tools::RunInfo));
         CLI::App* list = ShowPrivate(Json(Command("list", "List a section", bmr::tools::RunList)));
-        list->add_option("SECTION", options_.section, "todo, memo, confidential or another section")
-            ->required();
+        list->add_option("SECTION", options_.section, Names(false))->required();
         list->add_option("--category", options_.category, "Only this category");
         list->add_option("--kind", options_.kind, "Only this kind of confidential records, 1 to 16");
         list->add_flag("--all", options_.all, "Completed tasks too");
@@ -66,30 +66,38 @@ class CommandLine {
 
     void AddWriters() {
         CLI::App* add = Command("add", "Add a record", bmr::tools::RunAdd);
-        add->add_option("SECTION", options_.section, "todo, memo or confidential")->required();
-        add->add_option("--task", options_.task, "todo: the task in one line");
-        add->add_option("--note", options_.note, "todo: a note of any length");
-        add->add_option("--due", options_.due, "todo: due date, YYYY-MM-DD");
-        add->add_option("--priority", options_.priority, "todo: high, normal (as without it) or low")
-            ->check(CLI::IsMember({"high", "normal", "low"}));
-        add->add_option("--subject", options_.subject, "memo: the subject in one line");
-        add->add_option("--body", options_.body, "memo: the text");
-        add->add_option("--category", options_.category, "todo, memo: a category that exists");
-        AddConfidential(add);
+        add->add_option("SECTION", options_.section, Names(true))->required();
+        for (const bmr::store::SectionFacts* section : bmr::store::Sections())
+            for (const bmr::store::FieldOption& option : section->options)
+                AddOption(add, *section, option);
+        add->add_option("--field", options_.fields, "Any field by the name that it has in JSON: NAME=VALUE");
+        add->add_option("--category", options_.category, "A category that exists");
+        add->add_option("--kind", options_.kind, "confidential: the kind, 1 to 16");
+        add->add_option("--secret-fd", options_.secretFd,
+                        "confidential: read passwords and PINs from this file descriptor, a line for each in "
+                        "the order of the fields. Without it the terminal asks.");
         add->add_flag("--private", options_.makePrivate, "Make it a private record");
         Key(Command("done", "Tick a task", bmr::tools::RunDone));
         Key(Command("delete", "Delete a record", bmr::tools::RunDelete));
     }
 
-    void AddConfidential(CLI::App* add) {
-        add->add_option("--kind", options_.kind, "confidential: the kind, 1 to 16");
-        for (std::size_t i = 0; i < options_.n.size(); ++i)
-            add->add_option("--n" + std::to_string(i), options_.n[i],
-                            "confidential: this field of the kind, unless it is a password or a PIN");
-        add->add_option("--notes", options_.notes, "confidential: notes of any length");
-        add->add_option("--secret-fd", options_.secretFd,
-                        "confidential: read passwords and PINs from this file descriptor, a line for each in "
-                        "the order of the fields. Without it the terminal asks.");
+    /// Sections may share an option; each has words of its own for it.
+    void AddOption(CLI::App* add, const bmr::store::SectionFacts& section,
+                   const bmr::store::FieldOption& option) {
+        const std::string help = std::string(section.command) + ": " + option.help;
+        if (CLI::Option* shared = add->get_option_no_throw(option.option))
+            shared->description(shared->get_description() + "; " + help);
+        else
+            add->add_option(option.option, options_.given[option.option], help);
+    }
+
+    /// The sections' words, with commas between.
+    static std::string Names(bool onlyAdding) {
+        std::string names;
+        for (const bmr::store::SectionFacts* section : bmr::store::Sections())
+            if (!onlyAdding || section->add)
+                names += (names.empty() ? "" : ", ") + std::string(section->command);
+        return names;
     }
 
     void AddGenerator() {

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "confidential/generator.h"
 
@@ -26,16 +27,10 @@ struct Options {
     /// Show secrets in tables too.
     bool plain = false;
 
-    /// What `add` was given; each belongs to one section.
-    std::optional<std::string> task;
-    std::optional<std::string> note;
-    std::optional<std::string> due;
-    std::optional<std::string> priority;
-    std::optional<std::string> subject;
-    std::optional<std::string> body;
-    std::array<std::optional<std::string>, 5> n;
-    std::optional<std::string> notes;
-    /// Kind of confidential record, for `add` and `list`.
+    /// What `add` was given: "NAME=VALUE", and by the sections' short options.
+    std::vector<std::string> fields;
+    std::map<std::string, std::optional<std::string>> given;
+    /// Kind of the record, in sections that have kinds in place of categories.
     std::optional<std::int32_t> kind;
     int secretFd = -1;
     bool makePrivate = false;

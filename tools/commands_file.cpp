@@ -46,42 +46,35 @@ Json CountRows(store::Session& session) {
         session.ProgramDb->Select("SELECT fSec, Count(*) AS N FROM tt WHERE fSec >= 11 GROUP BY fSec");
     if (!cursor) throw Failure(session.ProgramDb->LastError());
     while (cursor->Next()) {
-        const RecordKind* kind = KindOf(cursor->Int(0), 0);
-        counts[kind == nullptr ? "class " + std::to_string(cursor->Int(0)) : std::string(kind->title)] =
-            cursor->Int(1);
+        const auto kind = KindOf(cursor->Int(0), 0);
+        counts[kind ? std::string(kind->title) : "class " + std::to_string(cursor->Int(0))] = cursor->Int(1);
     }
     return counts;
 }
 
 /// What a list shows must be what the record says.
 std::string FaultInColumns(const Row& row, std::string_view payload) {
-    const auto differs = [&](std::uint8_t field, const char* name) {
-        const Bytes text = TextOf(store::GetPayloadField(payload, field));
-        return TrimBlanks(row.listText) == TrimBlanks(text) ? "" : std::string("fT1 and ") + name + " differ";
-    };
-    switch (row.fSec) {
-        case store::Section::Todo:
-            return differs(0, "Description");
-        case store::Section::Memo:
-            return differs(4, "Subject");
-        case store::Section::Confidential:
-            return differs(0, "n0");
-        default:
-            return {};
-    }
+    const auto* section = store::FactsOf(row.fSec);
+    const auto* name = section ? section->NameRule() : nullptr;
+    if (!name || name->kind == store::Kind::ColumnName) return {};
+    const Bytes text = TextOf(store::GetPayloadField(payload, name->number));
+    if (TrimBlanks(row.listText) == TrimBlanks(text)) return {};
+    return "fT1 and " + std::string(name->name) + " differ";
 }
 
 /// Sections whose lists stand in alphabetical order without being deciphered.
 std::int64_t ReportDisorder(store::Session& session) {
     std::int64_t faults = 0;
-    for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
-        for (const std::int32_t fPK : store::FindDisorder(session, section)) {
+    for (const store::SectionFacts* section : store::Sections()) {
+        if (!section->order) continue;
+        for (const std::int32_t fPK : store::FindDisorder(session, section->code)) {
             std::cout
-                << "fPK " << fPK << ", fSec " << int{section}
+                << "fPK " << fPK << ", fSec " << int{section->code}
                 << ": out of alphabetical order (the record is whole, but stands in the wrong place of its "
                    "list, and new ones beside it may too; a change of its name gives it its place)\n";
             ++faults;
         }
+    }
     return faults;
 }
 
@@ -126,6 +119,9 @@ void RunCheck(const Options& options) {
             ++records;
             std::string fault = FaultOf(row, payload);
             if (fault.empty()) fault = FaultInColumns(row, payload);
+            if (fault.empty())
+                for (const std::string& note : NotesOf(row, payload))
+                    std::cout << "note: fPK " << row.fPK << ", fSec " << row.fSec << ": " << note << '\n';
             if (fault.empty()) return;
             std::cout << "fPK " << row.fPK << ", fSec " << row.fSec << ": " << fault << '\n';
             ++faults;

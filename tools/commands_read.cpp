@@ -4,7 +4,6 @@
 
 #include "base/languageus.h"
 #include "commands.h"
-#include "confidential/kinds.h"
 #include "listtable.h"
 #include "recordjson.h"
 #include "recordkinds.h"
@@ -14,29 +13,34 @@
 namespace bmr::tools {
 namespace {
 
-std::string ConditionOf(store::Session& session, const Options& options, std::uint8_t section) {
-    std::string condition = "fSec=" + std::to_string(section);
-    if (section == store::Section::Todo && !options.all) condition += " And fF3 = False";
+store::ListRequest RequestOf(store::Session& session, const Options& options,
+                             const store::SectionFacts& section) {
+    store::ListRequest request{.all = options.all};
     if (options.kind) {
-        if (section != store::Section::Confidential) throw Failure("--kind is for confidential records.");
-        if (confidential::ConfidentialKindFields(*options.kind) == nullptr)
+        RefuseKinds(section);
+        if (section.kindName(*options.kind).empty())
             throw Failure("There is no kind " + std::to_string(*options.kind) + ".");
-        condition += " And fG1=" + std::to_string(*options.kind);
+        request.group = *options.kind;
     }
-    if (!options.category.empty() && section == store::Section::Confidential)
-        throw Failure("Confidential records have kinds in place of categories: use --kind.");
-    if (!options.category.empty())
-        condition += store::CategoryClause(CategoryByName(session, section, options.category));
-    return condition;
+    if (!options.category.empty()) {
+        RefuseCategories(section);
+        request.group = CategoryByName(session, section.code, options.category);
+    }
+    return request;
 }
 
-/// The caption that a kind gives to one of its fields n0 to n4, empty for other fields and unknown kinds.
-std::string CaptionOf(const Json& json, const std::string& name) {
-    if (!json.contains("kind") || name.size() != 2 || name[0] != 'n' || name[1] < '0' || name[1] > '4')
-        return {};
-    const auto* kind = confidential::ConfidentialKindFields(json["kind"]["number"].get<std::int32_t>());
-    if (kind == nullptr) return "PIN or other";  // of a kind that is not known here: might be a secret
-    return std::string(kind->captions[static_cast<std::size_t>(name[1] - '0')]);
+/// The conditions of a section that has no list yet.
+std::string ClausesOf(const store::SectionFacts& section, const store::ListRequest& request) {
+    return section.clauses ? section.clauses(request) : store::CategoryClause(request.group);
+}
+
+/// What the record's kind calls a field; nothing where kinds do not.
+store::FieldCaption CaptionOf(const Json& json, const std::string& name) {
+    const auto* section = store::FactsOf(json.value("fSec", 0));
+    if (!section || !section->caption || !json.contains("kind")) return {};
+    const auto rule = std::ranges::find(section->fields, name, &store::FieldRule::name);
+    if (rule == section->fields.end()) return {};
+    return section->caption(json["kind"]["number"].get<std::int32_t>(), rule->number);
 }
 
 /// Name and value of each field on a line of its own; further lines of a text are indented below it. Secrets
@@ -46,9 +50,9 @@ void PrintRecord(const Json& json, bool plain) {
         std::string text = value.is_string() ? value.get<std::string>() : value.dump();
         if (name == "category") text = value["name"].get<std::string>();
         if (name == "kind") text = value["number"].dump() + " " + value["caption"].get<std::string>();
-        const std::string caption = CaptionOf(json, name);
-        if (!plain && !text.empty() && confidential::IsMaskedCaption(caption)) text = "????????";
-        std::cout << name << (caption.empty() ? "" : " (" + caption + ")") << ":";
+        const store::FieldCaption caption = CaptionOf(json, name);
+        if (!plain && !text.empty() && caption.masked) text = "????????";
+        std::cout << name << (caption.text.empty() ? "" : " (" + std::string(caption.text) + ")") << ":";
         for (std::size_t at = 0; at <= text.size();) {
             const std::size_t end = std::min(text.find('\n', at), text.size());
             std::cout << (at == 0 ? " " : "    ") << Printable(text.substr(at, end - at)) << '\n';
@@ -60,20 +64,29 @@ void PrintRecord(const Json& json, bool plain) {
 }  // namespace
 
 void RunList(const Options& options) {
-    const RecordKind* kind = SectionByName(options.section);
-    if (kind == nullptr) throw Failure("There is no section \"" + options.section + "\".");
+    const store::SectionFacts& section = SectionByName(options.section);
     Sitting sitting(options.passphraseFd);
     sitting.Open(options.file);
     store::Session& session = sitting.session();
+    session.ShowPrivate = session.ShowPrivate || options.showPrivate;
+    const store::ListRequest request = RequestOf(session, options, section);
+    std::vector<std::int32_t> keys;
+    if (section.list) {
+        auto listed = section.list(session, request);
+        if (!listed) throw Failure(listed.error().detail);
+        keys = std::move(*listed);
+    }
     CategoryNames names(session);
-    ListTable table(*kind, options.json, session.ports.clock.Today());
-    const auto listTexts = kind->fSec == store::Section::Address ? ListTexts::Decipher : ListTexts::Leave;
-    sitting.Check(ForEachRow(session, ConditionOf(session, options, kind->fSec), listTexts,
+    ListTable table(section, options.json);
+    const auto* name = section.NameRule();
+    const bool inColumn = name && name->kind == store::Kind::ColumnName;
+    const std::string condition = "fSec=" + std::to_string(section.code) + ClausesOf(section, request);
+    sitting.Check(ForEachRow(session, condition, inColumn ? ListTexts::Decipher : ListTexts::Leave,
                              [&](const Row& row, std::string_view payload) {
                                  if (!IsHidden(session, options.showPrivate, row, payload))
                                      table.Add(row, RecordJson(session, row, payload, names));
                              }));
-    table.Print(std::cout);
+    table.Print(std::cout, keys);
 }
 
 void RunShow(const Options& options) {

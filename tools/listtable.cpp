@@ -1,11 +1,8 @@
 #include "listtable.h"
 
 #include <algorithm>
+#include <unordered_map>
 
-#include "base/buckets.h"
-#include "confidential/kinds.h"
-#include "store/indices.h"
-#include "tasks/task.h"
 #include "terminal.h"
 
 namespace bmr::tools {
@@ -24,55 +21,48 @@ std::string Text(const Json& record, std::string_view name) {
     return found != record.end() && found->is_string() ? found->get<std::string>() : std::string();
 }
 
-bool Flag(const Json& record, const char* name) {
-    const auto found = record.find(name);
-    return found != record.end() && found->is_boolean() && found->get<bool>();
-}
-
-std::string CategoryText(const Json& record) {
-    if (record.contains("kind"))
-        return record["kind"]["number"].dump() + " " + Text(record["kind"], "caption");
-    return record.contains("category") ? record["category"]["name"].get<std::string>() : std::string();
-}
-
-std::string FaultText(const Json& record) {
-    return "(" + Text(record, "fault") + ")";
-}
-
-/// What names a record of any section: an address what it is filed as, the others their first text.
-std::string Headline(const RecordKind& kind, const Row& row, const Json& record) {
-    if (record.contains("fault")) return FaultText(record);
-    if (kind.fSec == store::Section::Address) return ToUtf8(TrimBlanks(row.listText));
-    // The first text that is not empty might be a memo's body or a password.
-    if (kind.fSec == store::Section::Memo) return Text(record, "Subject");
-    if (kind.fSec == store::Section::Confidential) return Text(record, "n0");
-    for (const FieldRule& rule : kind.fields) {
-        const bool text = rule.tag == store::FieldTag::Text || rule.tag == store::FieldTag::Memo;
-        if (text && rule.shape == Shape::Plain && !Text(record, rule.name).empty())
-            return Text(record, rule.name);
-    }
+/// What names a record: the name that its section gives it, else its first words.
+std::string Headline(const store::SectionFacts& section, const Row& row, const Json& record) {
+    if (record.contains("fault")) return "(" + Text(record, "fault") + ")";
+    // The first words of a record that has a name might be its body, or a password.
+    if (const store::FieldRule* name = section.NameRule())
+        return name->kind == store::Kind::ColumnName ? ToUtf8(TrimBlanks(row.listText))
+                                                     : Text(record, name->name);
+    for (const store::FieldRule& rule : section.fields)
+        if (rule.IsWords() && !Text(record, rule.name).empty()) return Text(record, rule.name);
     return {};
 }
 
-Cells TaskCells(const Json& record) {
-    constexpr const char* kMarks[] = {"X X X", "X X", "X"};
-    if (record.contains("fault")) return {record["fPK"].dump(), "", "", "", "", "", "", FaultText(record)};
-    const int priority = record["priority"].get<int>();
-    return {record["fPK"].dump(),
-            Flag(record, "completed") ? "x" : "",
-            Text(record, "dueDate"),
-            priority >= 0 && priority < 3 ? kMarks[priority] : "",
-            Flag(record, "Private") ? "P" : "",
-            Flag(record, "hasNote") ? "N" : "",
-            CategoryText(record),
-            Text(record, "Description")};
+Cells HeaderOf(const store::SectionFacts& section) {
+    Cells header = {"fPK"};
+    if (section.columns)
+        for (const store::ColumnValue& column : section.columns({}))
+            if (!column.header.empty()) header.emplace_back(column.header);
+    header.emplace_back("Priv");
+    if (section.grouped) header.emplace_back(section.kindName ? "Kind" : "Category");
+    header.emplace_back(section.kindName ? "Name" : section.title);
+    return header;
 }
 
-Cells HeaderOf(const RecordKind& kind) {
-    if (kind.fSec == store::Section::Todo)
-        return {"fPK", "Done", "Due Date", "Prty", "Priv", "Note", "Category", "Task"};
-    if (kind.fSec == store::Section::Confidential) return {"fPK", "Priv", "Kind", "Name"};
-    return {"fPK", "Priv", "Category", std::string(kind.title)};
+Cells CellsOf(const store::SectionFacts& section, const Row& row, const Json& record,
+              const std::string& headline) {
+    const bool whole = !record.contains("fault");
+    Cells cells = {record["fPK"].dump()};
+    if (section.columns)
+        for (const store::ColumnValue& column : section.columns(row))
+            if (!column.header.empty()) cells.push_back(whole ? column.cell : "");
+    const store::FieldRule* flag = section.Rule(section.privateField);
+    const bool isPrivate = whole && flag && record.value(std::string(flag->name), Json()) == true;
+    cells.emplace_back(isPrivate ? "P" : "");
+    if (section.grouped) {
+        cells.emplace_back();
+        if (record.contains("kind"))
+            cells.back() = record["kind"]["number"].dump() + " " + Text(record["kind"], "caption");
+        else if (record.contains("category"))
+            cells.back() = Text(record["category"], "name");
+    }
+    cells.push_back(headline);
+    return cells;
 }
 
 void PrintCells(std::ostream& out, const Cells& cells, const std::vector<std::size_t>& widths) {
@@ -83,65 +73,35 @@ void PrintCells(std::ostream& out, const Cells& cells, const std::vector<std::si
     out << '\n';
 }
 
-/// The order of the window's list.
-std::string TaskSortKey(const Row& row, Day today) {
-    tasks::Task task;
-    task.completed = row.fF3;
-    task.hasDueDate = row.fF1;
-    task.dueDate = UnpackDate(row.fR3, DateKind::First);
-    task.priority = tasks::UnpackPriority(row.fR1);
-    return tasks::SortKey(task, today);
-}
-
-std::string Digits(std::int64_t number) {
-    const std::string digits = std::to_string(number);
-    return std::string(12 - digits.size(), '0') + digits;
-}
-
-/// The same for the sections that stand in alphabetical order by their keys; the kinds of confidential
-/// records come in the order of the screen.
-std::string AlphabeticalSortKey(const Row& row) {
-    const auto kinds = confidential::ConfidentialKinds();
-    std::int64_t place = 0;
-    if (row.fSec == store::Section::Confidential)
-        place = std::find_if(kinds.begin(), kinds.end(),
-                             [&](const auto& kind) { return kind.number == row.fG1.value_or(0); }) -
-                kinds.begin();
-    return Digits(place) + Digits(store::BucketOfKey(row.fR2)) + Digits(std::int64_t{row.fR1} + (1LL << 31));
-}
-
 }  // namespace
 
 void ListTable::Add(const Row& row, const Json& record) {
-    const bool task = kind_.fSec == store::Section::Todo;
-    Line line;
-    const std::string headline = task ? std::string() : Headline(kind_, row, record);
-    const bool byKeys = kind_.fSec == store::Section::Memo || kind_.fSec == store::Section::Confidential;
-    line.sortKey = task     ? TaskSortKey(row, today_)
-                   : byKeys ? AlphabeticalSortKey(row)
-                            : UpperCase(ToBytes(headline).value_or(headline));
-    if (json_) {
-        line.cells = {DumpLine(record)};
-    } else {
-        line.cells = task ? TaskCells(record)
-                          : Cells{record["fPK"].dump(), Flag(record, "Private") ? "P" : "",
-                                  CategoryText(record), headline};
+    Line line{row.fPK, Headline(section_, row, record), {}};
+    line.cells = json_ ? Cells{DumpLine(record)} : CellsOf(section_, row, record, line.headline);
+    if (!json_)
         for (std::string& cell : line.cells)
             cell = Printable(cell);
-    }
     lines_.push_back(std::move(line));
 }
 
-void ListTable::Print(std::ostream& out) {
-    std::stable_sort(lines_.begin(), lines_.end(),
-                     [](const Line& a, const Line& b) { return a.sortKey < b.sortKey; });
+void ListTable::Print(std::ostream& out, const std::vector<std::int32_t>& keys) {
+    std::unordered_map<std::int32_t, std::size_t> places;
+    for (const std::int32_t key : keys)
+        places.emplace(key, places.size());
+    const auto placeOf = [&](const Line& line) {
+        const auto found = places.find(line.fPK);
+        return found == places.end() ? places.size() : found->second;
+    };
+    std::ranges::stable_sort(lines_, {}, [&](const Line& line) {
+        return std::pair(placeOf(line), UpperCase(ToBytes(line.headline).value_or(line.headline)));
+    });
     if (json_) {
         for (std::size_t i = 0; i < lines_.size(); ++i)
             out << (i == 0 ? "[\n" : ",\n") << lines_[i].cells[0];
         out << (lines_.empty() ? "[]\n" : "\n]\n");
         return;
     }
-    const Cells header = HeaderOf(kind_);
+    const Cells header = HeaderOf(section_);
     std::vector<std::size_t> widths(header.size());
     for (std::size_t i = 0; i < header.size(); ++i) {
         widths[i] = WidthOf(header[i]);

@@ -1,32 +1,32 @@
 #pragma once
 
+#include <map>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "base/serialdate.h"
 #include "recordjson.h"
 #include "recordkinds.h"
 
 namespace bmr::tools {
 
-/// Gathers the records of a section and prints them in the order of the window's list, as a table or as a
-/// JSON array.
+/// Gathers the records of a section and prints them as a table or as a JSON array.
 class ListTable {
   public:
-    ListTable(const RecordKind& kind, bool json, Day today) : kind_(kind), json_(json), today_(today) {}
+    ListTable(const store::SectionFacts& section, bool json) : section_(section), json_(json) {}
 
     void Add(const Row& row, const Json& record);
-    void Print(std::ostream& out);
+    /// In the order of `keys`, and what they lack behind them by its text.
+    void Print(std::ostream& out, const std::vector<std::int32_t>& keys);
 
   private:
     struct Line {
-        std::string sortKey;
+        std::int32_t fPK = 0;
+        std::string headline;
         std::vector<std::string> cells;  ///< one, the JSON text, when JSON is wanted
     };
-    const RecordKind& kind_;
+    const store::SectionFacts& section_;
     bool json_;
-    Day today_;
     std::vector<Line> lines_;
 };
 

@@ -3,19 +3,19 @@
 #include <array>
 #include <cmath>
 
-#include "base/buckets.h"
 #include "calendar/calendar.h"
-#include "confidential/kinds.h"
 #include "recordkinds.h"
 #include "sitting.h"
 #include "store/categories.h"
 #include "store/record_get.h"
+#include "store/words.h"
 
 namespace bmr::tools {
 namespace {
 
+using store::FieldRule;
 using store::FieldTag;
-using store::Section;
+using store::Kind;
 
 std::string Padded(int number) {
     return (number < 10 ? "0" : "") + std::to_string(number);
@@ -38,12 +38,12 @@ Json MinutesJson(std::int32_t count) {
     return IsoDate(calendar::DayOf(minutes)) + "T" + TimeText(calendar::MinuteOfDay(minutes));
 }
 
-Json ValueJson(const Value& value, Shape shape) {
+Json ValueJson(const Value& value, Kind kind = Kind::Plain) {
     if (const auto* text = std::get_if<Bytes>(&value))
-        return shape == Shape::Hex ? ToHex(*text) : ToUtf8(*text);
+        return kind == Kind::Hex ? ToHex(*text) : ToUtf8(*text);
     if (const auto* flag = std::get_if<bool>(&value)) return *flag;
     if (const auto* number = std::get_if<std::int32_t>(&value))
-        return shape == Shape::Minutes ? MinutesJson(*number) : Json(*number);
+        return kind == Kind::Minutes ? MinutesJson(*number) : Json(*number);
     if (const auto* real = std::get_if<double>(&value)) return *real;
     if (const auto* money = std::get_if<Money>(&value)) return FormatAmount(*money);
     if (const auto* date = std::get_if<DateValue>(&value)) return DateJson(*date);
@@ -53,6 +53,15 @@ Json ValueJson(const Value& value, Shape shape) {
 bool SameForm(std::uint8_t tag, FieldTag expected) {
     const auto plain = [](std::uint8_t t) { return t == static_cast<std::uint8_t>(FieldTag::Memo) ? 10 : t; };
     return plain(tag) == plain(static_cast<std::uint8_t>(expected));
+}
+
+/// How the whole text of a word field stands to the text that the field itself holds.
+store::CompanionState JudgeCompanionOf(const Row& row, std::string_view payload, const FieldRule& owner,
+                                       const store::RawField& companion) {
+    if (companion.tag != static_cast<std::uint8_t>(FieldTag::Memo)) return store::CompanionState::Malformed;
+    const Bytes told = owner.kind == Kind::ColumnName ? Bytes(TrimBlanks(row.listText))
+                                                      : TextOf(store::GetPayloadField(payload, owner.number));
+    return store::JudgeCompanion(companion.value, told);
 }
 
 void AddCategoryList(Json& json, std::string_view payload) {
@@ -69,41 +78,38 @@ void AddCategoryList(Json& json, std::string_view payload) {
     json["categories"] = std::move(list);
 }
 
+/// The word field whose whole text stands in the field `number`; nothing for any other field.
+std::optional<FieldRule> CompanionedBy(const RecordKind& kind, std::uint8_t number) {
+    if (!kind.section || number < store::CompanionOf(0)) return std::nullopt;
+    const auto owner = std::ranges::find(kind.fields, number - store::CompanionOf(0), &FieldRule::number);
+    return owner == kind.fields.end() || !owner->IsWords() ? std::nullopt : std::optional(*owner);
+}
+
 void AddFields(Json& json, const RecordKind& kind, std::string_view payload) {
-    // These leave empty texts out of the payload; a reader of the JSON finds the same fields everywhere.
-    if (kind.fSec == Section::Confidential)
+    // Some leave empty texts out of the payload; a reader of the JSON finds the same fields everywhere.
+    const auto* order = kind.section ? kind.section->order : nullptr;
+    if (order && order->blanks == store::Blanks::LeaveOut)
         for (const FieldRule& rule : kind.fields)
-            if (rule.tag == FieldTag::Text || rule.tag == FieldTag::Memo) json[std::string(rule.name)] = "";
+            if (rule.IsText()) json[std::string(rule.name)] = "";
     store::PayloadReader reader(payload);
-    store::RawField field;
-    while (reader.Next(field)) {
+    for (store::RawField field; reader.Next(field);) {
         const auto rule = RuleOf(kind, field.number);
-        if (rule && rule->shape == Shape::Secret && !field.value.empty()) continue;
+        if (rule && rule->kind == Kind::Secret && !field.value.empty()) continue;
+        if (CompanionedBy(kind, field.number)) continue;
         const std::string name =
             rule && !rule->name.empty() ? std::string(rule->name) : "field" + std::to_string(field.number);
-        json[name] = ValueJson(store::DecodeRaw(field), rule ? rule->shape : Shape::Plain);
+        json[name] = rule && rule->IsWords()
+                         ? Json(store::ReadWords(payload, field.number))
+                         : ValueJson(store::DecodeRaw(field), rule ? rule->kind : Kind::Plain);
     }
 }
 
-void AddTaskColumns(Json& json, const Row& row) {
-    const auto date = [](bool set, std::int32_t value, DateKind kind) {
-        return set ? Json(IsoDate(UnpackDate(value, kind))) : Json(nullptr);
-    };
-    json["priority"] = SlotOf(row.fR1, 3, 0, kMaxLong);
-    json["dueDate"] = date(row.fF1, row.fR3, DateKind::First);
-    json["completed"] = row.fF3;
-    json["completedDate"] = date(row.fF3, row.fR2, DateKind::Last);
-    json["hasNote"] = row.fF2;
-}
-
-void AddCategory(Json& json, const Row& row, CategoryNames& names) {
+void AddGroup(Json& json, const store::SectionFacts& section, const Row& row, CategoryNames& names) {
     const std::int32_t number = row.fG1.value_or(0);
-    if (row.fSec == Section::Confidential) {
-        const auto* kind = confidential::ConfidentialKindFields(number);
-        json["kind"] = {{"number", number}, {"caption", kind == nullptr ? "" : std::string(kind->caption)}};
-    } else if (row.fSec != Section::Calendar && row.fSec != Section::Diary) {
+    if (section.kindName)
+        json["kind"] = {{"number", number}, {"caption", section.kindName(number)}};
+    else if (section.grouped)
         json["category"] = {{"number", number}, {"name", names.Name(row.fSec, number)}};
-    }
 }
 
 void AddCurrentUser(Json& json, const store::Session& session, const Row& row) {
@@ -137,31 +143,47 @@ std::int32_t CategoryByName(store::Session& session, std::uint8_t section, const
 }
 
 std::string FaultOf(const Row& row, std::string_view payload) {
-    const RecordKind* kind = KindOf(row.fSec, row.fSub);
-    if (kind == nullptr) return "the class is unknown";
+    const auto kind = KindOf(row.fSec, row.fSub);
+    if (!kind) return "the class is unknown";
     if (!IsFieldCiphered(row)) return row.fEtx.empty() ? "the payload is missing" : "";
-    store::PayloadReader reader(payload);
-    store::RawField field;
-    const bool section = row.fSec >= Section::Address && row.fSec != Section::Diary;
-    bool flagged = !section;
+    const store::SectionFacts* section = kind->section;
+    bool flagged = !section || !section->Rule(section->privateField);
     int fields = 0;
-    for (; reader.Next(field); ++fields) {
+    store::PayloadReader reader(payload);
+    for (store::RawField field; reader.Next(field); ++fields) {
         const auto rule = RuleOf(*kind, field.number);
         if (rule && !SameForm(field.tag, rule->tag))
             return "field " + std::to_string(field.number) + " has the tag " + std::to_string(field.tag);
-        if (section && field.number == store::PrivateFieldOf(static_cast<std::uint8_t>(row.fSec)))
-            flagged = true;
+        if (const auto owner = CompanionedBy(*kind, field.number);
+            owner && JudgeCompanionOf(row, payload, *owner, field) == store::CompanionState::Malformed)
+            return "field " + std::to_string(field.number) + ", the whole text of " +
+                   std::string(owner->name) + ", is malformed";
+        if (section && field.number == section->privateField) flagged = true;
     }
     if (!reader.Clean()) return "the payload does not decode";
-    if (fields == 0 && row.fSec >= Section::Address) return "the payload is empty";
+    if (fields == 0 && section) return "the payload is empty";
     return flagged ? "" : "the private flag is missing";
+}
+
+std::vector<std::string> NotesOf(const Row& row, std::string_view payload) {
+    std::vector<std::string> notes;
+    const auto kind = KindOf(row.fSec, row.fSub);
+    store::PayloadReader reader(payload);
+    for (store::RawField field; kind && reader.Next(field);) {
+        const auto owner = CompanionedBy(*kind, field.number);
+        if (owner && JudgeCompanionOf(row, payload, *owner, field) == store::CompanionState::Stale)
+            notes.push_back("the whole text of " + std::string(owner->name) +
+                            " belongs to an earlier one (another program has changed the record; the next "
+                            "store drops it)");
+    }
+    return notes;
 }
 
 Json RecordJson(store::Session& session, const Row& row, std::string_view payload, CategoryNames& names) {
     Json json;
     json["fPK"] = row.fPK;
-    const RecordKind* kind = KindOf(row.fSec, row.fSub);
-    json["section"] = kind == nullptr ? "Unknown" : std::string(kind->title);
+    const auto kind = KindOf(row.fSec, row.fSub);
+    json["section"] = kind ? std::string(kind->title) : "Unknown";
     json["fSec"] = row.fSec;
     json["fSub"] = row.fSub;
     if (!IsFieldCiphered(row)) {
@@ -177,8 +199,11 @@ Json RecordJson(store::Session& session, const Row& row, std::string_view payloa
         AddCategoryList(json, payload);
     else
         AddFields(json, *kind, payload);
-    if (row.fSec == Section::Todo) AddTaskColumns(json, row);
-    if (row.fSec >= Section::Address) AddCategory(json, row, names);
+    if (!kind->section) return json;
+    if (kind->section->columns)
+        for (const store::ColumnValue& column : kind->section->columns(row))
+            json[std::string(column.name)] = ValueJson(column.value);
+    AddGroup(json, *kind->section, row, names);
     return json;
 }
 

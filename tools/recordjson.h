@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "rows.h"
 
@@ -33,6 +34,9 @@ Json RecordJson(store::Session& session, const Row& row, std::string_view payloa
 
 /// "" when the payload is one that this class of records can have; else what is wrong, in plain English.
 std::string FaultOf(const Row& row, std::string_view payload);
+
+/// What is worth knowing of a payload without a fault, in plain English.
+std::vector<std::string> NotesOf(const Row& row, std::string_view payload);
 
 /// One line of JSON in UTF-8 that no terminal takes for a command.
 std::string DumpLine(const Json& json, int indent = -1);

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "base/languageus.h"
-#include "store/record_get.h"
+#include "store/privatefilter.h"
 
 namespace bmr::tools {
 namespace {

@@ -7,22 +7,12 @@
 #include <string_view>
 
 #include "base/bytes.h"
-#include "store/session.h"
+#include "store/sections.h"
 
 namespace bmr::tools {
 
 /// The columns of `tt` that are read in clear, and the two texts.
-struct Row {
-    std::int32_t fPK = 0;
-    std::int32_t fSec = 0;
-    std::int32_t fSub = 0;
-    std::optional<std::int32_t> fG1;
-    std::int32_t fR1 = 0;
-    std::int32_t fR2 = 0;
-    std::int32_t fR3 = 0;
-    bool fF1 = false;
-    bool fF2 = false;
-    bool fF3 = false;
+struct Row : store::PlainColumns {
     Bytes fEtx;
     Bytes fT1;
     /// fT1 deciphered, where it was asked for.

@@ -34,6 +34,13 @@ constexpr std::array<std::string_view, 24> kSentences = {
     "Good enough if it holds until spring.",
 };
 
+constexpr std::array<std::string_view, 16> kScripts = {
+    "Łukasz Żółciński",    "Zażółć gęślą jaźń", "Dvořák: Novosvětská", "Szőlő és dió",
+    "Η αυλή το φθινόπωρο", "Λάδι από τον θείο", "Дача, список дел",    "Щи по-бабушкиному",
+    "Ďakujem, škôlka",     "北京的茶馆",        "大阪の地図",          "서울 여행",
+    "مواعيد الطبيب",       "מתכון לחלה",        "Đà Nẵng, chợ đêm",    "Party 🎉 bei Ülkü",
+};
+
 constexpr SampleSection kSections[] = {
     {store::Section::Memo, "memo", FillMemos},
     {store::Section::Todo, "todo", FillTasks},
@@ -61,6 +68,12 @@ std::string SampleNote(SampleContext& context) {
         note += Pick(context, kSentences);
     }
     return note;
+}
+
+std::string AnyScript(SampleContext& context, std::string text) {
+    if (!context.unicode || !Chance(context, 40)) return text;
+    std::string other(Pick(context, kScripts));
+    return Chance(context, 50) ? other + ", " + text : other;
 }
 
 Bytes Page(std::string_view utf8) {

@@ -32,6 +32,8 @@ struct SampleContext {
     SeededSource& random;
     /// The day around which dates lie.
     Day today;
+    /// Some of the texts in other scripts than Latin.
+    bool unicode = false;
 };
 
 /// One entry of a list.
@@ -46,7 +48,10 @@ std::int32_t Between(SampleContext& context, std::int32_t low, std::int32_t high
 /// One to three sentences of a household's notes.
 std::string SampleNote(SampleContext& context);
 
-/// UTF-8 of this source to the page of the records.
+/// The same text, or with `unicode` now and then one of another script.
+std::string AnyScript(SampleContext& context, std::string text);
+
+/// UTF-8 of this source to the page of category names.
 Bytes Page(std::string_view utf8);
 
 /// A section that can be filled: one file, sample_<section>.cpp, and one entry of `SampleSections`.

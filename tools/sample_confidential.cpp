@@ -64,8 +64,9 @@ Bytes FieldValue(SampleContext& context, std::string_view caption, std::string_v
     if (holds("Phone Number")) return "+49 " + Digits(context, 2, 4);
     if (holds("User ID")) return Plain(person);
     if (holds("Number") || holds("Key")) return Digits(context, 4, 4);
-    if (holds("Holder") || holds("Person") || holds("Licensed") || holds("Contact")) return Page(person);
-    return Page(Pick(context, kFirms));
+    if (holds("Holder") || holds("Person") || holds("Licensed") || holds("Contact"))
+        return AnyScript(context, std::string(person));
+    return AnyScript(context, std::string(Pick(context, kFirms)));
 }
 
 /// Half of all are web logins and mail accounts, as in life.
@@ -85,10 +86,10 @@ confidential::Record SampleRecord(SampleContext& context) {
     if (Chance(context, 60)) name += " " + std::string(Pick(context, kWhat));
     if (Chance(context, 25)) name += " " + std::to_string(Between(context, 2, 99));
     // One in a hundred was saved before anybody gave it a name.
-    if (!Chance(context, 1)) record.n[0] = Page(name);
+    if (!Chance(context, 1)) record.n[0] = AnyScript(context, name);
     for (std::size_t i = 1; i < kind.FieldCount(); ++i)
         if (!Chance(context, 10)) record.n[i] = FieldValue(context, kind.captions[i], name);
-    if (Chance(context, 25)) record.notes = Page(SampleNote(context));
+    if (Chance(context, 25)) record.notes = AnyScript(context, SampleNote(context));
     record.isPrivate = Chance(context, 20);
     record.dateLastModified = {static_cast<double>(context.today.serial - Between(context, 0, 2000))};
     return record;

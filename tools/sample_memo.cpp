@@ -49,23 +49,23 @@ int StoreThemes(SampleContext& context) {
 }
 
 /// Most are short, one in twenty is a page or two.
-Bytes SampleBody(SampleContext& context) {
+std::string SampleBody(SampleContext& context) {
     std::string body = SampleNote(context);
     for (std::int32_t left = Chance(context, 5) ? Between(context, 10, 40) : Between(context, 0, 3); left > 0;
          --left)
         body += "\r\n" + SampleNote(context);
-    return Page(body);
+    return AnyScript(context, std::move(body));
 }
 
 notes::Memo SampleMemo(SampleContext& context) {
     const auto number = DrawBelow(context.random, static_cast<std::int32_t>(std::size(kThemes)));
     const Theme& theme = kThemes[number];
-    notes::Memo memo = notes::ClearMemo(context.session, Chance(context, 15) ? 0 : number + 1);
+    notes::Memo memo = notes::ClearRecord(context.session, Chance(context, 15) ? 0 : number + 1);
     std::string subject(Pick(context, theme.heads));
     subject += Pick(context, theme.tails);
     if (Chance(context, 40)) subject += " " + std::to_string(Between(context, 1996, 2026));
     if (Chance(context, 20)) subject += ", " + std::to_string(Between(context, 2, 9));
-    memo.subject = Page(subject);
+    memo.subject = AnyScript(context, subject);
     memo.body = SampleBody(context);
     memo.isPrivate = Chance(context, 10);
     const std::int32_t made = context.today.serial - Between(context, 0, 2000);
@@ -82,7 +82,7 @@ int FillMemos(SampleContext& context, std::int32_t records) {
     memos.reserve(static_cast<std::size_t>(records));
     for (std::int32_t i = 0; i < records; ++i)
         memos.push_back(SampleMemo(context));
-    return notes::AddMemos(context.session, memos);
+    return notes::AddRecords(context.session, memos);
 }
 
 }  // namespace bmr::tools

@@ -121,8 +121,8 @@ tasks::Task SampleTask(SampleContext& context) {
     tasks::Task task;
     const auto theme = DrawBelow(context.random, static_cast<std::int32_t>(std::size(kThemes)));
     const Theme& chosen = kThemes[theme];
-    task.task = Page(Compose(context, Pick(context, chosen.patterns)));
-    if (Chance(context, 35)) task.note = Page(SampleNote(context));
+    task.task = AnyScript(context, Compose(context, Pick(context, chosen.patterns)));
+    if (Chance(context, 35)) task.note = AnyScript(context, SampleNote(context));
     task.isPrivate = Chance(context, 12);
     task.priority = Chance(context, 60)   ? tasks::Priority::Normal
                     : Chance(context, 50) ? tasks::Priority::High

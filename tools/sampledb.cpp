@@ -21,6 +21,7 @@ struct Options {
     std::uint64_t seed = 1;
     std::vector<std::string> sections;
     std::string today;
+    bool unicode = false;
 };
 
 std::vector<SampleSection> Chosen(const std::vector<std::string>& names) {
@@ -45,7 +46,7 @@ void Fill(bmr::tools::Sitting& sitting, const Options& options) {
         if (!day) throw Failure("--today is no date of the form YYYY-MM-DD.");
         today = *day;
     }
-    bmr::tools::SampleContext context{sitting.session(), random, today};
+    bmr::tools::SampleContext context{sitting.session(), random, today, options.unicode};
     bmr::engine::Transaction transaction(*sitting.session().ProgramDb);
     sitting.Check(transaction.error());
     const auto count = static_cast<std::int32_t>(sections.size());
@@ -73,6 +74,7 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     app.add_option("--sections", options.sections, "Sections to fill, with commas between; all when left out")
         ->delimiter(',');
+    app.add_flag("--unicode", options.unicode, "Some texts in other scripts than Latin");
     app.add_option("--today", options.today, "The day around which dates lie, YYYY-MM-DD");
     return bmr::tools::RunMain(app, argc, argv, [&] {
         Chosen(options.sections);  // refuse a wrong name before a file is made

@@ -26,6 +26,9 @@ class SecretInput {
     /// character that the page does not hold; `Problem` then says why in plain words.
     bool Read(const std::string& prompt, Secret& typed);
 
+    /// The same in UTF-8, whatever its characters: for a value of a record.
+    bool ReadWords(const std::string& prompt, Secret& typed) { return ReadLine(prompt, false, typed); }
+
     /// A question to be answered by y or n; everything else is no. REQUIRES: Interactive.
     bool Confirm(const std::string& question);
 

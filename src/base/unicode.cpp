@@ -111,11 +111,10 @@ class Transliterator {
         const std::lock_guard<std::mutex> lock(busy_);
         toLatin_->transliterate(run.text);
         run.Drain([&](char32_t character) {
-            // What the page has is kept here too: a Greek or Russian letter may become one with an accent.
-            const int byte = ByteOf(character);
-            if (byte < 0) return rest.Append(character);
+            // Accents of the letters that stand for others go: who looks for a Greek name types none.
+            if (character >= 0x80) return rest.Append(character);
             AppendPlain(out, rest);
-            out += ByteChar(static_cast<unsigned>(byte));
+            out += static_cast<char>(character);
         });
         AppendPlain(out, rest);
     }

@@ -6,42 +6,63 @@
 #include <string>
 #include <vector>
 
-#include "base/bytes.h"
 #include "base/serialdate.h"
-#include "store/section_store.h"
-#include "store/session.h"
+#include "store/namedsection.h"
 
+/// The confidential section without a screen: its record, its list and its rules.
 namespace bmr::confidential {
 
-/// One confidential record. Texts are bytes of code page 1252 and may be secrets: `WipeRecord` when done.
+/// One confidential record. Texts may be secrets: `WipeRecord` when done.
 struct Record {
     std::int32_t key = store::kNewRecord;
     std::int32_t kind = 0;  ///< 1 to 16, written when the record is made and never again
-    std::array<Bytes, 5> n;
-    Bytes notes;
+    std::array<Words, 5> n;
+    Words notes;
     DateValue dateLastModified;  ///< a whole day
     bool isPrivate = false;
     std::uint8_t userNumber = 0;
     bool readable = true;  ///< false when the payload did not decode whole: a store would end the rest
+    store::CarriedFields carried;
 };
 
-/// Stored in every record. Never renumber.
-enum class RecordField : std::uint8_t { n0, n1, n2, n3, n4, notes, DateLastModified, Private, UserName };
+/// What the five mean is told by the record's kind.
+inline constexpr std::array<store::Field<Record>, 9> ConfidentialFields{{
+    {{0, store::FieldTag::Text, "n0", store::Kind::Name}, store::At<&Record::n, 0>},
+    {{1, store::FieldTag::Text, "n1", store::Kind::Words}, store::At<&Record::n, 1>},
+    {{2, store::FieldTag::Text, "n2", store::Kind::Words}, store::At<&Record::n, 2>},
+    {{3, store::FieldTag::Text, "n3", store::Kind::Words}, store::At<&Record::n, 3>},
+    {{4, store::FieldTag::Text, "n4", store::Kind::Words}, store::At<&Record::n, 4>},
+    {{5, store::FieldTag::Memo, "notes", store::Kind::Words}, store::At<&Record::notes>},
+    {{6, store::FieldTag::Date, "DateLastModified", store::Kind::Stamp},
+     store::At<&Record::dateLastModified>},
+    {{7, store::FieldTag::Boolean, "Private", store::Kind::Private}, store::At<&Record::isPrivate>, true},
+    {{8, store::FieldTag::Byte, "UserName", store::Kind::Stamp}, store::At<&Record::userNumber>},
+}};
 
-/// The payload's plain bytes; empty texts are left out altogether. Wipe them.
-Bytes EncodeConfidentialRecord(store::Session& session, const Record& record);
+/// The fields of a record that its kind masks.
+store::FieldSet MaskedFields(const Record& record);
 
-/// Reads a field cipher text. Fields that it does not hold are empty; an unreadable one is private.
-void DecodeConfidentialRecord(store::Session& session, std::string_view fEtx, Record& record);
+/// How the records stand in the file: in the order of their names, under kinds that never change.
+inline constexpr store::NamedSection<Record, ConfidentialFields.size()> kRecords{
+    {.section = store::Section::Confidential,
+     .nameField = 0,
+     .blanks = store::Blanks::LeaveOut,
+     .placeNameless = false,
+     .fixedGroup = true,
+     .alwaysWriteName = true},
+    ConfidentialFields,
+    &Record::kind,
+    MaskedFields};
 
-/// The record of a key; nothing when it is gone or belongs to another section.
-std::optional<Record> FetchRecord(store::Session& session, std::int32_t key);
+/// The record of a key; nothing when it is gone, belongs to another section, or could not be looked for,
+/// which `error` tells apart (the engine's number, else 0).
+std::optional<Record> FetchRecord(store::Session& session, std::int32_t key, int* error = nullptr);
 
 /// `SaveRecord`: sets key, user and the day of the change, and stores. Place in the alphabet and its keys are
 /// written only when the name (n0) differs from the stored one; a new record counts as having the empty name,
 /// so one without a name gets no place. One transaction; 0, -16 (another section's row, nothing written) or
 /// the engine's number.
-[[nodiscard]] int SaveRecord(store::Session& session, Record& record);
+[[nodiscard]] int WriteRecord(store::Session& session, Record& record);
 
 /// Stores many new records in one transaction, their places in the alphabet worked out once. A day of change
 /// that is given stays, 0 becomes today. Sets the keys.
@@ -51,15 +72,15 @@ std::optional<Record> FetchRecord(store::Session& session, std::int32_t key);
 std::string ConfidentialListSql(std::int32_t kind);
 
 /// The keys of a kind in alphabetical order, private ones left out while `ShowPrivate` is false.
-/// With `search` only records whose name holds it, without regard to case; that deciphers every name.
+/// With `search` only records whose name holds it, in any case; that deciphers every name.
 Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int32_t kind,
                                               std::string_view search = {});
 
-/// The name (n0) of a record: one field deciphered.
-Bytes RecordName(store::Session& session, std::int32_t fPK);
+/// The name (n0) of a record.
+Words RecordName(store::Session& session, std::int32_t fPK);
 
 /// The text of the box that confirms a delete.
-std::string DeleteRecordText(std::string_view name);
+std::string DeleteText(std::string_view name);
 
 /// Overwrites every text.
 void WipeRecord(Record& record);

@@ -209,7 +209,7 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     const EditEnd end = round_.EditUntilStored(editor, draft, tr("The record was not stored."), [&] {
         WipeRecord(record);
         record = editor.Value();
-        return SaveRecord(session_, record);
+        return WriteRecord(session_, record);
     });
     const std::int32_t key = record.key;
     // A row that was deleted behind the editor has come back under another key.
@@ -234,7 +234,7 @@ void frmClassified::ShowNothing() {
 void frmClassified::cmdDelete_Click() {
     const std::int32_t key = ListSelect->SelectedKey();
     if (model_->rowCount() == 0 || key == kit::RecordListView::kNoKey) return;
-    if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteRecordText(record_.n[0]))) != Answer::Ok) return;
+    if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteText(record_.n[0]))) != Answer::Ok) return;
     kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The record was not deleted."));
     listSelect_Initialize(store::kNewRecord);
 }

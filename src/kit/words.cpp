@@ -5,22 +5,11 @@
 #include <QStringList>
 
 #include "crypto/cry.h"
-#include "store/record_put.h"
+#include "store/words.h"
 
 namespace bmr::kit {
 
 namespace {
-
-struct WordsLength {
-    std::size_t length;
-    std::size_t most;
-    bool inBytes;
-};
-
-/// The length of a record's text as the store counts it.
-WordsLength MeasureWords(std::string_view words) {
-    return {words.size(), store::kLongestText, false};
-}
 
 QString Number(std::size_t number) {
     return QLocale().toString(static_cast<qulonglong>(number));
@@ -63,31 +52,31 @@ QString RefusalOf(const QString& text) {
 }
 
 QString ShowWords(std::string_view words) {
-    return ToQString(words);
+    return QString::fromUtf8(words.data(), static_cast<qsizetype>(words.size()));
 }
 
-std::string TakeWords(const QString& text) {
-    return FromQString(text);
+Words TakeWords(const QString& text) {
+    return text.toStdString();
 }
 
 QString ShowLines(std::string_view words) {
     return ShowWords(words).replace("\r\n", "\n").replace('\r', '\n');
 }
 
-std::string TakeLines(const QString& text, std::string_view before) {
+Words TakeLines(const QString& text, std::string_view before) {
     const bool ours =
         before.find("\r\n") != std::string_view::npos || before.find('\n') == std::string_view::npos;
     return TakeWords(ours ? QString(text).replace("\n", "\r\n") : text);
 }
 
 QString LengthOf(std::string_view words) {
-    const WordsLength measured = MeasureWords(words);
+    const store::WordsLength measured = store::MeasureWords(words);
     return Counted(measured.length, measured.inBytes);
 }
 
 QString TooLongOf(std::string_view words) {
-    const WordsLength measured = MeasureWords(words);
-    if (measured.length <= measured.most) return {};
+    const store::WordsLength measured = store::MeasureWords(words);
+    if (!measured.TooLong()) return {};
     return QCoreApplication::translate("words", "Too long by %1: %2 fit.")
         .arg(Counted(measured.length - measured.most, measured.inBytes), Number(measured.most));
 }

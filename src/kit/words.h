@@ -19,12 +19,12 @@ QString RefusalOf(const QString& text);
 
 /// A text of a record for a widget, and back.
 QString ShowWords(std::string_view words);
-std::string TakeWords(const QString& text);
+Words TakeWords(const QString& text);
 
 /// The same for a field of many lines, where a line ends in "\n". In a record it ends in two characters; one
 /// that was written otherwise (`before`) keeps its own ends.
 QString ShowLines(std::string_view words);
-std::string TakeLines(const QString& text, std::string_view before);
+Words TakeLines(const QString& text, std::string_view before);
 
 /// How long a record's text is, in words: "1,234 characters".
 QString LengthOf(std::string_view words);

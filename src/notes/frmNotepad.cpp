@@ -30,8 +30,9 @@ frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
     : SectionForm(parent),
       session_(session),
       model_(new kit::NamedListModel(
-          "Memo", [this](std::string_view search) { return KeysOf(search); },
-          [this](std::int32_t fPK) { return MemoSubject(session_, fPK); }, this)),
+          "Memo",
+          [this](std::string_view search) { return ListRecords(session_, cboCategories->Number(), search); },
+          [this](std::int32_t fPK) { return RecordName(session_, fPK); }, this)),
       round_(session, *this) {
     setObjectName("frmNotepad");
     setWindowTitle("Memo");
@@ -51,15 +52,6 @@ QList<QAction*> frmNotepad::ToolActions() {
     return {mnuMemoAdd, mnuMemoEdit, mnuMemoDeleteSelected};
 }
 
-Result<std::vector<std::int32_t>> frmNotepad::KeysOf(std::string_view search) const {
-    const auto rows = ListMemos(session_, cboCategories->Number(), search);
-    if (!rows) return rows.error();
-    std::vector<std::int32_t> keys;
-    for (const MemoRow& row : *rows)
-        keys.push_back(row.fPK);
-    return keys;
-}
-
 kit::Emptiness frmNotepad::WhyEmpty() const {
     if (cboCategories->Number() == Category::All) return {tr("No memos yet.")};
     return {tr("No memos in this category."), {cboCategories->ShowAll()}};
@@ -72,7 +64,7 @@ void frmNotepad::Refresh() {
 
 void frmNotepad::SelectRecord(std::int32_t fPK) {
     if (model_->RowOf(fPK) < 0) {
-        const auto memo = FetchMemo(session_, fPK);
+        const auto memo = FetchRecord(session_, fPK);
         if (!memo) return;
         pane_->ClearSearch();
         if (cboCategories->Number() != Category::All) cboCategories->Fill(memo->category);
@@ -90,7 +82,7 @@ void frmNotepad::HidePad() {
 }
 
 void frmNotepad::ShowMemo(std::int32_t key) {
-    auto memo = key == kit::RecordListView::kNoKey ? std::nullopt : FetchMemo(session_, key);
+    auto memo = key == kit::RecordListView::kNoKey ? std::nullopt : FetchRecord(session_, key);
     if (!memo) return HidePad();
     txtSubject->setText(memo->readable ? kit::ShowWords(memo->subject) : tr("(cannot be read)"));
     txtInput->setPlainText(kit::ShowLines(memo->body));
@@ -109,23 +101,23 @@ void frmNotepad::cmdAdd_Click() {
     if (round_.Open()) return;
     const auto subject = session_.ports.prompter.InputBox("Memo", "Enter subject:", {});
     if (session_.ending || !subject || subject->empty()) return;
-    Memo memo = ClearMemo(session_, cboCategories->Number());
-    memo.subject = kit::TakeWords(QString::fromStdString(*subject));
+    Memo memo = ClearRecord(session_, cboCategories->Number());
+    memo.subject = *subject;
     EditRecord(std::move(memo));
 }
 
 void frmNotepad::cmdEdit_Click() {
     const std::int32_t key = listSelect->SelectedKey();
     if (key == kit::RecordListView::kNoKey || round_.Open()) return;
-    auto memo = FetchMemo(session_, key);
+    auto memo = FetchRecord(session_, key);
     if (!memo) return cmdAdd_Click();
     EditRecord(std::move(*memo));
 }
 
 void frmNotepad::OpenDraft(const custody::Draft& draft) {
-    auto memo = FetchMemo(session_, draft.key);
+    auto memo = FetchRecord(session_, draft.key);
     if (memo) SelectRecord(draft.key);
-    EditRecord(memo ? std::move(*memo) : ClearMemo(session_, draft.category), &draft);
+    EditRecord(memo ? std::move(*memo) : ClearRecord(session_, draft.category), &draft);
 }
 
 void frmNotepad::EditRecord(Memo memo, const custody::Draft* draft) {
@@ -135,7 +127,7 @@ void frmNotepad::EditRecord(Memo memo, const custody::Draft* draft) {
     editor.recordChanged = memo.key == store::kNewRecord;
     const EditEnd end = round_.EditUntilStored(editor, draft, tr("The memo was not stored."), [&] {
         memo = editor.Value();
-        return WriteMemo(session_, memo);
+        return WriteRecord(session_, memo);
     });
     if (end == EditEnd::Closed) return;
     const std::int32_t shown = listSelect->SelectedKey();
@@ -153,7 +145,7 @@ void frmNotepad::cmdDelete_Click() {
     const std::int32_t key = listSelect->SelectedKey();
     if (key == kit::RecordListView::kNoKey) return;
     const int row = listSelect->SelectedRow();
-    const Box box = ConfirmDelete(27, DeleteMemoText(kit::TakeWords(model_->Name(row))));
+    const Box box = ConfirmDelete(27, DeleteText(kit::TakeWords(model_->Name(row))));
     if (session_.ports.prompter.Ask(box) != Answer::Ok) return;
     kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The memo was not deleted."));
     pane_->Rebuild(store::kNewRecord);
@@ -165,7 +157,7 @@ void frmNotepad::mnuMemoDeleteAll_Click(bool oneCategory) {
     const int first = oneCategory ? 102 : 80;
     for (const int number : {first, 81})
         if (session_.ports.prompter.Ask(ConfirmDelete(number, Msg(number))) != Answer::Ok) return;
-    const int error = DeleteMemos(session_, oneCategory ? cboCategories->Number() : Category::All);
+    const int error = DeleteRecords(session_, oneCategory ? cboCategories->Number() : Category::All);
     kit::TellFailure(session_, error, tr("The memos were not deleted."));
     pane_->Rebuild(store::kNewRecord);
     listSelect->SelectFirst();

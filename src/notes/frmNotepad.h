@@ -48,7 +48,6 @@ class frmNotepad final : public SectionForm {
     void BuildPad();
     void Lay();
 
-    Result<std::vector<std::int32_t>> KeysOf(std::string_view search) const;
     kit::Emptiness WhyEmpty() const;
     void ShowMemo(std::int32_t key);
     void HidePad();

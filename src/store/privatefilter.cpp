@@ -3,10 +3,24 @@
 #include <algorithm>
 
 #include "crypto/cry.h"
+#include "store/fieldtable.h"
 #include "store/record_get.h"
 #include "store/section_store.h"
+#include "store/sections.h"
+#include "store/words.h"
 
 namespace bmr::store {
+
+bool IsRecordPrivate(cry::CipherState& cipher, std::string_view text, std::uint8_t section) {
+    return IsPayloadPrivate(cry::DecipherField(cipher, text), section);
+}
+
+bool IsPayloadPrivate(std::string_view payload, std::uint8_t section) {
+    const SectionFacts* facts = FactsOf(section);
+    const Value flag = facts ? GetPayloadField(payload, facts->privateField) : Value();
+    const auto* isPrivate = std::get_if<bool>(&flag);
+    return isPrivate == nullptr || *isPrivate;
+}
 
 void PrivateBatch::Add(std::string_view text) {
     constexpr std::size_t kPiece = std::size_t{1} << 20;
@@ -66,19 +80,39 @@ Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::u
                         [section](std::string_view plain) { return IsPayloadPrivate(plain, section); });
 }
 
-Result<std::unordered_set<std::int32_t>> RecordsWithText(Session& session, std::uint8_t section,
-                                                         const std::string& clauses, std::string_view text) {
-    const Bytes wanted = LowerCase(text);
-    return RecordsWhere(session, section, clauses, "fT1", [&wanted](std::string_view plain) {
-        Bytes lower = LowerCase(TrimBlanks(plain));
-        const bool found = lower.find(wanted) != Bytes::npos;
-        cry::WipeString(lower);
-        return found;
-    });
+Words NameOf(Session& session, std::uint8_t nameField, std::int32_t fPK) {
+    const Bytes ciphered = CipheredName(session, fPK);
+    const std::string_view plain = cry::DecipherField(session.cipher, ciphered);
+    if (ciphered.empty()) return {};
+    if (!IsMarked(plain)) return ToUtf8(TrimBlanks(plain));
+    Bytes column(plain);
+    auto record = session.ProgramDb->Select("SELECT fEtx FROM tt WHERE fPK=?", {fPK});
+    Words name;
+    if (record && record->Next())
+        name = ReadWords(cry::DecipherField(session.cipher, record->Bytes(0)), nameField, column);
+    cry::WipeString(column);
+    return name;
 }
 
-int ListFilter::Load(Session& session, std::uint8_t section, const std::string& clauses,
-                     std::string_view search) {
+Result<std::unordered_set<std::int32_t>> RecordsNamed(Session& session, std::uint8_t section,
+                                                      std::uint8_t nameField, const std::string& clauses,
+                                                      std::string_view search) {
+    const Needle needle(search);
+    auto found = RecordsWhere(session, section, clauses, "fT1", [&needle](std::string_view plain) {
+        return needle.InTold(TrimBlanks(plain)) && (!needle.AsksTrueText() || IsMarked(plain));
+    });
+    if (found && needle.AsksTrueText())
+        std::erase_if(*found, [&](std::int32_t fPK) {
+            Words name = NameOf(session, nameField, fPK);
+            const bool other = !needle.InTrue(name);
+            cry::WipeString(name);
+            return other;
+        });
+    return found;
+}
+
+int ListFilter::Load(Session& session, std::uint8_t section, std::uint8_t nameField,
+                     const std::string& clauses, std::string_view search) {
     searching_ = !search.empty();
     const auto keep = [](const Result<std::unordered_set<std::int32_t>>& keys,
                          std::unordered_set<std::int32_t>& kept) {
@@ -89,7 +123,7 @@ int ListFilter::Load(Session& session, std::uint8_t section, const std::string& 
     if (!session.ShowPrivate)
         if (const int error = keep(PrivateRecords(session, section, clauses), hidden_); error != 0)
             return error;
-    return searching_ ? keep(RecordsWithText(session, section, clauses, search), matching_) : 0;
+    return searching_ ? keep(RecordsNamed(session, section, nameField, clauses, search), matching_) : 0;
 }
 
 }  // namespace bmr::store

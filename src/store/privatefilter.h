@@ -13,6 +13,12 @@
 
 namespace bmr::store {
 
+/// Whether a record of section code `section` is private, by its enciphered payload; anything but a boolean
+/// counts as private.
+bool IsRecordPrivate(cry::CipherState& cipher, std::string_view text, std::uint8_t section);
+/// The same by its plain payload.
+bool IsPayloadPrivate(std::string_view payload, std::uint8_t section);
+
 /// Enciphered payloads of many rows that wait to be tested together, which is far cheaper than one by one.
 class PrivateBatch {
   public:
@@ -47,17 +53,23 @@ Result<std::unordered_set<std::int32_t>> RecordsWhere(
 Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::uint8_t section,
                                                         const std::string& clauses);
 
-/// The keys of a section's records whose list text (fT1) holds `text`, without regard to case.
-Result<std::unordered_set<std::int32_t>> RecordsWithText(Session& session, std::uint8_t section,
-                                                         const std::string& clauses, std::string_view text);
+/// The name of a record, UTF-8: the deciphered fT1, and where code page 1252 does not hold it the payload's
+/// field `nameField`. Empty for a row that is gone.
+Words NameOf(Session& session, std::uint8_t nameField, std::int32_t fPK);
+
+/// The keys of a section's records whose name holds `search` (UTF-8) in any case, by the letters that stand
+/// for it in code page 1252: "lukasz" finds Łukasz.
+Result<std::unordered_set<std::int32_t>> RecordsNamed(Session& session, std::uint8_t section,
+                                                      std::uint8_t nameField, const std::string& clauses,
+                                                      std::string_view search);
 
 /// Which rows of a section a list shows: no private ones while `ShowPrivate` is false (else no payload is
-/// opened), and only those with `search` in their list text, where it is not empty.
+/// opened), and only those with `search` in their name, where it is not empty.
 class ListFilter {
   public:
     /// 0 or the engine's number.
-    [[nodiscard]] int Load(Session& session, std::uint8_t section, const std::string& clauses,
-                           std::string_view search);
+    [[nodiscard]] int Load(Session& session, std::uint8_t section, std::uint8_t nameField,
+                           const std::string& clauses, std::string_view search);
     bool Shows(std::int32_t fPK) const {
         return !hidden_.contains(fPK) && (!searching_ || matching_.contains(fPK));
     }

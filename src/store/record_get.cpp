@@ -1,10 +1,7 @@
 #include "store/record_get.h"
 
-#include <array>
-
 #include "base/buckets.h"
 #include "crypto/conversion.h"
-#include "store/session.h"
 
 namespace bmr::store {
 namespace {
@@ -73,8 +70,9 @@ bool PayloadReader::Next(RawField& field) {
     if (!extent) return false;
     field.number = static_cast<std::uint8_t>(ByteAt(rest_, 0));
     field.tag = static_cast<std::uint8_t>(tag);
-    field.value = rest_.substr(2 + extent->prefix, extent->size);
-    rest_.remove_prefix(2 + extent->prefix + extent->size);
+    field.whole = rest_.substr(0, 2 + extent->prefix + extent->size);
+    field.value = field.whole.substr(2 + extent->prefix);
+    rest_.remove_prefix(field.whole.size());
     clean_ = rest_.empty();
     return true;
 }
@@ -120,7 +118,7 @@ Value DecodeValue(std::string_view text, FieldTag tag) {
     if (text.empty()) return Null{};
     const auto extent = ExtentOf(tag, text);
     if (!extent) return Empty{};
-    return DecodeRaw({0, static_cast<std::uint8_t>(tag), text.substr(extent->prefix, extent->size)});
+    return DecodeRaw({0, static_cast<std::uint8_t>(tag), text.substr(extent->prefix, extent->size), {}});
 }
 
 Value DecodeField(std::string_view text) {
@@ -148,23 +146,6 @@ Value GetPayloadField(std::string_view payload, std::uint8_t number) {
     for (RawField field; reader.Next(field);)
         if (field.number == number) return DecodeRaw(field);
     return Empty{};
-}
-
-std::uint8_t PrivateFieldOf(std::uint8_t section) {
-    // Sections 11 to 19. The diary has no field 13, so all its records are private; so are those of the
-    // budgets, whose field 4 is a byte.
-    static constexpr std::array<std::uint8_t, 9> kFields = {1, 1, 13, 1, 2, 7, 4, 4, 4};
-    return kFields.at(static_cast<std::size_t>(section) - Section::Address);
-}
-
-bool IsRecordPrivate(cry::CipherState& cipher, std::string_view text, std::uint8_t section) {
-    return IsPayloadPrivate(cry::DecipherField(cipher, text), section);
-}
-
-bool IsPayloadPrivate(std::string_view payload, std::uint8_t section) {
-    const Value flag = GetPayloadField(payload, PrivateFieldOf(section));
-    const auto* isPrivate = std::get_if<bool>(&flag);
-    return isPrivate == nullptr || *isPrivate;
 }
 
 }  // namespace bmr::store

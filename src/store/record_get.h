@@ -17,6 +17,7 @@ struct RawField {
     std::uint8_t number = 0;
     std::uint8_t tag = 0;
     std::string_view value;  ///< the value's bytes, without tag and length prefix
+    std::string_view whole;  ///< the field as it stands, number and tag included
 };
 
 /// Walks a plain payload. Gives false at the end, at a tag that is none, and at a value cut short.
@@ -54,12 +55,5 @@ void DecodeRecord(std::vector<Value>& fields, std::string_view text, bool deciph
 Value GetRecordField(cry::CipherState& cipher, std::string_view text, std::uint8_t number);
 /// The same of a plain payload.
 Value GetPayloadField(std::string_view payload, std::uint8_t number);
-
-/// The field number of the private flag for a section code 11 to 19.
-std::uint8_t PrivateFieldOf(std::uint8_t section);
-
-/// Whether a record of section code `section` is private; anything but a boolean counts as private.
-bool IsRecordPrivate(cry::CipherState& cipher, std::string_view text, std::uint8_t section);
-bool IsPayloadPrivate(std::string_view payload, std::uint8_t section);
 
 }  // namespace bmr::store

@@ -150,4 +150,9 @@ void AppendText(Bytes& payload, std::uint8_t number, std::string_view text, Fiel
     PutText(payload, text);
 }
 
+void AppendRaw(Bytes& payload, std::string_view field) {
+    Reserve(payload, field.size());
+    payload.append(field);
+}
+
 }  // namespace bmr::store

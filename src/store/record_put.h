@@ -44,6 +44,9 @@ bool AppendField(Bytes& payload, std::uint8_t number, const Value& value, FieldT
 /// is wiped there: it may hold secrets.
 void AppendText(Bytes& payload, std::uint8_t number, std::string_view text, FieldTag tag);
 
+/// Appends a field as it stood in another payload: number, tag and value.
+void AppendRaw(Bytes& payload, std::string_view field);
+
 /// Columns that a record leaves unused and that get noise.
 struct NoiseColumns {
     bool t1 = false, t2 = false, t3 = false;

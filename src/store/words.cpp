@@ -102,7 +102,7 @@ ToldWords TellWords(std::string_view utf8, Masked masked) {
         Words whole = WithWholeBreaks(typed);
         words.told = masked == Masked::Yes ? MaskForeign(whole) : Transliterate(whole);
         CutAndWipe(words.told, kLongestText);
-        if (TrimBlanks(words.told).empty()) words.told = "?";  // a blank one could not be marked
+        if (TrimBlanks(words.told).empty()) words.told.assign(1, '?');  // a blank one could not be marked
         words.companion = MakeCompanion(words.told, FirstWords(whole));
         cry::WipeString(whole);
     }

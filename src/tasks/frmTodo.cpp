@@ -91,7 +91,7 @@ void frmTodo::Refresh() {
 
 void frmTodo::SelectRecord(std::int32_t fPK) {
     if (model_->RowOf(fPK) < 0) {
-        const auto task = LoadSelected(session_, fPK);
+        const auto task = FetchRecord(session_, fPK);
         if (!task) return;
         if (task->completed && !ShowCompleted->isChecked()) ShowCompleted->setChecked(true);
         pane_->ClearSearch();
@@ -124,7 +124,7 @@ std::vector<custody::Draft> frmTodo::Drafts() const {
 }
 
 void frmTodo::OpenDraft(const custody::Draft& draft) {
-    auto task = LoadSelected(session_, draft.key);
+    auto task = FetchRecord(session_, draft.key);
     EditRecord(task ? std::move(*task) : ClearRecord(draft.category), &draft);
 }
 

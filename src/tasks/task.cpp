@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "store/record_get.h"
 #include "store/record_put.h"
 
 namespace bmr::tasks {
@@ -15,38 +14,23 @@ using store::Session;
 
 constexpr std::int32_t kPriorities = 3;
 
-Day DateColumn(const Recordset& row, const char* column, DateKind kind, bool set) {
+Day DateColumn(const engine::Recordset& row, const char* column, DateKind kind, bool set) {
     return set ? UnpackDate(NumberOf(row.Field(column)), kind) : Day{};
 }
 
-bool Append(Bytes& payload, TaskField field, const Value& value, FieldTag tag, RandomSource& random) {
-    return store::AppendField(payload, static_cast<std::uint8_t>(field), value, tag, random);
-}
-
-void AppendText(Bytes& payload, TaskField field, std::string_view text, FieldTag tag) {
-    store::AppendText(payload, static_cast<std::uint8_t>(field), text, tag);
-}
-
 /// fEtx and fT1 of a record.
-int FillTexts(Session& session, const Task& task, Recordset& row) {
-    RandomSource& random = session.ports.random;
-    Bytes payload;
-    AppendText(payload, TaskField::Description, task.task, FieldTag::Text);
-    AppendText(payload, TaskField::Memo, task.note, FieldTag::Memo);
-    const bool whole =
-        Append(payload, TaskField::Private, task.isPrivate, FieldTag::Boolean, random) &&
-        Append(payload, TaskField::UserNumber, std::int32_t{session.user.UserNumber}, FieldTag::Byte, random);
-    if (!whole) return engine::EngineNumber::Failed;
-    const std::string_view texts[] = {payload, task.task};
+int FillTexts(Session& session, Task& task, engine::Recordset& row) {
+    task.userNumber = session.user.UserNumber;
+    const auto record = store::EncodeFields(task, kTaskFields, store::Blanks::Store, session.ports.random);
+    const std::string_view texts[] = {record.payload, record.column};
     const auto ciphered = cry::EncipherBatch(session.cipher, texts);
-    cry::WipeString(payload);
     if (ciphered.front().empty()) return engine::EngineNumber::Failed;
     row.SetField("fEtx", ciphered.front());
     row.SetField("fT1", ciphered.back());
     return 0;
 }
 
-int FillRow(Session& session, const Task& task, Recordset& row, bool added) {
+int FillRow(Session& session, Task& task, engine::Recordset& row, bool added) {
     RandomSource& random = session.ports.random;
     if (task.readable || added)
         if (const int error = FillTexts(session, task, row)) return error;
@@ -69,33 +53,7 @@ Task ClearRecord(std::int32_t comboCategory) {
     return task;
 }
 
-void ReadPayload(Task& task, std::string_view payload) {
-    store::PayloadReader reader(payload);
-    bool hasText = false;
-    bool hasFlag = false;
-    task.isPrivate = true;  // what cannot be read stays hidden
-    for (store::RawField field; reader.Next(field);) {
-        const Value value = store::DecodeRaw(field);
-        switch (static_cast<TaskField>(field.number)) {
-            case TaskField::Description:
-                hasText = std::holds_alternative<Bytes>(value);
-                task.task = TextOf(value);
-                break;
-            case TaskField::Memo:
-                task.note = TextOf(value);
-                break;
-            case TaskField::Private:
-                hasFlag = std::holds_alternative<bool>(value);
-                task.isPrivate = !hasFlag || std::get<bool>(value);
-                break;
-            case TaskField::UserNumber:
-                break;
-        }
-    }
-    task.readable = hasText && hasFlag && reader.Clean();
-}
-
-Task ReadRecord(Session& session, const Recordset& row) {
+Task ReadRecord(Session& session, const engine::Recordset& row) {
     Task task;
     task.key = NumberOf(row.Field("fPK"));
     task.category = NumberOf(row.Field("fG1"));
@@ -105,27 +63,41 @@ Task ReadRecord(Session& session, const Recordset& row) {
     task.completed = NumberOf(row.Field("fF3")) != 0;
     task.dueDate = DateColumn(row, "fR3", kDueKind, task.hasDueDate);
     task.completedDate = DateColumn(row, "fR2", kCompletedKind, task.completed);
-    ReadPayload(task, cry::DecipherField(session.cipher, TextOf(row.Field("fEtx"))));
+    task.readable =
+        store::DecodeFields(task, cry::DecipherField(session.cipher, TextOf(row.Field("fEtx"))), kTaskFields);
     return task;
 }
 
-std::optional<Task> LoadSelected(Session& session, std::int32_t key) {
+Task ReadTexts(Session& session, std::int32_t key) {
+    Task task;
+    task.isPrivate = true;
+    task.readable = false;
+    if (!session.ProgramDb) return task;  // a list may outlive its database for a moment
+    auto row = session.ProgramDb->Select("SELECT fEtx FROM tt WHERE fPK=?", {key});
+    if (row && row->Next())
+        task.readable =
+            store::DecodeFields(task, cry::DecipherField(session.cipher, row->Bytes(0)), kTaskFields);
+    return task;
+}
+
+std::optional<Task> FetchRecord(Session& session, std::int32_t key, int* error) {
     const auto row = store::FetchRow(session, store::Section::Todo, key);
+    if (error) *error = row ? 0 : row.error().number;
     if (!row || !*row) return std::nullopt;
     return ReadRecord(session, **row);
 }
 
 Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory) {
     if (key)
-        if (auto task = LoadSelected(session, *key)) return *std::move(task);
+        if (auto task = FetchRecord(session, *key)) return *std::move(task);
     return ClearRecord(comboCategory);
 }
 
 store::StoreOutcome WriteRecord(Session& session, Task& task) {
     if (task.readable) task.hasNote = !task.note.empty();
-    const auto outcome =
-        store::StoreRow(session, store::Section::Todo, task.key,
-                        [&](Recordset& row, bool added) { return FillRow(session, task, row, added); });
+    const auto outcome = store::StoreRow(
+        session, store::Section::Todo, task.key,
+        [&](engine::Recordset& row, bool added) { return FillRow(session, task, row, added); });
     if (outcome.error != 0) return outcome;
     task.key = outcome.fPK;
     session.CalendarDirty = true;
@@ -183,7 +155,7 @@ void EditorToRecord(const EditorValues& values, Task& task) {
 
 TickOutcome SetCompleted(Session& session, std::int32_t key, bool checked) {
     TickOutcome outcome;
-    outcome.record = LoadSelected(session, key);
+    outcome.record = FetchRecord(session, key);
     outcome.rebuild = !outcome.record;
     if (!outcome.record || outcome.record->completed == checked) return outcome;
     outcome.record->completed = checked;
@@ -194,7 +166,7 @@ TickOutcome SetCompleted(Session& session, std::int32_t key, bool checked) {
 }
 
 int SetPriority(Session& session, std::int32_t key, std::int32_t priority) {
-    auto task = LoadSelected(session, key);
+    auto task = FetchRecord(session, key);
     if (!task) return 0;
     task->priority = priority;
     return WriteRecord(session, *task).error;

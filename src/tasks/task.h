@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -8,13 +9,11 @@
 #include "base/bytes.h"
 #include "base/serialdate.h"
 #include "store/categories.h"
+#include "store/fieldtable.h"
 #include "store/section_store.h"
 
 /// The to-do section without a screen: its record, its list and its rules.
 namespace bmr::tasks {
-
-/// Numbers of the payload's fields. Never renumber: files in the field carry these.
-enum class TaskField : std::uint8_t { Description = 0, Memo = 1, Private = 2, UserNumber = 3 };
 
 /// Tasks keep their due date (fR3) in the second and the date of completion (fR2) in the third date table.
 inline constexpr DateKind kDueKind = DateKind::First;
@@ -29,9 +28,10 @@ struct Priority {
 /// One task, as screen and editor hold it. The defaults are those of an empty new record.
 struct Task {
     std::int32_t key = store::kNewRecord;
-    Bytes task;
-    Bytes note;
+    Words task;
+    Words note;
     bool isPrivate = false;
+    std::uint8_t userNumber = 0;
     bool hasNote = false;
     std::int32_t priority = Priority::Normal;
     bool hasDueDate = false;
@@ -42,18 +42,28 @@ struct Task {
     /// False when the payload did not decode: a store then leaves it and the task text as they are in the
     /// file.
     bool readable = true;
+    store::CarriedFields carried;
 };
+
+inline constexpr std::array<store::Field<Task>, 4> kTaskFields{{
+    {{0, store::FieldTag::Text, "Description", store::Kind::Name}, store::At<&Task::task>, true},
+    {{1, store::FieldTag::Memo, "Memo", store::Kind::Words}, store::At<&Task::note>},
+    {{2, store::FieldTag::Boolean, "Private", store::Kind::Private}, store::At<&Task::isPrivate>, true},
+    {{3, store::FieldTag::Byte, "UserNumber", store::Kind::Stamp}, store::At<&Task::userNumber>},
+}};
 
 /// An empty new record under the category that the combo stands on.
 Task ClearRecord(std::int32_t comboCategory);
 
 /// The record of a row of `SELECT *`. Deciphers the payload, and nothing else.
 Task ReadRecord(store::Session& session, const engine::Recordset& row);
-/// The same from the pieces, for readers of many rows.
-void ReadPayload(Task& task, std::string_view payload);
+/// What lies in the payload of a row's record, and nothing of its columns: for lists. Unreadable without a
+/// row.
+Task ReadTexts(store::Session& session, std::int32_t key);
 
-/// The record of a list row's key; nothing when the row is gone or was never a task.
-std::optional<Task> LoadSelected(store::Session& session, std::int32_t key);
+/// The record of a list row's key; nothing when the row is gone, was never a task, or could not be looked
+/// for, which `error` tells apart (the engine's number, else 0).
+std::optional<Task> FetchRecord(store::Session& session, std::int32_t key, int* error = nullptr);
 /// The record to edit: the selected one, or an empty new one when it is gone or nothing is selected.
 Task RecordToEdit(store::Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory);
 
@@ -77,8 +87,8 @@ std::int32_t UnpackPriority(std::int32_t fR1);
 
 /// What the editor's controls hold.
 struct EditorValues {
-    Bytes task;
-    Bytes note;
+    Words task;
+    Words note;
     std::optional<std::int32_t> priority;  ///< the option that is on, if any
     bool isPrivate = false;
     std::optional<Day> due;

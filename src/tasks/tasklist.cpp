@@ -16,10 +16,6 @@ using store::Session;
 constexpr std::string_view kPlainColumns = "fPK, fG1, fR1, fR2, fR3, fF1, fF2, fF3";
 constexpr int kPayloadColumn = 8;
 
-std::string FilterClauses(const TaskFilter& filter) {
-    return (filter.showCompleted ? "" : " And fF3 = False") + store::CategoryClause(filter.category);
-}
-
 TaskRow PlainRow(const engine::Cursor& cursor, Day today) {
     TaskRow row;
     row.fPK = cursor.Int(0);
@@ -160,12 +156,16 @@ const std::array<Column, SubItem::Count> kColumns = {{{"Task", 4200, Align::Left
                                                       {"Exec Date", 1200, Align::Left},
                                                       {"-", 0, Align::Left}}};
 
+std::string ClausesOf(const TaskFilter& filter) {
+    return (filter.showCompleted ? "" : " And fF3 = False") + store::CategoryClause(filter.category);
+}
+
 std::string TaskStatement(const TaskFilter& filter, std::string_view columns) {
-    return "SELECT " + std::string(columns) + " FROM tt WHERE fSec=15" + FilterClauses(filter) +
+    return "SELECT " + std::string(columns) + " FROM tt WHERE fSec=15" + ClausesOf(filter) +
            store::kOwnerAccess;
 }
 
-Result<std::vector<TaskRow>> ShowListitems(Session& session, const TaskFilter& filter) {
+Result<std::vector<TaskRow>> ListRecords(Session& session, const TaskFilter& filter) {
     std::vector<TaskRow> rows;
     if (const int error = ReadRows(session, filter, rows))
         return Error{error, session.ProgramDb->LastError()};
@@ -173,20 +173,8 @@ Result<std::vector<TaskRow>> ShowListitems(Session& session, const TaskFilter& f
     return rows;
 }
 
-RowTexts ReadRowTexts(Session& session, std::int32_t fPK) {
-    RowTexts texts;
-    auto cursor = session.ProgramDb->Select("SELECT fEtx FROM tt WHERE fPK=" + std::to_string(fPK));
-    if (!cursor || !cursor->Next()) return texts;
-    Task task;
-    ReadPayload(task, cry::DecipherField(session.cipher, cursor->Bytes(0)));
-    texts.isPrivate = task.isPrivate;
-    texts.readable = task.readable;
-    texts.task = std::move(task.task);
-    return texts;
-}
-
 int ReadPrivateFlags(Session& session, const TaskFilter& filter, std::vector<TaskRow>& rows) {
-    const auto found = store::PrivateRecords(session, store::Section::Todo, FilterClauses(filter));
+    const auto found = store::PrivateRecords(session, store::Section::Todo, ClausesOf(filter));
     if (!found) return found.error().number;
     for (TaskRow& row : rows)
         row.privacy = found->contains(row.fPK) ? Privacy::Private : Privacy::Public;
@@ -270,7 +258,7 @@ DeleteOutcome DeleteItem(Session& session, std::optional<std::int32_t> key, std:
         session.ports.prompter.Ask(MessageBox(18));
         return {};
     }
-    if (!Confirmed(session, 29, Msg(29) + " \r\n\r\n   " + ToUtf8(task))) return {};
+    if (!Confirmed(session, 29, Msg(29) + " \r\n\r\n   " + std::string(task))) return {};
     return Deleted(session, store::DeleteRow(session, *key));
 }
 

@@ -22,7 +22,7 @@ struct TaskFilter {
 /// What is known of a row's private flag, which lies in the payload.
 enum class Privacy : std::uint8_t { Unread, Public, Private };
 
-/// A row of the list, from the plain columns alone: no deciphering. Text and flag come from `ReadRowTexts`
+/// A row of the list, from the plain columns alone: no deciphering. Text and flag come from `ReadTexts`
 /// when the row is shown.
 struct TaskRow {
     std::int32_t fPK = 0;
@@ -41,20 +41,14 @@ struct TaskRow {
     bool Overdue() const { return pastDue && !completed; }
 };
 
+/// The conditions of the list beside its section.
+std::string ClausesOf(const TaskFilter& filter);
 /// The statement of `showListitems`.
 std::string TaskStatement(const TaskFilter& filter, std::string_view columns = "*");
 
 /// `showListitems`: the rows in standard order. While private records are hidden every payload is tested, in
 /// one batch; otherwise nothing is deciphered.
-Result<std::vector<TaskRow>> ShowListitems(store::Session& session, const TaskFilter& filter);
-
-/// Text and private flag of one row, by one deciphering.
-struct RowTexts {
-    Bytes task;
-    bool isPrivate = true;
-    bool readable = false;
-};
-RowTexts ReadRowTexts(store::Session& session, std::int32_t fPK);
+Result<std::vector<TaskRow>> ListRecords(store::Session& session, const TaskFilter& filter);
 
 /// Sets `privacy` of all rows, in one batch: the column "Priv" cannot be sorted without. 0 or an error
 /// number.

@@ -37,7 +37,7 @@ int TodoModel::Rebuild(const TaskFilter& filter, const std::string& search) {
     filter_ = filter;
     beginResetModel();
     tasks_.clear();
-    auto rows = ShowListitems(session_, filter);
+    auto rows = ListRecords(session_, filter);
     int error = rows ? 0 : rows.error().number;
     if (rows) tasks_ = std::move(*rows);
     if (error == 0 && !search.empty())
@@ -78,13 +78,12 @@ std::int32_t TodoModel::ListedCategory(std::int32_t number) const {
 }
 
 kit::CellTexts TodoModel::ReadTexts(int row) const {
-    // A screen that outlives its database for a moment has nothing to show any more.
-    RowTexts read = session_.ProgramDb ? ReadRowTexts(session_, KeyAt(row)) : RowTexts();
+    Task read = tasks::ReadTexts(session_, KeyAt(row));
     std::vector<QString> texts(3);
     texts[kTask] = read.readable ? kit::ShowWords(read.task) : tr("(cannot be read)");
     texts[kPrivate] = read.isPrivate ? "P" : "";
     texts[kReadable] = read.readable ? "1" : "";
-    WipeMemory(read.task.data(), read.task.size());
+    store::WipeFields(read, kTaskFields);
     return kit::CellTexts(std::move(texts));
 }
 

@@ -37,7 +37,7 @@ class Records : public testing::Test {
         record.n[0] = name;
         record.n[3] = "hunter2 ";
         record.isPrivate = isPrivate;
-        EXPECT_EQ(SaveRecord(store.session, record), 0);
+        EXPECT_EQ(WriteRecord(store.session, record), 0);
         return record;
     }
     std::vector<Bytes> Names(std::int32_t kind) {
@@ -86,7 +86,7 @@ TEST_F(Records, ARecordWithoutANameGetsNoPlaceInTheAlphabet) {
 TEST_F(Records, ARecordThatDoesNotDecodeWholeSaysSo) {
     const Record record = Add(1, "Bank");
     EXPECT_TRUE(FetchRecord(store.session, record.key)->readable);
-    const Bytes whole = EncodeConfidentialRecord(store.session, record);
+    const Bytes whole = kRecords.Encode(record, store.random).payload;
     for (const Bytes& payload : {whole.substr(0, whole.size() - 1), Bytes("\x09\x01\x01"), Bytes()}) {
         store.Set(record.key, "fEtx", cry::FieldCipher(store.session.cipher, 1, payload));
         EXPECT_FALSE(FetchRecord(store.session, record.key)->readable);
@@ -102,13 +102,13 @@ TEST_F(Records, OnlyARenameMovesARecordAndNothingChangesItsKind) {
     const auto before = store.Row(statement);
     record.notes = "changed";
     record.kind = 9;
-    ASSERT_EQ(SaveRecord(store.session, record), 0);
+    ASSERT_EQ(WriteRecord(store.session, record), 0);
     const auto after = store.Row(statement);
     for (const char* column : {"fR1", "fR2", "fG1"})
         EXPECT_EQ(before->Field(column), after->Field(column));
     EXPECT_EQ(Names(1), (std::vector<Bytes>{"Aunt", "Bank"}));
     record.n[0] = "Zoo";
-    ASSERT_EQ(SaveRecord(store.session, record), 0);
+    ASSERT_EQ(WriteRecord(store.session, record), 0);
     EXPECT_EQ(Names(1), (std::vector<Bytes>{"Bank", "Zoo"}));
 }
 

@@ -243,7 +243,7 @@ TEST_F(Classified, TextsAreMeasuredAndLeftToTheByte) {
     record.n[0] = "Bank";
     record.n[1] = "Lane 1\nTown";  // ended as another program does
     record.notes = "a\rb";
-    ASSERT_EQ(SaveRecord(store.session, record), 0);
+    ASSERT_EQ(WriteRecord(store.session, record), 0);
     form->cat_Click(5);
     OnDialog([](QDialog& editor) {
         auto* high = editor.findChild<QPlainTextEdit*>("tmpTxt");

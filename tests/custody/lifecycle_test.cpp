@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "custody/users.h"
+#include "store/privatefilter.h"
 #include "store/record_get.h"
 #include "store/record_put.h"
 #include "support/full_disk.h"

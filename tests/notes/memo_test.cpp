@@ -10,20 +10,20 @@ namespace {
 class Memos : public testing::Test {
   protected:
     Memo Add(const Bytes& subject, bool isPrivate = false, std::int32_t category = 0) {
-        Memo memo = ClearMemo(store.session, category);
+        Memo memo = ClearRecord(store.session, category);
         memo.subject = subject;
         memo.body = "body of " + subject;
         memo.isPrivate = isPrivate;
-        EXPECT_EQ(WriteMemo(store.session, memo), 0);
+        EXPECT_EQ(WriteRecord(store.session, memo), 0);
         return memo;
     }
     std::vector<Bytes> Subjects(std::int32_t category) {
         std::vector<Bytes> subjects;
-        auto rows = ListMemos(store.session, category);
+        auto rows = ListRecords(store.session, category);
         EXPECT_TRUE(rows);
         if (rows)
-            for (const MemoRow& row : *rows)
-                subjects.push_back(MemoSubject(store.session, row.fPK));
+            for (const std::int32_t key : *rows)
+                subjects.push_back(RecordName(store.session, key));
         return subjects;
     }
 
@@ -33,7 +33,7 @@ class Memos : public testing::Test {
 TEST_F(Memos, ComeBackWhole) {
     store.session.user.UserNumber = 4;
     Memo memo = Add("Garden plan", true, 7);
-    const auto back = FetchMemo(store.session, memo.key);
+    const auto back = FetchRecord(store.session, memo.key);
     ASSERT_TRUE(back);
     EXPECT_EQ(back->subject, "Garden plan");
     EXPECT_EQ(back->body, "body of Garden plan");
@@ -42,21 +42,21 @@ TEST_F(Memos, ComeBackWhole) {
     EXPECT_EQ(back->userNumber, 4);
     EXPECT_EQ(DayOf(back->dateCreated), store.clock.Today());
     EXPECT_TRUE(store.session.CalendarDirty);
-    EXPECT_EQ(ClearMemo(store.session, 9999).category, 0);
-    EXPECT_EQ(ClearMemo(store.session, -1).category, 0);
+    EXPECT_EQ(ClearRecord(store.session, 9999).category, 0);
+    EXPECT_EQ(ClearRecord(store.session, -1).category, 0);
 }
 
 TEST_F(Memos, OnesThatDoNotDecodeWholeSaySo) {
     const Memo memo = Add("Garden plan");
-    EXPECT_TRUE(FetchMemo(store.session, memo.key)->readable);
+    EXPECT_TRUE(FetchRecord(store.session, memo.key)->readable);
     Bytes payload(store.session.cipher.FieldPlain.view());
     payload.pop_back();
     store.Set(memo.key, "fEtx", cry::FieldCipher(store.session.cipher, 1, payload));
-    const auto cut = FetchMemo(store.session, memo.key);
+    const auto cut = FetchRecord(store.session, memo.key);
     EXPECT_FALSE(cut->readable);
     EXPECT_EQ(cut->subject, "Garden plan") << "what can be read is read";
     store.session.ProgramDb.reset();
-    EXPECT_FALSE(FetchMemo(store.session, memo.key)) << "a closed database holds none";
+    EXPECT_FALSE(FetchRecord(store.session, memo.key)) << "a closed database holds none";
 }
 
 TEST_F(Memos, ChangingOnlyTheBodyKeepsThePlaceAndTheDayOfMaking) {
@@ -65,16 +65,16 @@ TEST_F(Memos, ChangingOnlyTheBodyKeepsThePlaceAndTheDayOfMaking) {
     const auto before = store.Row(row);
     store.clock.now.serial += 3;
     memo.body = "another";
-    ASSERT_EQ(WriteMemo(store.session, memo), 0);
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
     const auto after = store.Row(row);
     for (const char* column : {"fR1", "fR2", "fT1"})
         EXPECT_EQ(before->Field(column), after->Field(column)) << column;
     EXPECT_EQ(NumberOf(after->Field("AE")), 3);
-    const auto back = FetchMemo(store.session, memo.key);
+    const auto back = FetchRecord(store.session, memo.key);
     ASSERT_TRUE(back);
     EXPECT_EQ(back->dateLastModified.serial - back->dateCreated.serial, 3);
     memo.subject = "Zebra";
-    ASSERT_EQ(WriteMemo(store.session, memo), 0);
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
     EXPECT_NE(store.Row(row)->Field("fR2"), after->Field("fR2"));
 }
 
@@ -85,7 +85,7 @@ TEST_F(Memos, PrivateOnesAreHiddenAndTheOpenListOpensNoPayload) {
     EXPECT_TRUE(Subjects(3).empty());
     store.session.ShowPrivate = true;
     const std::uint64_t before = store.session.cipher.deciphered;
-    ASSERT_TRUE(ListMemos(store.session, -1));
+    ASSERT_TRUE(ListRecords(store.session, -1));
     EXPECT_EQ(store.session.cipher.deciphered, before);
     EXPECT_EQ(Subjects(-1), (std::vector<Bytes>{"Alpha", "Beta"}));
     EXPECT_EQ(Subjects(3), (std::vector<Bytes>{"Alpha"}));
@@ -102,22 +102,22 @@ TEST_F(Memos, DeletingHonoursTheFilterAndLeavesOtherSections) {
     (*table)->SetField("fG1", 3);
     ASSERT_EQ((*table)->Update(), 0);
     const std::int32_t task = NumberOf((*table)->Field("fPK"));
-    ASSERT_EQ(DeleteMemos(store.session, 3), 0);
+    ASSERT_EQ(DeleteRecords(store.session, 3), 0);
     EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=14"), 1);
     EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=15"), 1);
 
-    Memo stray = ClearMemo(store.session, 0);
+    Memo stray = ClearRecord(store.session, 0);
     stray.key = task;
-    EXPECT_EQ(WriteMemo(store.session, stray), -16);
+    EXPECT_EQ(WriteRecord(store.session, stray), -16);
     EXPECT_EQ(store.Count("SELECT fPK FROM tt WHERE fSec=14"), 1);
-    EXPECT_FALSE(FetchMemo(store.session, task));
+    EXPECT_FALSE(FetchRecord(store.session, task));
 }
 
 TEST_F(Memos, ARowThatVanishedBehindTheEditorIsAddedAnew) {
     Memo memo = Add("Gone");
     ASSERT_EQ(store::DeleteRow(store.session, memo.key), 0);
     const std::int32_t old = memo.key;
-    ASSERT_EQ(WriteMemo(store.session, memo), 0);
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
     EXPECT_NE(memo.key, old);
     EXPECT_EQ(Subjects(-1), (std::vector<Bytes>{"Gone"}));
 }
@@ -130,9 +130,9 @@ TEST_F(Memos, ABulkAddMergesWithWhatStands) {
     memos[0].subject = "Ab3";
     memos[1].subject = "Ab1";
     memos[2].subject = "Ab5";
-    ASSERT_EQ(AddMemos(store.session, memos), 0);
+    ASSERT_EQ(AddRecords(store.session, memos), 0);
     EXPECT_EQ(Subjects(-1), (std::vector<Bytes>{"Ab1", "Ab2", "Ab3", "Ab4", "Ab5"}));
-    EXPECT_EQ(FetchMemo(store.session, memos[1].key)->subject, "Ab1");
+    EXPECT_EQ(FetchRecord(store.session, memos[1].key)->subject, "Ab1");
 }
 
 }  // namespace

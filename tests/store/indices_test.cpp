@@ -123,20 +123,20 @@ TEST(BucketSearch, FindsThePlaceWithinItsLimitHoweverTheTextsAreSpread) {
 class Order : public testing::Test {
   protected:
     std::int32_t Save(std::int32_t key, const Bytes& subject) {
-        notes::Memo memo = notes::ClearMemo(store.session, 0);
+        notes::Memo memo = notes::ClearRecord(store.session, 0);
         memo.key = key;
         memo.subject = subject;
-        EXPECT_EQ(notes::WriteMemo(store.session, memo), 0);
+        EXPECT_EQ(notes::WriteRecord(store.session, memo), 0);
         return memo.key;
     }
     /// Keys in reading order, and what their texts say of it.
     void ExpectOrdered(const std::map<std::int32_t, Bytes>& texts) {
-        auto rows = notes::ListMemos(store.session, -1);
+        auto rows = notes::ListRecords(store.session, -1);
         ASSERT_TRUE(rows);
         ASSERT_EQ(rows->size(), texts.size());
         std::map<std::int32_t, Bytes> lastOfBucket;
-        for (const notes::MemoRow& row : *rows) {
-            const Bytes& text = texts.at(row.fPK);
+        for (const std::int32_t key : *rows) {
+            const Bytes& text = texts.at(key);
             Bytes& last = lastOfBucket[BucketBounds(text).low];
             EXPECT_LE(last, Bytes(TrimBlanks(text)));
             last = Bytes(TrimBlanks(text));
@@ -198,7 +198,7 @@ TEST_F(Order, ASaveDeciphersNoMoreThanTheHalvingNeeds) {
     std::vector<notes::Memo> memos(500);
     for (std::size_t i = 0; i < memos.size(); ++i)
         memos[i].subject = "Ab" + std::to_string(i * 7919 % 500);
-    ASSERT_EQ(notes::AddMemos(store.session, memos), 0);
+    ASSERT_EQ(notes::AddRecords(store.session, memos), 0);
     EXPECT_TRUE(FindDisorder(store.session, Section::Memo).empty());
     for (const char* subject : {"Ab250x", "Aa", "Ab9999"}) {
         const std::uint64_t before = store.session.cipher.deciphered;

@@ -1,5 +1,7 @@
 #include "store/record_get.h"
 
+#include "store/privatefilter.h"
+
 #include <gtest/gtest.h>
 
 #include "support/data.h"

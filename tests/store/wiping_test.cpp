@@ -91,7 +91,7 @@ TEST(Wiping, NothingOfAConfidentialRecordEither) {
     record.n[3] = kSecret;
     record.notes = Bytes(5000, 'n') + Bytes(kSecret);
     int error = 0;
-    EXPECT_EQ(LeftBehind([&] { error = confidential::SaveRecord(sitting.session, record); }), 0);
+    EXPECT_EQ(LeftBehind([&] { error = confidential::WriteRecord(sitting.session, record); }), 0);
     EXPECT_EQ(error, 0);
     EXPECT_EQ(LeftBehind([&] {
                   auto fetched = confidential::FetchRecord(sitting.session, record.key);

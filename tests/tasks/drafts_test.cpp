@@ -64,9 +64,9 @@ TEST(TaskDrafts, WhatIsHalfWrittenComesBackThroughADraft) {
     });
     form->OpenDraft(drafts[0]);
     EXPECT_EQ(settled.count(), 1);
-    const auto task = LoadSelected(db.session, key);
+    const auto task = FetchRecord(db.session, key);
     ASSERT_TRUE(task);
-    EXPECT_EQ(task->task, "paint the d\xF3or") << "typed on, not over what was there";
+    EXPECT_EQ(task->task, "paint the d\xC3\xB3or") << "typed on, not over what was there";
     EXPECT_EQ(task->note, "old\nends");
     EXPECT_EQ(task->priority, Priority::Low);
     EXPECT_FALSE(task->isPrivate);

@@ -52,7 +52,7 @@ struct FormTodo : testing::Test {
         QCoreApplication::processEvents();
     }
     QAction& Entry(const char* name) { return Named<QAction>(*form, name); }
-    Task Stored(std::int32_t key) { return LoadSelected(db.session, key).value(); }
+    Task Stored(std::int32_t key) { return FetchRecord(db.session, key).value(); }
     QString Sentence() {
         auto& empty = Named<kit::EmptyState>(*form, "emptyState");
         return empty.isVisible() ? empty.Sentence() : QString();

@@ -234,10 +234,10 @@ TEST_F(FormTodo, CategoriesFilterAndAreEditedFromHere) {
 }
 
 TEST_F(FormTodo, SearchNarrowsToWhatTheListShows) {
-    Add("Call the M\xFCllers");
-    Add("other", [](Task& t) { t.note = "m\xFCller"; });
+    Add("Call the M\xC3\xBCllers");
+    Add("other", [](Task& t) { t.note = "m\xC3\xBCller"; });
     Add("dated", [&](Task& t) { t.hasDueDate = true, t.dueDate = today; });
-    Add("hidden m\xFCller", [](Task& t) { t.isPrivate = true; });
+    Add("hidden m\xC3\xBCller", [](Task& t) { t.isPrivate = true; });
     Open();
     form->SetSearch("MÜLLER");
     EXPECT_EQ(Shown(), QStringList{"Call the Müllers"}) << "notes and hidden rows are not searched";

@@ -31,7 +31,7 @@ struct TaskStore : test::TempStore {
 
 Task Sample() {
     Task task;
-    task.task = "Apples & pears \xE9";
+    task.task = "Apples & pears \xC3\xA9";
     task.note = "two lines\r\nof note ";
     task.isPrivate = true;
     task.priority = Priority::Low;
@@ -67,7 +67,7 @@ TEST(TaskRecord, IsStoredAndReadBack) {
     EXPECT_EQ(number("fF1"), 1);
     EXPECT_EQ(number("fF2"), 1);
     EXPECT_EQ(number("fF3"), 0);
-    EXPECT_EQ(cry::FieldCipher(store.session.cipher, 2, TextOf(row->Field("fT1"))), task.task);
+    EXPECT_EQ(cry::FieldCipher(store.session.cipher, 2, TextOf(row->Field("fT1"))), ToBytes(task.task));
     for (const char* noise : {"fT2", "fT3"})
         EXPECT_TRUE(TextOf(row->Field(noise)).size() % 8 == 0 && TextOf(row->Field(noise)).size() >= 8);
     EXPECT_GT(number("fR4"), 0);
@@ -75,9 +75,9 @@ TEST(TaskRecord, IsStoredAndReadBack) {
     const auto& cipher = store.session.cipher;
     cry::FieldCipher(store.session.cipher, 2, TextOf(row->Field("fEtx")));
     EXPECT_EQ(ToHex(cipher.FieldPlain.view()),
-              "000a10" + ToHex(task.task) + "010c13" + ToHex(task.note) + "020101" + "030207");
+              "000a10" + ToHex(*ToBytes(task.task)) + "010c13" + ToHex(task.note) + "020101" + "030207");
 
-    const auto back = LoadSelected(store.session, task.key);
+    const auto back = FetchRecord(store.session, task.key);
     ASSERT_TRUE(back);
     EXPECT_EQ(back->task, task.task);
     EXPECT_EQ(back->note, task.note);
@@ -129,7 +129,7 @@ TEST(TaskRecord, AKeyOfAnotherSectionIsNotTouched) {
     EXPECT_EQ(WriteRecord(store.session, task).error, -16);
     EXPECT_FALSE(store.session.CalendarDirty);
     EXPECT_EQ(TextOf(store.RowOf(task.key)->Field("fT1")), "memo");
-    EXPECT_FALSE(LoadSelected(store.session, task.key));
+    EXPECT_FALSE(FetchRecord(store.session, task.key));
 }
 
 TEST(TaskRecord, EditingAVanishedRowAdds) {
@@ -153,7 +153,7 @@ TEST(TaskRecord, WhatDoesNotDecodeIsLeftAlone) {
     const std::int32_t key = store.Add(Sample());
     const Bytes noise(74, 'x');
     store.Damage(key, noise);
-    auto task = LoadSelected(store.session, key);
+    auto task = FetchRecord(store.session, key);
     ASSERT_TRUE(task);
     EXPECT_FALSE(task->readable);
     EXPECT_TRUE(task->isPrivate);
@@ -162,14 +162,14 @@ TEST(TaskRecord, WhatDoesNotDecodeIsLeftAlone) {
     EXPECT_EQ(SetCompleted(store.session, key, true).error, 0);
     const auto row = store.RowOf(key);
     EXPECT_EQ(TextOf(row->Field("fEtx")), noise);
-    EXPECT_EQ(cry::FieldCipher(store.session.cipher, 2, TextOf(row->Field("fT1"))), Sample().task);
+    EXPECT_EQ(cry::FieldCipher(store.session.cipher, 2, TextOf(row->Field("fT1"))), ToBytes(Sample().task));
     EXPECT_EQ(NumberOf(row->Field("fF2")), 1);
     EXPECT_EQ(NumberOf(row->Field("fF3")), 1);
 
-    task = LoadSelected(store.session, key);
+    task = FetchRecord(store.session, key);
     EditorToRecord({.task = "typed anew"}, *task);
     EXPECT_EQ(WriteRecord(store.session, *task).error, 0);
-    EXPECT_EQ(LoadSelected(store.session, key)->task, "typed anew");
+    EXPECT_EQ(FetchRecord(store.session, key)->task, "typed anew");
 }
 
 TEST(TaskRecord, NoKeysNoStore) {
@@ -181,7 +181,7 @@ TEST(TaskRecord, NoKeysNoStore) {
     store.session.cipher.Keystring.Wipe();
     EXPECT_NE(WriteRecord(store.session, task).error, 0);
     EXPECT_EQ(store.RowOf(key)->Field("fEtx"), before);
-    EXPECT_EQ(LoadSelected(store.session, key)->task, "");
+    EXPECT_EQ(FetchRecord(store.session, key)->task, "");
 }
 
 TEST(TaskPriority, ReadsBackOneMoreAtTheTopOfItsSlot) {
@@ -225,8 +225,8 @@ TEST(TaskCheckBox, TicksOnceAndRebuildsOnlyWhenUnticked) {
     EXPECT_FALSE(outcome.rebuild);
     ASSERT_TRUE(outcome.record);
     EXPECT_EQ(outcome.record->completedDate, Day{46347});
-    EXPECT_TRUE(LoadSelected(store.session, key)->completed);
-    EXPECT_EQ(LoadSelected(store.session, key)->completedDate, Day{46347});
+    EXPECT_TRUE(FetchRecord(store.session, key)->completed);
+    EXPECT_EQ(FetchRecord(store.session, key)->completedDate, Day{46347});
 
     const Value stored = store.RowOf(key)->Field("fEtx");
     store.clock.now = {46350};
@@ -236,7 +236,7 @@ TEST(TaskCheckBox, TicksOnceAndRebuildsOnlyWhenUnticked) {
     outcome = SetCompleted(store.session, key, false);
     EXPECT_TRUE(outcome.rebuild);
     EXPECT_EQ(outcome.record->completedDate, Day{});
-    EXPECT_FALSE(LoadSelected(store.session, key)->completed);
+    EXPECT_FALSE(FetchRecord(store.session, key)->completed);
     EXPECT_EQ(store::DeleteRow(store.session, key), 0);
     outcome = SetCompleted(store.session, key, true);
     EXPECT_TRUE(outcome.rebuild);

@@ -23,14 +23,14 @@ struct ListStore : test::TempStore {
         return task.key;
     }
     std::vector<TaskRow> Rows(const TaskFilter& filter = {.showCompleted = true}) {
-        auto rows = ShowListitems(session, filter);
+        auto rows = ListRecords(session, filter);
         EXPECT_TRUE(rows);
         return rows ? std::move(*rows) : std::vector<TaskRow>();
     }
     std::vector<Bytes> Texts(const std::vector<TaskRow>& rows) {
         std::vector<Bytes> texts;
         for (const TaskRow& row : rows)
-            texts.push_back(ReadRowTexts(session, row.fPK).task);
+            texts.push_back(ReadTexts(session, row.fPK).task);
         return texts;
     }
 };
@@ -85,7 +85,7 @@ TEST(TaskList, StandardOrder) {
     // The packed key sorts as the told text does.
     std::string last;
     for (const TaskRow& row : rows) {
-        const std::string key = SortKey(*LoadSelected(store.session, row.fPK), kToday);
+        const std::string key = SortKey(*FetchRecord(store.session, row.fPK), kToday);
         EXPECT_LE(last, key);
         last = key;
     }
@@ -118,7 +118,7 @@ TEST(TaskList, DeciphersOnlyWhatIsAskedFor) {
     auto rows = store.Rows();
     EXPECT_EQ(rows.size(), 40U);
     EXPECT_EQ(store.session.cipher.deciphered, start);
-    ReadRowTexts(store.session, rows[0].fPK);
+    ReadTexts(store.session, rows[0].fPK);
     EXPECT_EQ(store.session.cipher.deciphered, start + 1);
 
     EXPECT_EQ(ReadPrivateFlags(store.session, {.showCompleted = true}, rows), 0);
@@ -128,7 +128,7 @@ TEST(TaskList, DeciphersOnlyWhatIsAskedFor) {
     SortRows(rows, SortOrderOfColumn(4), {}, {});
     for (std::size_t i = 0; i < rows.size(); ++i) {
         EXPECT_EQ(SubItemText(rows[i], SubItem::Private, {}, {}), i < 10 ? "P" : "");
-        EXPECT_EQ(ReadRowTexts(store.session, rows[i].fPK).isPrivate, i < 10);
+        EXPECT_EQ(ReadTexts(store.session, rows[i].fPK).isPrivate, i < 10);
     }
 }
 
@@ -154,7 +154,7 @@ TEST(TaskList, HidesPrivateRowsAndThoseThatCannotBeRead) {
     EXPECT_EQ(rows[0].privacy, Privacy::Public);
     store.session.ShowPrivate = true;
     EXPECT_EQ(store.Rows().size(), 4U);
-    EXPECT_FALSE(ReadRowTexts(store.session, damaged).readable);
+    EXPECT_FALSE(ReadTexts(store.session, damaged).readable);
 }
 
 TEST(TaskList, TestsMoreRowsThanOneBatchHolds) {
@@ -248,13 +248,13 @@ TEST(TaskList, ReadsAFileOfAnotherProgram) {
     ASSERT_EQ(sitting.Open(), 0);
     const LocaleFacts iso;
     const auto categories = store::FillCategories(sitting.session, store::Section::Todo, true, true, true);
-    const auto rows = ShowListitems(sitting.session, {.showCompleted = true});
+    const auto rows = ListRecords(sitting.session, {.showCompleted = true});
     ASSERT_TRUE(rows);
     std::vector<std::vector<std::string>> shown;
     for (const TaskRow& row : *rows) {
-        const auto task = LoadSelected(sitting.session, row.fPK);
+        const auto task = FetchRecord(sitting.session, row.fPK);
         ASSERT_TRUE(task && task->readable);
-        shown.push_back({ToUtf8(task->task), ToUtf8(task->note), task->isPrivate ? "P" : ""});
+        shown.push_back({task->task, task->note, task->isPrivate ? "P" : ""});
         for (const int subItem : {SubItem::DueDate, SubItem::Priority, SubItem::Category, SubItem::ExecDate})
             shown.back().push_back(SubItemText(row, subItem, categories, iso));
     }
@@ -273,11 +273,11 @@ TEST(TaskList, ReadsAFileOfAnotherProgram) {
 
 TEST(TaskDeletes, OneAsksByName) {
     ListStore store;
-    const std::int32_t key = store.Add(Named("pears \xE9"));
+    const std::int32_t key = store.Add(Named("pears \xC3\xA9"));
     store.prompter.Expect(18);
     EXPECT_FALSE(DeleteItem(store.session, std::nullopt, "").rebuild);
     store.prompter.Expect(29, Answer::Cancel);
-    EXPECT_FALSE(DeleteItem(store.session, key, "pears \xE9").rebuild);
+    EXPECT_FALSE(DeleteItem(store.session, key, "pears \xC3\xA9").rebuild);
     EXPECT_EQ(store.Rows().size(), 1U);
     const Box& box = store.prompter.shown.back();
     EXPECT_EQ(box.text, "Confirm deletion of task: \r\n\r\n   pears \xC3\xA9");

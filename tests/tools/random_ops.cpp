@@ -47,11 +47,11 @@ class Player {
 
     void Compare() {
         session_.ShowPrivate = true;
-        auto listed = notes::ListMemos(session_, store::Category::All);
+        auto listed = notes::ListRecords(session_, store::Category::All);
         if (!listed || listed->size() != memos_.size())
             throw Failure("the memos listed are not those stored");
         for (const Memo& memo : memos_) {
-            const auto read = notes::FetchMemo(session_, memo.key);
+            const auto read = notes::FetchRecord(session_, memo.key);
             if (!read || !read->readable || read->subject != memo.subject || read->body != memo.body ||
                 read->category != memo.category || read->isPrivate != memo.isPrivate)
                 throw Failure("memo " + std::to_string(memo.key) + " is not what was stored");
@@ -79,14 +79,16 @@ class Player {
     int Draw(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
 
     /// Crowded on purpose: half of the names share their first letters, some are equal, some empty.
-    Bytes Name() {
-        static constexpr std::array<std::string_view, 6> kHeads = {"Ab", "Mo", "mo", "\xC4p", "9 ", " b"};
-        Bytes name(Draw(2) == 0 ? kHeads[static_cast<std::size_t>(Draw(6))] : std::string_view());
+    Words Name() {
+        static constexpr std::array<std::string_view, 9> kHeads = {"Ab", "Mo", "mo", "Äp", "9 ",
+                                                                   " b", "Łó", "Μο", "🎉"};
+        Words name(Draw(2) == 0 ? kHeads[static_cast<std::size_t>(Draw(9))] : std::string_view());
         for (int i = Draw(9); i > 0; --i)
-            name += ByteChar(static_cast<unsigned>(Draw(12) == 0 ? 0xC0 + Draw(64) : 'A' + Draw(58)));
+            name += Draw(12) == 0 ? ToUtf8(Bytes(1, ByteChar(static_cast<unsigned>(0xC0 + Draw(64)))))
+                                  : Words(1, static_cast<char>('A' + Draw(58)));
         return name;
     }
-    Bytes Text() { return Bytes(static_cast<std::size_t>(Draw(8) == 0 ? Draw(3000) : Draw(60)), 'x'); }
+    Words Text() { return Words(static_cast<std::size_t>(Draw(8) == 0 ? Draw(3000) : Draw(60)), 'x'); }
 
     template <class T>
     T& Any(std::vector<T>& all) {
@@ -107,12 +109,12 @@ class Player {
         const int what = memos_.empty() ? 0 : Draw(10);
         if (what == 9) return Remove(memos_);
         Memo* old = what < 5 ? nullptr : &Any(memos_);
-        Memo memo = old ? *old : notes::ClearMemo(session_, 0);
+        Memo memo = old ? *old : notes::ClearRecord(session_, 0);
         if (what < 7) memo.subject = Name();
         if (!old || what == 7) memo.body = Text();
         if (!old || what == 8) memo.category = Draw(kCategories);
         memo.isPrivate = Draw(10) == 0;
-        Check(notes::WriteMemo(session_, memo));
+        Check(notes::WriteRecord(session_, memo));
         Keep(memos_, old, std::move(memo));
     }
 
@@ -126,7 +128,7 @@ class Player {
         if (!old || what > 6) record.n[static_cast<std::size_t>(1 + Draw(4))] = Name();
         if (!old || what == 7) record.notes = Text();
         record.isPrivate = Draw(10) == 0;
-        Check(confidential::SaveRecord(session_, record));
+        Check(confidential::WriteRecord(session_, record));
         Keep(records_, old, std::move(record));
     }
 

@@ -1,0 +1,53 @@
+#include "notes/section.h"
+
+#include "notes/memo.h"
+
+namespace bmr::notes {
+namespace {
+
+constexpr auto kRules = store::RulesOf(kMemoFields);
+
+std::string Clauses(const store::ListRequest& request) {
+    return store::CategoryClause(request.group);
+}
+
+Result<std::vector<std::int32_t>> List(store::Session& session, const store::ListRequest& request) {
+    return ListRecords(session, request.group);
+}
+
+Result<std::int32_t> Add(store::Session& session, const store::NewRecord& given) {
+    Memo memo = ClearRecord(session, given.group);
+    memo.isPrivate = given.isPrivate;
+    if (auto problem = store::SetFields(store::SlotsOf(memo, kMemoFields), given); !problem.empty())
+        return Error{0, std::move(problem)};
+    if (memo.subject.empty()) return Error{0, "Subject is required."};
+    if (const int error = WriteRecord(session, memo)) return Error{error, {}};
+    return memo.key;
+}
+
+constexpr store::FieldOption kOptions[] = {{"--subject", "Subject", "the subject in one line"},
+                                           {"--body", "Memo", "the text"}};
+
+constexpr store::SectionFacts kSections[] = {
+    {.code = store::Section::Memo,
+     .command = "memo",
+     .title = "Memo",
+     .name = "Memo Pad",
+     .icon = "view-pim-notes",
+     .lastCategory = 2,
+     .privateField = 1,
+     .fields = kRules,
+     .order = &kMemos,
+     .clauses = Clauses,
+     .list = List,
+     .add = Add,
+     .options = kOptions},
+};
+
+}  // namespace
+
+std::span<const store::SectionFacts> Sections() {
+    return kSections;
+}
+
+}  // namespace bmr::notes

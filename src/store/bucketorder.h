@@ -20,10 +20,17 @@ struct BucketOrder {
     std::map<std::pair<std::uint8_t, std::int32_t>, std::vector<BucketRow>>
         buckets;  ///< by section and low bound
     std::int64_t changes = -1;
+    BucketRow* added = nullptr;  ///< a row that has its place before it is written, until its key is known
 
     void Clear() {
         buckets.clear();
         changes = -1;
+        added = nullptr;
+    }
+    /// The row that has just been added has got this key.
+    void Name(std::int32_t fPK) {
+        if (added != nullptr) added->fPK = fPK;
+        added = nullptr;
     }
     /// The file was written to between the two counts, and every remembered place still holds, or is put
     /// right by the caller before the next save.

@@ -36,10 +36,10 @@ Result<std::vector<BucketRow>> ReadBucket(engine::Database& db, std::uint8_t sec
 
 /// The rows of the text's bucket without `own`, from memory where the memory still holds.
 Result<std::vector<BucketRow>*> OrderedBucket(Session& session, std::uint8_t section,
-                                              const SpreadRange& bounds, std::int32_t own, bool added) {
+                                              const SpreadRange& bounds, std::int32_t own) {
     BucketOrder& order = session.bucketOrder;
     if (order.changes < 0 || session.ProgramDb->ChangeCount() != order.changes) order.Clear();
-    if (!added) order.Forget(own);
+    if (own != kNewRecord) order.Forget(own);
     const auto found = order.buckets.find({section, bounds.low});
     if (found != order.buckets.end()) return &found->second;
     auto rows = ReadBucket(*session.ProgramDb, section, bounds);
@@ -61,12 +61,12 @@ std::vector<Bytes> TextsOfRows(Session& session, const std::vector<BucketRow>& r
     return texts;
 }
 
-int WritePosition(engine::Recordset& table, std::int32_t fPK, std::int32_t position, bool mark) {
+int WritePosition(engine::Recordset& table, std::int32_t fPK, std::int32_t position) {
     if (const int error = table.FindFirst("fPK=?", {fPK})) return error;
     if (table.NoMatch()) return MessageNumber::NoRecord;
     table.Edit();
     table.SetField("fR1", position);
-    if (mark) table.SetField("AE", NumberOf(table.Field("AE")) | 2);
+    table.SetField("AE", NumberOf(table.Field("AE")) | 2);
     return table.Update();
 }
 
@@ -77,20 +77,19 @@ std::int32_t EvenPosition(std::size_t place, std::size_t count, const SpreadRang
         .value;
 }
 
-/// Spreads the rows of a bucket evenly and writes each; `own` is new and carries its mark already. Rows at 0
-/// at its front stay: confidential records without a name never get a place.
+/// Spreads the rows of a bucket evenly and writes each but the one at `own`. Rows at 0 at its front stay:
+/// confidential records without a name never get a place.
 int RespreadBucket(Session& session, std::vector<BucketRow>& rows, const SpreadRange& bounds,
-                   std::int32_t own) {
+                   std::size_t own) {
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
     bool atFront = true;
     for (std::size_t place = 0; place < rows.size(); ++place) {
-        atFront = atFront && rows[place].fPK != own && rows[place].position == 0;
+        atFront = atFront && place != own && rows[place].position == 0;
         if (atFront) continue;
         rows[place].position = EvenPosition(place, rows.size(), bounds, session.ports.random);
-        const bool mark = rows[place].fPK != own;
-        if (const int error = WritePosition(**table, rows[place].fPK, rows[place].position, mark); error != 0)
-            return error;
+        if (place == own) continue;
+        if (const int error = WritePosition(**table, rows[place].fPK, rows[place].position)) return error;
     }
     return 0;
 }
@@ -164,11 +163,11 @@ std::optional<std::int32_t> PositionBetween(const std::vector<BucketRow>& rows, 
     return static_cast<std::int32_t>(low + offset);
 }
 
-int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK, std::string_view text,
-                   bool added) {
+int BucketPosition(Session& session, std::uint8_t section, engine::Recordset& row, std::string_view text) {
     const std::string_view plain = TrimBlanks(text);
     const SpreadRange bounds = BucketBounds(plain);
-    auto ordered = OrderedBucket(session, section, bounds, fPK, added);
+    const std::int32_t own = NumberOf(row.Field("fPK"), kNewRecord);
+    auto ordered = OrderedBucket(session, section, bounds, own);
     if (!ordered) return ordered.error().number;
     std::vector<BucketRow>& rows = **ordered;
 
@@ -176,20 +175,15 @@ int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK, std
         return TextsOfRows(session, rows, places);
     });
     const auto position = PositionBetween(rows, place, bounds, session.ports.random);
-    rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), {fPK, position.value_or(0)});
-
-    int error = 0;
-    if (position) {
-        auto table = session.ProgramDb->OpenRecordset("tt");
-        error = table ? WritePosition(**table, fPK, *position, false) : table.error().number;
-    } else {
-        error = RespreadBucket(session, rows, bounds, fPK);
-    }
-    if (error != 0)
-        session.bucketOrder.Clear();
-    else
-        session.bucketOrder.changes = session.ProgramDb->ChangeCount();
-    return error;
+    const auto here =
+        rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), {own, position.value_or(0)});
+    if (!position)
+        if (const int error = RespreadBucket(session, rows, bounds, place)) return error;
+    row.SetField("fR2", BucketKey(plain, session.ports.random));
+    row.SetField("fR1", here->position);
+    session.bucketOrder.changes = session.ProgramDb->ChangeCount();
+    if (own == kNewRecord) session.bucketOrder.added = &*here;
+    return 0;
 }
 
 int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Bytes>& texts,
@@ -215,7 +209,7 @@ int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Byte
             if (row.fPK == kNewRecord)
                 positions[row.index] = position;
             else if (!nameless)
-                error = WritePosition(**table, row.fPK, position, true);
+                error = WritePosition(**table, row.fPK, position);
             if (error != 0) return error;
         }
     }

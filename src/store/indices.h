@@ -42,12 +42,11 @@ std::int32_t BucketKey(std::string_view text, RandomSource& random);
 std::optional<std::int32_t> PositionBetween(const std::vector<BucketRow>& rows, std::size_t place,
                                             const SpreadRange& bounds, RandomSource& random);
 
-/// Gives the stored row `fPK` its position by its text and writes it (`fR1`) in an update of its own; where
-/// there is no room, the whole bucket is spread anew, each rewritten row with `AE Or 2`. Call it inside the
-/// transaction that wrote the row's fT1 and fR2; `added` tells that it wrote a new row. 0, `NoRecord` when
-/// the row is gone, or the engine's number.
-[[nodiscard]] int BucketPosition(Session& session, std::uint8_t section, std::int32_t fPK,
-                                 std::string_view text, bool added);
+/// Sets the place of a row in AddNew or Edit by its text: fR2 to a value of its bucket, fR1 to its position
+/// there. Where there is no room, the other rows of the bucket are spread anew, each with `AE Or 2`. For the
+/// `fill` of `StoreRow`, as the bucket is remembered with this row in it. 0 or the engine's number.
+[[nodiscard]] int BucketPosition(Session& session, std::uint8_t section, engine::Recordset& row,
+                                 std::string_view text);
 
 /// Positions (fR1) for many new rows at once, one for each of `texts`, before they are added: every bucket
 /// that gets one is merged with the rows that stand there (their texts deciphered in one batch), spread

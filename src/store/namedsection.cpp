@@ -36,7 +36,8 @@ int FillRow(Session& session, const NamedOrder& order, const EncodedRecord& reco
     row.SetField("fEtx", ciphered.front());
     if (added || !order.fixedGroup) row.SetField("fG1", group);
     if (change.written) row.SetField("fT1", ciphered.back());
-    if (change.moved) row.SetField("fR2", BucketKey(record.column, session.ports.random));
+    if (change.moved)
+        if (const int error = BucketPosition(session, order.section, row, record.column)) return error;
     FillColumns(row, kNoise, session.ports.random);
     return 0;
 }
@@ -50,15 +51,11 @@ Touched TouchOf(const Session& session, DateValue given) {
 
 int StoreEncoded(Session& session, const NamedOrder& order, std::int32_t& key, const EncodedRecord& record,
                  std::int32_t group) {
-    NameChange change;
-    const auto fill = [&](engine::Recordset& row, bool added) {
-        change = ChangeOf(session, order, record, row, added);
-        return FillRow(session, order, record, group, change, row, added);
-    };
-    const auto place = [&](std::int32_t fPK, bool added) {
-        return change.moved ? BucketPosition(session, order.section, fPK, record.column, added) : 0;
-    };
-    const StoreOutcome outcome = StoreRow(session, order.section, key, fill, place);
+    const StoreOutcome outcome =
+        StoreRow(session, order.section, key, [&](engine::Recordset& row, bool added) {
+            return FillRow(session, order, record, group, ChangeOf(session, order, record, row, added), row,
+                           added);
+        });
     if (outcome.error == 0) key = outcome.fPK;
     return outcome.error;
 }

@@ -18,8 +18,7 @@ constexpr NoiseColumns kAllColumns = {
 }  // namespace
 
 StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
-                      const std::function<int(engine::Recordset& row, bool added)>& fill,
-                      const std::function<int(std::int32_t fPK, bool added)>& after) {
+                      const std::function<int(engine::Recordset& row, bool added)>& fill) {
     StoreOutcome outcome;
     const auto fail = [&outcome, &session](int error) {
         session.bucketOrder.Clear();  // it may know of rows that are being rolled back
@@ -31,7 +30,6 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
     auto opened = session.ProgramDb->OpenRecordset("tt");
     if (!opened) return fail(opened.error().number);
     engine::Recordset& row = **opened;
-    const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
 
     outcome.added = true;
     if (key != kNewRecord) {
@@ -47,12 +45,12 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
     if (const int error = fill(row, outcome.added)) return fail(error);
     row.SetField("fSec", std::int32_t{section});
     MarkChange(row, outcome.added);
+    const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
     if (const int error = row.Update(1, 0)) return fail(error);
     outcome.fPK = NumberOf(row.Field("fPK"));
-    // A row that has a new place in the alphabet gets it from `after`.
+    // `fill` has told of the place that the row takes in the alphabet.
+    session.bucketOrder.Name(outcome.fPK);
     session.bucketOrder.Passed(changesBefore, session.ProgramDb->ChangeCount());
-    if (after)
-        if (const int error = after(outcome.fPK, outcome.added)) return fail(error);
     if (const int error = transaction.Commit()) return fail(error);
     return outcome;
 }

@@ -27,11 +27,10 @@ struct StoreOutcome {
 
 /// `writeRecord`: finds the row of `key`, adds one when there is none, lets `fill` set the columns (fEtx,
 /// fT1, ...) and keeps fSec and the change marks itself (AE Or 1 on an add, Or 2 on an edit). `fill` gets the
-/// row in AddNew or Edit and tells 0 or an error number, which stops the store. `after`, if given, runs in
-/// the same transaction once the row stands, with its key. One transaction; on an error nothing is changed.
+/// row in AddNew or Edit and tells 0 or an error number, which stops the store; it may write other rows. One
+/// transaction; on an error nothing is changed.
 StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
-                      const std::function<int(engine::Recordset& row, bool added)>& fill,
-                      const std::function<int(std::int32_t fPK, bool added)>& after = nullptr);
+                      const std::function<int(engine::Recordset& row, bool added)>& fill);
 
 /// The row of a key; null when it is gone or belongs to another section, or when the database was closed
 /// meanwhile. An engine number where it could not be looked for.

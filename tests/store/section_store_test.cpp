@@ -14,15 +14,11 @@ namespace {
 using test::TempStore;
 
 /// Stores a row of the memo pad with `text` in fT1.
-StoreOutcome StoreMemo(TempStore& store, std::int32_t key, const Bytes& text, int fillError = 0,
-                       int afterError = 0) {
-    return StoreRow(
-        store.session, Section::Memo, key,
-        [&](engine::Recordset& row, bool) {
-            row.SetField("fT1", text);
-            return fillError;
-        },
-        [&](std::int32_t, bool) { return afterError; });
+StoreOutcome StoreMemo(TempStore& store, std::int32_t key, const Bytes& text, int fillError = 0) {
+    return StoreRow(store.session, Section::Memo, key, [&](engine::Recordset& row, bool) {
+        row.SetField("fT1", text);
+        return fillError;
+    });
 }
 
 std::unique_ptr<engine::Recordset> RowOf(TempStore& store, std::int32_t key) {
@@ -58,8 +54,13 @@ TEST(StoreRow, ARefusalChangesNothing) {
     TempStore store;
     const std::int32_t key = StoreMemo(store, kNewRecord, "kept").fPK;
     EXPECT_EQ(StoreMemo(store, key, "lost", -7).error, -7);
-    EXPECT_EQ(StoreMemo(store, key, "lost", 0, 3000).error, 3000);
-    EXPECT_EQ(StoreMemo(store, kNewRecord, "lost", 0, 3000).error, 3000);
+    EXPECT_EQ(StoreMemo(store, kNewRecord, "lost", 3000).error, 3000);
+    const auto withOthers = StoreRow(store.session, Section::Memo, key, [&](engine::Recordset& row, bool) {
+        EXPECT_EQ(DeleteRows(store.session, Section::Memo), 0);
+        row.SetField("fT1", Bytes("lost"));
+        return 0;
+    });
+    EXPECT_NE(withOthers.error, 0) << "the row went while it was filled";
     const auto foreign =
         StoreRow(store.session, Section::Todo, key, [](engine::Recordset&, bool) { return 0; });
     EXPECT_EQ(foreign.error, -16);

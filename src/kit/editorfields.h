@@ -5,7 +5,6 @@
 #include <list>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "custody/drafts.h"
 

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
+#include "custody/systemrecord.h"
 #include "recordjson.h"
 #include "recordkinds.h"
 #include "sitting.h"

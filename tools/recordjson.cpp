@@ -8,6 +8,7 @@
 #include "sitting.h"
 #include "store/categories.h"
 #include "store/record_get.h"
+#include "store/startvariables.h"
 #include "store/words.h"
 
 namespace bmr::tools {

@@ -1,8 +1,9 @@
 #include "sitting.h"
 
 #include "base/languageus.h"
-#include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
+#include "custody/openfailure.h"
+#include "custody/passphrase.h"
 
 namespace bmr::tools {
 namespace {

@@ -19,6 +19,8 @@
 #include "app/start.h"
 #include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
+#include "custody/openfailure.h"
+#include "custody/passphrase.h"
 #include "kit/icons.h"
 #include "shell/navigator.h"
 

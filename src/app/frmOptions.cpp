@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include "custody/keyrecords.h"
+#include "custody/passphrase.h"
 #include "kit/failure.h"
 #include "kit/guards.h"
 #include "kit/secretedit.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
 
 namespace bmr::store {
 struct Session;
@@ -38,19 +37,8 @@ int CloseDatabase(store::Session& session);
 /// The caller has closed the section.
 [[nodiscard]] int RepairAndCompact(store::Session& session);
 
-/// Adds or updates the system record (1,3); what its reserved fields hold is kept.
-[[nodiscard]] int WriteSystemRecord(store::Session& session);
-
-/// The version in the system record, 0 when the row is missing or does not decode.
-int ReadDatabaseVersion(store::Session& session);
-
 /// Deletes later copies of section rows with an fT1 that stood before (Null never counts). The number
 /// deleted, or a negative number on an error.
 int RemoveDuplicates(store::Session& session);
-
-/// One plain sentence (UTF-8) for an engine number: why a file could not be opened or written.
-std::string ExplainOpenFailure(int number);
-/// The same in a box.
-void TellOpenFailure(store::Session& session, int number);
 
 }  // namespace bmr::custody

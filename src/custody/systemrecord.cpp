@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 
-#include "custody/lifecycle.h"
 #include "store/record_get.h"
 #include "store/record_put.h"
 #include "store/section_store.h"

@@ -12,6 +12,12 @@ struct Session;
 
 namespace bmr::custody {
 
+/// Adds or updates the system record (1,3); what its reserved fields hold is kept.
+[[nodiscard]] int WriteSystemRecord(store::Session& session);
+
+/// The version in the system record, 0 when the row is missing or does not decode.
+int ReadDatabaseVersion(store::Session& session);
+
 /// Adds the system record (1,3) where there is none; one that stands is left alone. 0 or the engine's number.
 [[nodiscard]] int WriteMissingSystemRecord(store::Session& session);
 

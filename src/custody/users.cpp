@@ -5,7 +5,7 @@
 
 #include "base/errors.h"
 #include "base/languageus.h"
-#include "custody/keyrecords.h"
+#include "custody/passphrase.h"
 #include "store/record_get.h"
 #include "store/record_put.h"
 #include "store/session.h"

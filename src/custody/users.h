@@ -14,7 +14,7 @@ struct Session;
 namespace bmr::custody {
 
 /// Looks for the user row that `PassHash` opens; fills the current user and `MasterKey`. 0, `NoSuchUser`, an
-/// engine number, or `kQuitProgram` (see keyrecords.h) when there is no user row at all, after Msg(96).
+/// engine number, or `kQuitProgram` (see passphrase.h) when there is no user row at all, after Msg(96).
 [[nodiscard]] int FindUser(store::Session& session);
 
 /// The same for the current user's own row alone: two users may share a passphrase.

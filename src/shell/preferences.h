@@ -75,7 +75,7 @@ std::vector<Fault> FaultsOf(const Preferences& chosen);
 
 /// Takes the options into the session and stores them: settings, the user's labels and the PIN record in one
 /// transaction, then the switches. 0; `InputError` for an entry with a fault; `Cancelled` when the database
-/// was closed meanwhile; `store::kQuitProgram`; or the engine's number. Unless it gives 0, session and file
+/// was closed meanwhile; `custody::kQuitProgram`; or the engine's number. Unless it gives 0, session and file
 /// are as before.
 [[nodiscard]] int StorePreferences(store::Session& session, const Preferences& chosen);
 

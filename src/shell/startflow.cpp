@@ -3,8 +3,9 @@
 #include <string>
 
 #include "base/ports.h"
-#include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
+#include "custody/openfailure.h"
+#include "custody/passphrase.h"
 #include "store/session.h"
 
 namespace bmr::shell {

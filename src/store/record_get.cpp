@@ -2,6 +2,7 @@
 
 #include "base/buckets.h"
 #include "crypto/conversion.h"
+#include "store/section.h"
 
 namespace bmr::store {
 namespace {

@@ -12,23 +12,10 @@
 #include "crypto/secret.h"
 #include "engine/db.h"
 #include "store/bucketorder.h"
-#include "store/startvariables.h"
+#include "store/section.h"
+#include "store/settings.h"
 
 namespace bmr::store {
-
-/// Section codes: the same number is a record's fSec. 0 is no section.
-struct Section {
-    static constexpr std::uint8_t None = 0;
-    static constexpr std::uint8_t Address = 11;
-    static constexpr std::uint8_t Calendar = 12;
-    static constexpr std::uint8_t Diary = 13;
-    static constexpr std::uint8_t Memo = 14;
-    static constexpr std::uint8_t Todo = 15;
-    static constexpr std::uint8_t Confidential = 16;
-    static constexpr std::uint8_t Budget1 = 17;
-    static constexpr std::uint8_t Budget2 = 18;
-    static constexpr std::uint8_t Budget3 = 19;
-};
 
 /// The format version that this program writes and the highest that it opens.
 inline constexpr int kDatabaseVersion = 201;

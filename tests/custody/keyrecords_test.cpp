@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "custody/passphrase.h"
 #include "custody/users.h"
 #include "store/record_get.h"
 #include "support/sitting.h"

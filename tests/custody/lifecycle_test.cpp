@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "custody/openfailure.h"
+#include "custody/passphrase.h"
+#include "custody/systemrecord.h"
 #include "custody/users.h"
 #include "store/privatefilter.h"
 #include "store/record_get.h"

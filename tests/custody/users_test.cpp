@@ -1,5 +1,7 @@
 #include "custody/users.h"
 
+#include "custody/keyrecords.h"
+#include "custody/passphrase.h"
 #include "support/data.h"
 #include "support/sitting.h"
 

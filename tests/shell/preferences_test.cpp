@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "custody/passphrase.h"
 #include "custody/users.h"
 #include "shell/navigator.h"
 #include "support/sitting.h"

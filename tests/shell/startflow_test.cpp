@@ -1,6 +1,5 @@
 #include "shell/startflow.h"
 
-#include "custody/keyrecords.h"
 #include "support/sitting.h"
 
 namespace bmr::shell {

@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
 #include "support/store.h"
 

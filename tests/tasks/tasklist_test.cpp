@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "store/startvariables.h"
 #include "support/sitting.h"
 #include "support/store.h"
 

@@ -5,6 +5,7 @@
 #include "engine/db.h"
 #include "sitting.h"
 #include "store/record_put.h"
+#include "store/startvariables.h"
 
 /// usage: alter_database FILE newer|hide, the passphrase on standard input. Brings a database into states
 /// that no command of bmr makes: last changed by a newer program, or with private records hidden,

@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "engine/columns.h"
-#include "engine/db.h"
+#include "engine/enginenumber.h"
 #include "engine/fileio.h"
 
 namespace bmr::engine {

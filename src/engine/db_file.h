@@ -39,8 +39,8 @@ class StoreWriter {
 /// Gives the pages that a connection makes from now on their reserved bytes.
 void KeepReservedBytes(SQLite::Database& db);
 
-/// Opens a fresh copy and runs the whole integrity check over it.
-int TestCopy(const std::filesystem::path& copy, std::string* detail);
+/// Puts `words` into `detail`, where somebody wants them, and gives `number` back.
+int Tell(std::string* detail, int number, const std::string& words);
 
 void RemoveQuietly(const std::filesystem::path& path);
 

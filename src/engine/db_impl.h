@@ -59,4 +59,7 @@ struct Recordset::Impl {
     int Change();
 };
 
+/// Opens a fresh copy and runs the whole integrity check over it.
+int TestCopy(const std::filesystem::path& copy, std::string* detail);
+
 }  // namespace bmr::engine

@@ -1,5 +1,3 @@
-#include "engine/db_query.h"
-
 #include <utility>
 
 #include "engine/db_engine.h"

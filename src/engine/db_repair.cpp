@@ -1,20 +1,12 @@
 #include <algorithm>
 #include <vector>
 
-#include "engine/columns.h"
-#include "engine/db.h"
-#include "engine/db_engine.h"
 #include "engine/db_file.h"
-#include "engine/db_rows.h"
+#include "engine/db_impl.h"
 #include "engine/fileio.h"
 
 namespace bmr::engine {
 namespace {
-
-int Tell(std::string* detail, int number, const std::string& words) {
-    if (detail != nullptr) *detail = words;
-    return number;
-}
 
 std::vector<std::string> Integrity(Engine& engine) {
     std::vector<std::string> lines;

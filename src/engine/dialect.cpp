@@ -5,8 +5,9 @@
 #include <optional>
 
 #include "engine/columns.h"
-#include "engine/db.h"
+#include "engine/dialect_lex.h"
 #include "engine/dialect_parse.h"
+#include "engine/enginenumber.h"
 
 namespace bmr::engine {
 namespace {

@@ -2,8 +2,6 @@
 
 #include <array>
 
-#include "engine/dialect_parse.h"
-
 namespace bmr::engine::dialect {
 namespace {
 

@@ -6,6 +6,12 @@
 
 namespace bmr::engine::dialect {
 
+/// Where and why a text is not of the dialect. Does not leave the files of the translator.
+struct SyntaxError {
+    std::size_t place = 0;
+    std::string reason;
+};
+
 struct Token {
     enum class Kind { End, Word, Bracketed, Number, Text, Sign };
     Kind kind = Kind::End;

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "engine/columns.h"
+#include "engine/dialect_lex.h"
 #include "engine/dialect_parse.h"
 
 namespace bmr::engine::dialect {

@@ -7,12 +7,6 @@
 
 namespace bmr::engine::dialect {
 
-/// Where and why a text is not of the dialect. Does not leave the two files of the translator.
-struct SyntaxError {
-    std::size_t place = 0;
-    std::string reason;
-};
-
 enum class Op {
     Number,     ///< text: the digits as written
     Parameter,  ///< text: its number, counted from 1

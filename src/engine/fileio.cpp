@@ -13,7 +13,7 @@
 #include <unistd.h>
 #endif
 
-#include "engine/db.h"
+#include "engine/enginenumber.h"
 
 namespace bmr::engine {
 

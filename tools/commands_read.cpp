@@ -8,6 +8,7 @@
 #include "recordjson.h"
 #include "recordkinds.h"
 #include "sitting.h"
+#include "store/categories.h"
 #include "store/section_store.h"
 
 namespace bmr::tools {

@@ -98,6 +98,11 @@ std::int32_t RecordCategory(Session& session, std::int32_t fPK) {
     return rows && rows->Next() ? rows->Int(0) : 0;
 }
 
+std::string CategoryClause(std::int32_t category) {
+    if (category == Category::All || category == Category::Edit) return "";
+    return " And fG1 = " + std::to_string(category);
+}
+
 std::int32_t LowestFreeNumber(const CategoryList& list) {
     NumberSet numbers;
     for (const CategoryEntry& entry : list)

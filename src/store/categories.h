@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
+#include <string>
 #include <vector>
 
 #include "base/bytes.h"
@@ -45,6 +45,9 @@ std::int32_t RecordCategory(Session& session, std::int32_t fPK);
 inline std::int32_t RealCategory(std::int32_t number) {
     return number > 0 && number <= Category::Highest ? number : Category::Unfiled;
 }
+
+/// " And fG1 = n", or nothing for all categories (-1 and 9999).
+std::string CategoryClause(std::int32_t category);
 
 /// The lowest number 1 to 9998 that no entry has; 0 when all are taken.
 std::int32_t LowestFreeNumber(const CategoryList& list);

@@ -1,7 +1,6 @@
 #include "store/section_store.h"
 
 #include "base/errors.h"
-#include "store/categories.h"
 #include "store/record_put.h"
 
 namespace bmr::store {
@@ -126,11 +125,6 @@ int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, s
     FillColumns(row, kAllColumns, session.ports.random);
     if (const int error = row.Update(1, 0)) return error;
     return transaction.Commit();
-}
-
-std::string CategoryClause(std::int32_t category) {
-    if (category == Category::All || category == Category::Edit) return "";
-    return " And fG1 = " + std::to_string(category);
 }
 
 }  // namespace bmr::store

@@ -59,7 +59,4 @@ Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t 
 [[nodiscard]] int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub,
                                      std::string_view payload);
 
-/// " And fG1 = n", or nothing for all categories (-1 and 9999).
-std::string CategoryClause(std::int32_t category);
-
 }  // namespace bmr::store

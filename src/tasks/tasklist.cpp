@@ -6,6 +6,7 @@
 #include "base/buckets.h"
 #include "base/languageus.h"
 #include "base/shortdate.h"
+#include "store/categories.h"
 #include "store/privatefilter.h"
 
 namespace bmr::tasks {

@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "store/categories.h"
 #include "store/record_put.h"
 #include "support/store.h"
 #include "support/store_file.h"

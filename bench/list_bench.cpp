@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "database.h"
+#include "kit/programtheme.h"
 #include "kit/recordlistview.h"
-#include "kit/theme.h"
 #include "ratio.h"
 #include "tasks/frmTodo.h"
 

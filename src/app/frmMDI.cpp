@@ -18,6 +18,7 @@
 #include "app/helpwindow.h"
 #include "app/sectioncolumn.h"
 #include "kit/icons.h"
+#include "kit/theme.h"
 #include "shell/timeout.h"
 
 namespace bmr::app {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "app/mdimenus.h"
+#include "kit/programtheme.h"
 #include "kit/sectionform.h"
 #include "kit/sessionevents.h"
-#include "kit/theme.h"
 #include "shell/navigator.h"
 #include "shell/startflow.h"
 #include "store/session.h"

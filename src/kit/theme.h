@@ -1,16 +1,10 @@
 #pragma once
 
 #include <QColor>
-#include <QObject>
 #include <QPalette>
 #include <cstdint>
 
-class QApplication;
-
 namespace bmr::kit {
-
-/// How the windows are coloured. System follows the lightness of the desktop's own window colour.
-enum class ThemeChoice : std::uint8_t { System, Light, Dark, HighContrast };
 
 /// Distances in device-independent pixels, all in steps of 4.
 struct Space {
@@ -38,6 +32,8 @@ QPalette DarkPalette();
 QPalette HighContrastPalette();
 
 bool IsDark(const QPalette& palette);
+/// The palette of high contrast, which is black and knows no shades.
+bool IsContrast(const QPalette& palette);
 
 /// The tint of a category; numbers go round over eight colours, 0 (unfiled) is grey.
 Tint CategoryTint(int category, const QPalette& palette);
@@ -47,26 +43,5 @@ QColor InkOf(Ink ink, const QPalette& palette);
 
 /// `mix` of 0 gives `a`, 1 gives `b`.
 QColor Blend(const QColor& a, const QColor& b, double mix);
-
-/// Style and palette of the whole program. One object, made right after the application and before any
-/// window.
-class Theme final : public QObject {
-    Q_OBJECT
-
-  public:
-    explicit Theme(QApplication& app);
-
-    ThemeChoice Choice() const { return choice_; }
-    /// Colours every window anew.
-    void Choose(ThemeChoice choice);
-
-    /// "system", "light", "dark", "contrast"; anything else is System.
-    static ThemeChoice FromName(const QString& name);
-
-  private:
-    QApplication& app_;
-    QPalette desktop_;  ///< as it was before we set our own
-    ThemeChoice choice_ = ThemeChoice::System;
-};
 
 }  // namespace bmr::kit

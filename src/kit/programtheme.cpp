@@ -1,0 +1,179 @@
+#include "kit/programtheme.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleFactory>
+#include <QStyleOption>
+
+#include "kit/icons.h"
+#include "kit/theme.h"
+
+namespace bmr::kit {
+
+namespace {
+
+/// Fusion, with what it lacks on dark grounds.
+class BmrStyle final : public QProxyStyle {
+  public:
+    BmrStyle() : QProxyStyle(QStyleFactory::create("Fusion")) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        if (element == PE_IndicatorItemViewItemCheck || element == PE_IndicatorCheckBox ||
+            element == PE_IndicatorRadioButton)
+            return DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        DrawOutline(element, *option, *painter);
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override {
+        QSize whole = QProxyStyle::sizeFromContents(type, option, size, widget);
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        if (type == CT_PushButton && button && !button->icon.isNull()) whole.rwidth() += Space::Margin;
+        return whole;
+    }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
+        if (metric == PM_IndicatorWidth || metric == PM_IndicatorHeight ||
+            metric == PM_ExclusiveIndicatorWidth || metric == PM_ExclusiveIndicatorHeight)
+            return 16;
+        if (metric == PM_HeaderMargin) return Space::Row;
+        if (metric == PM_FocusFrameHMargin) return Space::Tight;
+        if (metric == PM_LayoutVerticalSpacing) return Space::Row;
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        if (hint == SH_FormLayoutLabelAlignment) return Qt::AlignRight | Qt::AlignVCenter;
+        if (hint == SH_FormLayoutFormAlignment) return Qt::AlignLeft | Qt::AlignTop;
+        if (hint == SH_ItemView_ActivateItemOnSingleClick) return 0;
+        if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+            return 0;  // words are clear, and the stock icons not ours
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
+    QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        switch (which) {
+            case SP_LineEditClearButton:
+                return Icon("edit-clear");
+            case SP_MessageBoxInformation:
+                return Icon("dialog-information", Ink::Accent);
+            case SP_MessageBoxQuestion:
+                return Icon("dialog-question", Ink::Accent);
+            case SP_MessageBoxWarning:
+                return Icon("dialog-warning", Ink::Warning);
+            case SP_MessageBoxCritical:
+                return Icon("dialog-error", Ink::Alarm);
+            case SP_FileDialogToParent:
+                return Icon("go-up");
+            case SP_FileDialogBack:
+                return Icon("go-previous");
+            case SP_FileDialogNewFolder:
+                return Icon("list-add");
+            default:
+                return QProxyStyle::standardIcon(which, option, widget);
+        }
+    }
+
+    QPixmap standardPixmap(StandardPixmap which, const QStyleOption* option,
+                           const QWidget* widget) const override {
+        if (which >= SP_MessageBoxInformation && which <= SP_MessageBoxQuestion)
+            return standardIcon(which, option, widget).pixmap(QSize(32, 32));
+        return QProxyStyle::standardPixmap(which, option, widget);
+    }
+
+  private:
+    // Fusion's outlines are shades of the window's colour: on dark grounds they drown, and black has none.
+    static void DrawOutline(PrimitiveElement element, const QStyleOption& option, QPainter& painter) {
+        const bool frame = element == PE_FrameLineEdit || element == PE_Frame;
+        const bool contrast = IsContrast(option.palette);
+        if (!(frame && IsDark(option.palette)) && !(contrast && element == PE_PanelButtonCommand)) return;
+        const bool focused = option.state & State_HasFocus;
+        painter.setPen(QPen(option.palette.color(focused ? QPalette::Highlight : QPalette::Mid),
+                            contrast && focused ? 2 : 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
+    }
+
+    // The same goes for the marks in the rows of a dark list.
+    static void DrawMark(const QStyleOption& option, QPainter& painter, bool round) {
+        const QPalette& palette = option.palette;
+        const bool enabled = option.state & State_Enabled;
+        const bool on = option.state & State_On;
+        const bool filled = on || (option.state & State_NoChange);
+        const auto group = enabled ? QPalette::Active : QPalette::Disabled;
+        const QColor base = palette.color(QPalette::Active, QPalette::Base);
+        const QColor accent = palette.color(group, QPalette::Highlight);
+        const QColor line = Blend(palette.color(group, QPalette::WindowText), base, 0.35);
+        const int side = qMin(option.rect.width(), option.rect.height());
+        QRectF box(0, 0, side - 1, side - 1);
+        box.moveCenter(QRectF(option.rect).center());
+
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        const bool hot = !filled && (option.state & (State_MouseOver | State_HasFocus));
+        QPen outline(hot || filled ? accent : line, hot ? 1.6 : 1.2);
+        if (option.state & State_Selected) outline.setColor(palette.color(group, QPalette::HighlightedText));
+        painter.setPen(outline);
+        painter.setBrush(filled ? accent : base);
+        const double radius = round ? box.width() / 2 : 3;
+        painter.drawRoundedRect(box, radius, radius);
+        DrawMarkInside(painter, box, palette.color(group, QPalette::HighlightedText), on, filled, round);
+        painter.restore();
+    }
+
+    static void DrawMarkInside(QPainter& painter, const QRectF& box, const QColor& ink, bool on, bool filled,
+                               bool round) {
+        const auto at = [&](double x, double y) {
+            return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
+        };
+        painter.setPen(QPen(ink, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        if (on && round) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(ink);
+            painter.drawEllipse(box.center(), box.width() * 0.2, box.height() * 0.2);
+        } else if (on) {
+            painter.drawPolyline(QPolygonF({at(0.24, 0.53), at(0.43, 0.72), at(0.77, 0.30)}));
+        } else if (filled) {
+            painter.drawLine(at(0.25, 0.5), at(0.75, 0.5));
+        }
+    }
+};
+
+}  // namespace
+
+Theme::Theme(QApplication& app) : app_(app), desktop_(QApplication::palette()) {
+    QApplication::setStyle(new BmrStyle);
+    Choose(ThemeChoice::System);
+}
+
+void Theme::Choose(ThemeChoice choice) {
+    choice_ = choice;
+    switch (choice) {
+        case ThemeChoice::System:
+            QApplication::setPalette(IsDark(desktop_) ? DarkPalette() : LightPalette());
+            break;
+        case ThemeChoice::Light:
+            QApplication::setPalette(LightPalette());
+            break;
+        case ThemeChoice::Dark:
+            QApplication::setPalette(DarkPalette());
+            break;
+        case ThemeChoice::HighContrast:
+            QApplication::setPalette(HighContrastPalette());
+            break;
+    }
+}
+
+ThemeChoice Theme::FromName(const QString& name) {
+    if (name == "light") return ThemeChoice::Light;
+    if (name == "dark") return ThemeChoice::Dark;
+    if (name == "contrast") return ThemeChoice::HighContrast;
+    return ThemeChoice::System;
+}
+
+}  // namespace bmr::kit

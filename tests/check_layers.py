@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Refuses an include that points up the list of rooms, or into another section's forms."""
+"""Refuses an include that points up the list of rooms, or into another section's forms, and a circle of files."""
 import pathlib
 import re
 import sys
@@ -36,6 +36,61 @@ def allowed(room, target, path, stem):
     return not stem.startswith("frm")
 
 
+def unit_of(path, headers, included):
+    """The name of what a file is a part of. A header and the source of its name are one; so are the sources that
+    divide the work of one header (frmTodo_build.cpp of frmTodo.h) and the hidden half of a class (db_impl.h)."""
+    stem = path.stem.removesuffix("_impl")
+    if path.suffix == ".h" or stem in headers:
+        return stem
+    while "_" in stem:
+        stem = stem.rpartition("_")[0]
+        if stem in headers and stem in included:
+            return stem
+    return path.stem
+
+
+def circles(files):
+    """One circle of includes for each knot of files in a room: a list of (unit, file and line that includes)."""
+    rooms = {}
+    for path in files:
+        rooms.setdefault(path.parent, []).append(path)
+    found = []
+    for room, members in sorted(rooms.items()):
+        headers = {path.stem for path in members if path.suffix == ".h"}
+        arrows = {}
+        for path in members:
+            lines = enumerate(path.read_text(encoding="utf-8").splitlines(), 1)
+            own = [(m.group(2).removesuffix("_impl"), n) for n, line in lines
+                   if (m := INCLUDE.match(line)) and m.group(1) == room.name]
+            unit = unit_of(path, headers, {name for name, _ in own})
+            for name, number in own:
+                if name != unit:
+                    arrows.setdefault(unit, {}).setdefault(name, f"{room.name}/{path.name}:{number}")
+        found += [[(unit, arrows[unit][target]) for unit, target in zip(circle, circle[1:] + circle[:1])]
+                  for circle in shortest_circles(arrows)]
+    return found
+
+
+def shortest_circles(arrows):
+    """The shortest way round through each unit that lies on a circle, but each unit is named only once."""
+    named = set()
+    found = []
+    for start in sorted(arrows):
+        ways = [[start]]
+        seen = {start}
+        while start not in named and ways:
+            way = ways.pop(0)
+            targets = arrows.get(way[-1], {})
+            if start in targets:
+                found.append(way)
+                named.update(way)
+                break
+            fresh = sorted(set(targets) - seen)
+            seen.update(fresh)
+            ways += [way + [target] for target in fresh]
+    return found
+
+
 def main(root):
     bad = []
     source = pathlib.Path(root, "src")
@@ -56,7 +111,11 @@ def main(root):
                         bad.append(f"{relative}:{number}: only {homes[0]} may name {system.group(1)}")
                 if room in ROOMS and room != "kit" and system.group(1).startswith("Q"):
                     bad.append(f"{relative}:{number}: {room} knows no Qt")
-    print("\n".join(bad) if bad else f"{len(files)} files, every arrow points down")
+    for circle in circles(files):
+        units = [unit for unit, _ in circle]
+        bad.append(f"a circle: {' -> '.join(units + units[:1])}\n" + "\n".join(
+            f"    {where} includes {target}.h" for (_, where), target in zip(circle, units[1:] + units[:1])))
+    print("\n".join(bad) if bad else f"{len(files)} files, every arrow points down and none goes round")
     return 1 if bad else 0
 
 

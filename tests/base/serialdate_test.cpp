@@ -44,9 +44,11 @@ TEST(SerialDate, TheDayOfADateValueIsItsFloorAndDamageStaysInTheCalendar) {
 TEST(SystemClock, TellsLocalTimeAndNeverGoesBack) {
     const SystemClock clock;
     const auto start = clock.MonotonicMs();
-    const std::time_t before = std::time(nullptr);
+    // Not time(): it may be some milliseconds behind, and so a second.
+    const auto second = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); };
+    const std::time_t before = second();
     const DateValue now = clock.Now();
-    const std::time_t after = std::time(nullptr);
+    const std::time_t after = second();
     const auto serial = [](std::time_t seconds) {
         const std::tm* local = std::localtime(&seconds);
         const double time = local->tm_hour * 3600 + local->tm_min * 60 + local->tm_sec;

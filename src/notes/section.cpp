@@ -1,6 +1,7 @@
 #include "notes/section.h"
 
 #include "notes/memo.h"
+#include "store/categories.h"
 
 namespace bmr::notes {
 namespace {

@@ -20,18 +20,11 @@
 #include <QToolButton>
 
 #include "kit/recordlistview.h"
+#include "support/forms.h"
 #include "support/store.h"
 
 namespace bmr::confidential {
 namespace {
-
-void OnDialog(const std::function<void(QDialog&)>& work) {
-    QTimer::singleShot(0, qApp, [work] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        work(*dialog);
-    });
-}
 
 void Type(QDialog& editor, const char* name, const QString& text) {
     editor.findChild<QLineEdit*>(name)->setText(text);
@@ -48,9 +41,12 @@ class Classified : public testing::Test {
     }
     template <class T>
     T& Find(const std::string& name) {
-        T* found = form->findChild<T*>(QString::fromStdString(name));
-        if (!found) throw std::runtime_error(name);
-        return *found;
+        return test::Named<T>(*form, name.c_str());
+    }
+    /// Works the next editor by its controls' names.
+    void OnDialog(const std::function<void(QDialog&)>& work) {
+        visitor.Meet("frmEditConfidential",
+                     [work](QWidget& editor) { work(dynamic_cast<QDialog&>(editor)); });
     }
     void AddLogin(const QString& name, const QString& password) {
         OnDialog([=](QDialog& editor) {
@@ -73,6 +69,7 @@ class Classified : public testing::Test {
     test::RecordingDesktop desktop;
     std::unique_ptr<frmClassified> form;
     QString copied;
+    test::Visitor visitor;
 };
 
 TEST_F(Classified, NothingIsShownUntilAKindIsChosen) {
@@ -280,8 +277,8 @@ TEST_F(Classified, ARecordThatWasDeletedBehindTheEditorComesBack) {
 
 TEST_F(Classified, TheDiceFillAPassword) {
     form->cat_Click(1);
-    OnDialog([](QDialog& editor) {
-        OnDialog([](QDialog& dice) { dice.findChild<QPushButton*>("cmdOK")->click(); });
+    OnDialog([this](QDialog& editor) {
+        visitor.Meet("frmGenerate", [](QWidget& dice) { test::Click(dice, "cmdOK"); });
         editor.findChild<QToolButton*>("dice3")->click();
         EXPECT_EQ(editor.findChild<QLineEdit*>("txtCtl3")->text().size(), 20);
         EXPECT_EQ(editor.findChild<QToolButton*>("dice2"), nullptr);

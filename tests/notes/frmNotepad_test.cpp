@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -11,24 +10,14 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
-#include <QTimer>
 
 #include "kit/recordlistview.h"
 #include "store/categories.h"
+#include "support/forms.h"
 #include "support/store.h"
 
 namespace bmr::notes {
 namespace {
-
-/// Works the next dialog that comes up, by its controls' names.
-void OnDialog(const std::function<void(QDialog&)>& work) {
-    QTimer::singleShot(0, qApp, [work] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        work(*dialog);
-    });
-}
 
 class Notepad : public testing::Test {
   protected:
@@ -40,9 +29,11 @@ class Notepad : public testing::Test {
     }
     template <class T>
     T& Find(const char* name) {
-        T* found = form->findChild<T*>(name);
-        if (!found) throw std::runtime_error(name);
-        return *found;
+        return test::Named<T>(*form, name);
+    }
+    /// Works the next editor by its controls' names.
+    void OnDialog(const std::function<void(QDialog&)>& work) {
+        visitor.Meet("frmEditNotepad", [work](QWidget& editor) { work(dynamic_cast<QDialog&>(editor)); });
     }
     void Add(const std::string& subject, const std::string& body, std::int32_t category = 0) {
         store.prompter.inputs.push_back(subject);
@@ -68,6 +59,7 @@ class Notepad : public testing::Test {
 
     test::TempStore store;
     std::unique_ptr<frmNotepad> form;
+    test::Visitor visitor;
 };
 
 TEST_F(Notepad, ADayOfUse) {

@@ -36,16 +36,16 @@ inline void TypeText(QWidget& into, const QString& text) {
 }
 
 /// Meets the windows that a call opens, in order, each as soon as it is in front. A window that nobody
-/// expects is closed and fails the test; so does one that never comes.
+/// expects is closed and fails the test; so does one that never comes. Behind every form test stands a
+/// WindowWatch, for the time in which there is no visitor.
 class Visitor {
   public:
     using Visit = std::function<void(QWidget&)>;
 
-    Visitor() {
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { Look(); });
-        timer_.start(0);
-    }
+    Visitor() { LookBy(timer_); }
     ~Visitor() { EXPECT_TRUE(visits_.empty()) << visits_.size() << " expected windows did not open"; }
+    Visitor(const Visitor&) = delete;
+    Visitor& operator=(const Visitor&) = delete;
 
     /// The next window is one of that object name.
     Visitor& Meet(QString name, Visit visit) {
@@ -68,10 +68,16 @@ class Visitor {
         Visit visit;
     };
 
+    void LookBy(QTimer& timer) {
+        QObject::connect(&timer, &QTimer::timeout, &timer, [this] { Look(); });
+        timer.start(0);
+    }
     void Look() {
         QWidget* window = QApplication::activeModalWidget();
         if (!window || window == inside_ || !window->isActiveWindow()) return;
         QWidget* before = std::exchange(inside_, window);
+        QTimer within;  // a timer does not fire while it is at work; the visit may open another window
+        LookBy(within);
         if (visits_.empty() || visits_.front().name != window->objectName()) {
             ADD_FAILURE() << "unexpected window " << window->objectName().toStdString();
             window->close();

@@ -97,8 +97,7 @@ TEST_F(FormTodoFailures, ACategoryThatEndsInACancelledEditorLeavesTheFilterTrue)
     Add("in no category");
     visitor.Meet("frmEditTodo", [&](QWidget& editor) {
         db.prompter.Expect(19);
-        QTimer::singleShot(20, [] {
-            QWidget& dialog = *QApplication::activeModalWidget();
+        visitor.Meet("frmEditCategories", [](QWidget& dialog) {
             Click(dialog, "cmdDelete");
             Click(dialog, "cmdOK");
         });

@@ -114,7 +114,7 @@ void BuildView(MdiMenus& m, QMenuBar& bar) {
     Builder theme(view.Menu()->addMenu(QObject::tr("&Colours")), "mnuViewTheme");
     m.mnuViewTheme = new QActionGroup(&bar);
     const std::array<std::pair<const char*, QString>, 4> themes{
-        {{"mnuViewThemeSystem", QObject::tr("Like the &Desktop")},
+        {{"mnuViewThemeSystem", QObject::tr("Like the De&sktop")},
          {"mnuViewThemeLight", QObject::tr("&Light")},
          {"mnuViewThemeDark", QObject::tr("&Dark")},
          {"mnuViewThemeContrast", QObject::tr("High &Contrast")}}};
@@ -126,7 +126,7 @@ void BuildView(MdiMenus& m, QMenuBar& bar) {
 }
 
 void BuildTools(MdiMenus& m, QMenuBar& bar) {
-    Builder tools(m.mnuTools = bar.addMenu(QObject::tr("&Tools")), "mnuTools");
+    Builder tools(m.mnuTools = bar.addMenu(QObject::tr("Too&ls")), "mnuTools");
     m.mnuToolsPassphrase =
         tools.Add("mnuToolsPassphrase", QObject::tr("Change &Passphrase…"), "dialog-password");
     tools.Line();

@@ -117,7 +117,7 @@ QWidget* frmEditTodo::MakeButtons() {
     cmdOK->setDefault(true);
     cmdEsc = foot.cmdEsc;
     if (IsNew()) {
-        auto* more = buttons->addButton(tr("Save and &new"), QDialogButtonBox::ActionRole);
+        auto* more = buttons->addButton(tr("Save and ne&w"), QDialogButtonBox::ActionRole);
         more->setObjectName("cmdSaveNew");
         connect(more, &QPushButton::clicked, this, [this] {
             another = recordChanged;

@@ -41,11 +41,11 @@ void frmTodo::BuildActions() {
         *this, {"mnuTodoNew", tr("&New Task…"), "task-new", tr("New task"), QKeySequence(QKeySequence::New)},
         &frmTodo::cmdAdd_Click);
     mnuTodoEdit = MakeAction(
-        *this, {"mnuTodoEdit", tr("&Edit…"), "document-edit", tr("Edit"), QKeySequence(Qt::Key_F2)},
+        *this, {"mnuTodoEdit", tr("&Edit…"), "document-edit", tr("Edit"), QKeySequence(Qt::CTRL | Qt::Key_E)},
         &frmTodo::mnuTodoEdit_Click);
     mnuTodoDeleteSelected = MakeAction(*this,
                                        {"mnuTodoDeleteSelected", tr("&Selected Task"), "edit-delete",
-                                        tr("Delete"), QKeySequence(Qt::CTRL | Qt::Key_Delete)},
+                                        tr("Delete"), QKeySequence(Qt::CTRL | Qt::Key_D)},
                                        &frmTodo::mnuTodoDeleteItem_Click);
     mnuTodoDeleteCompleted = MakeAction(*this, {"mnuTodoDeleteCompleted", tr("All &Completed Tasks")},
                                         &frmTodo::mnuTodoDeleteCompleted_Click);
@@ -53,7 +53,7 @@ void frmTodo::BuildActions() {
         MakeAction(*this, {"mnuTodoDeleteAll", tr("&All Tasks")}, &frmTodo::mnuTodoDeleteAll_Click);
     complete_ = MakeAction(*this,
                            {"mnuTodoCompleted", tr("&Completed"), "task-complete", tr("Completed"),
-                            QKeySequence(Qt::CTRL | Qt::Key_D)},
+                            QKeySequence(Qt::CTRL | Qt::Key_T)},
                            &frmTodo::mnuCompleted_Click);
     showCompleted_ = MakeAction(*this, {"showCompleted", tr("Show completed"), "task-complete"});
     connect(showCompleted_, &QAction::triggered, this, [this] { ShowCompleted->click(); });

@@ -9,8 +9,8 @@
 #include "app/registry.h"
 #include "app/start.h"
 #include "app/watch.h"
-#include "confidential/frmClassified.h"
 #include "crypto/systemrandom.h"
+#include "forms.h"
 #include "kit/clipboardguard.h"
 #include "kit/frmPW.h"
 #include "kit/guardedapplication.h"
@@ -20,9 +20,7 @@
 #include "kit/prompter.h"
 #include "kit/qtdesktop.h"
 #include "kit/sessionevents.h"
-#include "notes/frmNotepad.h"
 #include "store/session.h"
-#include "tasks/frmTodo.h"
 
 namespace {
 
@@ -37,22 +35,6 @@ void TellFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
     if (type != QtFatalMsg) return Print(stderr, text + '\n');
     Print(stderr, app::NoScreenText());
     std::_Exit(1);
-}
-
-app::SectionTable Sections(kit::ClipboardGuard& clipboard) {
-    using store::Section;
-    app::SectionTable table;
-    table[Section::Todo] = [](store::Session& session, QWidget* parent) {
-        return new tasks::frmTodo(session, parent);
-    };
-    table[Section::Memo] = [](store::Session& session, QWidget* parent) {
-        return new notes::frmNotepad(session, parent);
-    };
-    table[Section::Confidential] = [&clipboard](store::Session& session, QWidget* parent) {
-        return new confidential::frmClassified(
-            session, [&clipboard](const QString& secret) { clipboard.Copy(secret); }, parent);
-    };
-    return table;
 }
 
 int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
@@ -76,7 +58,7 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::SessionEvents events;
     kit::Guards guards(*keyboard, random, clipboard);
     app::frmMDI frame({session,
-                       Sections(clipboard),
+                       Forms({.copySecret = [&clipboard](const QString& secret) { clipboard.Copy(secret); }}),
                        {folders.documents},
                        &theme,
                        QString::fromStdString(guards.Describe()),

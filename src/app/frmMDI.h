@@ -29,10 +29,6 @@ namespace bmr::app {
 class SectionColumn;
 class frmSplash;
 
-/// The sections that the program has, by code; filled where the program is put together.
-using SectionFactory = std::function<SectionForm*(store::Session& session, QWidget* parent)>;
-using SectionTable = std::map<std::uint8_t, SectionFactory>;
-
 /// The main window: a column of section buttons, menus, `Toolbar1`, the form of the open section and the
 /// status bar with the panels `comment` and `autoshutoff`.
 class frmMDI final : public QMainWindow {

@@ -10,6 +10,7 @@
 
 #include "kit/icons.h"
 #include "kit/theme.h"
+#include "store/sections.h"
 
 namespace bmr::app {
 
@@ -17,15 +18,13 @@ namespace {
 
 constexpr int kLockSize = 16;
 constexpr int kWidth = 200;
-constexpr std::uint8_t kFirst = 11;
-constexpr std::uint8_t kLast = 19;
 
 }  // namespace
 
 QString SectionName(std::uint8_t code) {
-    static constexpr const char* names[] = {"Address Book", "Calendar", "Diary",    "Memo Pad", "Tasks",
-                                            "Confidential", "Budget 1", "Budget 2", "Budget 3"};
-    return code >= kFirst && code <= kLast ? names[code - kFirst] : QString();
+    const auto* facts = store::FactsOf(code);
+    return facts ? QString::fromUtf8(facts->name.data(), static_cast<qsizetype>(facts->name.size()))
+                 : QString();
 }
 
 SectionButton::SectionButton(std::uint8_t code, const QString& name, QWidget* parent)
@@ -112,7 +111,8 @@ SectionColumn::SectionColumn(QWidget* parent) : QWidget(parent) {
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(kit::Space::Tight, kit::Space::Row, kit::Space::Tight + 1, kit::Space::Tight);
     rows->setSpacing(2);
-    for (std::uint8_t code = kFirst; code <= kLast; ++code) {
+    for (const store::SectionFacts* facts : store::Sections()) {
+        const std::uint8_t code = facts->code;
         auto* button = new SectionButton(code, SectionName(code), this);
         button->installEventFilter(this);
         connect(button, &QAbstractButton::clicked, this, [this, code] {
@@ -135,7 +135,8 @@ SectionColumn::SectionColumn(QWidget* parent) : QWidget(parent) {
 }
 
 void SectionColumn::SetAvailable(std::uint8_t code, bool available) {
-    available_.at(code - kFirst) = available;
+    const auto place = std::ranges::find(buttons_, code, &SectionButton::Code);
+    available_.at(static_cast<std::size_t>(place - buttons_.begin())) = available;
     Reenable();
 }
 

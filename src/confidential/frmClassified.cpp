@@ -181,7 +181,9 @@ void frmClassified::cmdAdd_Click() {
 
 void frmClassified::cmdEdit_Click() {
     if (model_->rowCount() == 0 || round_.Open()) return;
-    auto record = FetchRecord(session_, ListSelect->SelectedKey());
+    int error = 0;
+    auto record = FetchRecord(session_, ListSelect->SelectedKey(), &error);
+    kit::TellFailure(session_, error, tr("The record could not be read."));
     if (record) EditRecord(std::move(*record));
 }
 

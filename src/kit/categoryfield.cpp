@@ -8,6 +8,7 @@
 #include "kit/formparts.h"
 #include "kit/frmEditCategories.h"
 #include "kit/theme.h"
+#include "store/sections.h"
 #include "store/session.h"
 
 namespace bmr::kit {
@@ -63,9 +64,9 @@ bool CategoryField::Refill() {
     return number_ == before;
 }
 
-void CategoryField::FillLastUsed(std::size_t place) {
-    place_ = place;
-    Fill(session_.settings.CatShow == 0 ? session_.settings.LastCategory[place] : Category::All);
+void CategoryField::FillLastUsed() {
+    place_ = static_cast<std::size_t>(store::FactsOf(section_)->lastCategory);
+    Fill(session_.settings.CatShow == 0 ? session_.settings.LastCategory[*place_] : Category::All);
 }
 
 void CategoryField::OpenDialog(bool fromCombo) {

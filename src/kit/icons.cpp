@@ -8,6 +8,8 @@
 #include <QSvgRenderer>
 #include <utility>
 
+#include "store/sections.h"
+
 // Outside every namespace, as the macro asks: a static library's resources are only linked when they are
 // named.
 static void LoadIconResources() {
@@ -90,12 +92,9 @@ QIcon Icon(const QString& name, std::optional<Ink> ink) {
 }
 
 QIcon SectionIcon(std::uint8_t section) {
-    static constexpr const char* kNames[] = {
-        "x-office-address-book", "x-office-calendar",   "view-pim-journal",
-        "view-pim-notes",        "view-pim-tasks",      "security-high",
-        "view-bank-account-1",   "view-bank-account-2", "view-bank-account-3"};
-    if (section < 11 || section > 19) return {};
-    return Icon(kNames[section - 11]);
+    const auto* facts = store::FactsOf(section);
+    return facts ? Icon(QString::fromUtf8(facts->icon.data(), static_cast<qsizetype>(facts->icon.size())))
+                 : QIcon();
 }
 
 QIcon ProgramIcon() {

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QWidget>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <vector>
 
 #include "custody/drafts.h"
@@ -55,5 +57,15 @@ class SectionForm : public QWidget {
     /// The words at the left of the status bar: count and selection.
     void StatusChanged(const QString& text);
 };
+
+/// What forms are given beside the session.
+struct FormPorts {
+    /// Puts a secret into the clipboard, under its guard.
+    std::function<void(const QString& secret)> copySecret;
+};
+
+/// The screens that the program has, by the codes of their sections.
+using SectionFactory = std::function<SectionForm*(store::Session& session, QWidget* parent)>;
+using SectionTable = std::map<std::uint8_t, SectionFactory>;
 
 }  // namespace bmr

@@ -19,13 +19,6 @@ namespace bmr::notes {
 using kit::EditEnd;
 using store::Category;
 
-namespace {
-
-/// Place of the memo pad among the last-used categories.
-constexpr std::size_t kLastCategory = 2;
-
-}  // namespace
-
 frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
     : SectionForm(parent),
       session_(session),
@@ -41,7 +34,7 @@ frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
     BuildList();
     BuildPad();
     Lay();
-    cboCategories->FillLastUsed(kLastCategory);
+    cboCategories->FillLastUsed();
     pane_->Rebuild(store::kNewRecord);
     listSelect->SelectFirst();
 }
@@ -109,7 +102,9 @@ void frmNotepad::cmdAdd_Click() {
 void frmNotepad::cmdEdit_Click() {
     const std::int32_t key = listSelect->SelectedKey();
     if (key == kit::RecordListView::kNoKey || round_.Open()) return;
-    auto memo = FetchRecord(session_, key);
+    int error = 0;
+    auto memo = FetchRecord(session_, key, &error);
+    if (error != 0) return kit::TellFailure(session_, error, tr("The memo could not be read."));
     if (!memo) return cmdAdd_Click();
     EditRecord(std::move(*memo));
 }

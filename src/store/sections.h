@@ -2,15 +2,18 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "base/result.h"
 #include "crypto/secret.h"
 #include "store/fieldtable.h"
-#include "store/namedsection.h"
+#include "store/namedorder.h"
+#include "store/session.h"
 
 /// What everyone who serves all sections knows of one: the main window, the preferences, searches, the checks
 /// and the command line read it here, and nobody lists sections anywhere else.

@@ -18,13 +18,6 @@ namespace bmr::tasks {
 using kit::EditEnd;
 using store::Category;
 
-namespace {
-
-/// Place of the task list among the last-used categories.
-constexpr std::size_t kLastCategory = 3;
-
-}  // namespace
-
 frmTodo::frmTodo(store::Session& session, QWidget* parent)
     : SectionForm(parent), session_(session), model_(new TodoModel(session, this)), round_(session, *this) {
     setObjectName("frmTodo");
@@ -35,7 +28,7 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
     BuildFilter();
     BuildList();
     Lay();
-    cboCategories->FillLastUsed(kLastCategory);
+    cboCategories->FillLastUsed();
     showListitems();
     TodoList->SelectFirst();
 }
@@ -113,7 +106,10 @@ void frmTodo::cmdAdd_Click() {
 
 void frmTodo::mnuTodoEdit_Click() {
     if (model_->rowCount() == 0) return;
-    EditRecord(RecordToEdit(session_, Selected(), cboCategories->Number()));
+    int error = 0;
+    Task task = RecordToEdit(session_, Selected(), cboCategories->Number(), &error);
+    if (error != 0) return kit::TellFailure(session_, error, tr("The task could not be read."));
+    EditRecord(std::move(task));
 }
 
 std::vector<custody::Draft> frmTodo::Drafts() const {

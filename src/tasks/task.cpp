@@ -87,9 +87,10 @@ std::optional<Task> FetchRecord(Session& session, std::int32_t key, int* error) 
     return ReadRecord(session, **row);
 }
 
-Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory) {
+Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory,
+                  int* error) {
     if (key)
-        if (auto task = FetchRecord(session, *key)) return *std::move(task);
+        if (auto task = FetchRecord(session, *key, error)) return *std::move(task);
     return ClearRecord(comboCategory);
 }
 
@@ -155,7 +156,7 @@ void EditorToRecord(const EditorValues& values, Task& task) {
 
 TickOutcome SetCompleted(Session& session, std::int32_t key, bool checked) {
     TickOutcome outcome;
-    outcome.record = FetchRecord(session, key);
+    outcome.record = FetchRecord(session, key, &outcome.error);
     outcome.rebuild = !outcome.record;
     if (!outcome.record || outcome.record->completed == checked) return outcome;
     outcome.record->completed = checked;
@@ -166,8 +167,9 @@ TickOutcome SetCompleted(Session& session, std::int32_t key, bool checked) {
 }
 
 int SetPriority(Session& session, std::int32_t key, std::int32_t priority) {
-    auto task = FetchRecord(session, key);
-    if (!task) return 0;
+    int error = 0;
+    auto task = FetchRecord(session, key, &error);
+    if (!task) return error;
     task->priority = priority;
     return WriteRecord(session, *task).error;
 }

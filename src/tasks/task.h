@@ -65,7 +65,8 @@ Task ReadTexts(store::Session& session, std::int32_t key);
 /// for, which `error` tells apart (the engine's number, else 0).
 std::optional<Task> FetchRecord(store::Session& session, std::int32_t key, int* error = nullptr);
 /// The record to edit: the selected one, or an empty new one when it is gone or nothing is selected.
-Task RecordToEdit(store::Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory);
+Task RecordToEdit(store::Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory,
+                  int* error = nullptr);
 
 /// `writeRecord`: adds or edits the row, keeps `hasNote` by the note and sets the record's key. -16 when the
 /// key is now another section's. The calendar's task pane is to be redrawn afterwards.

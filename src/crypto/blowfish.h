@@ -40,7 +40,7 @@ class Blowfish {
     static constexpr std::size_t kRounds = 16;
     static constexpr std::size_t kP = kRounds + 2;
     /// The P-array, then the four S-boxes: the order in which a schedule fills them.
-    using Words = std::array<std::uint32_t, kP + 4 * 256>;
+    using Words = std::array<std::uint32_t, kP + std::size_t{4} * 256>;
     static const Words kPi;
 
     Words words_;

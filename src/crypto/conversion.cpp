@@ -63,6 +63,7 @@ Money UnpackCurrency(std::string_view text) {
 
 std::string FloatToBits(double value, int bitCount) {
     std::string bits(static_cast<std::size_t>(bitCount), '0');
+    const auto set = [&bits](int place) { bits[static_cast<std::size_t>(place)] = '1'; };
     if (!(value >= 1e-200) || std::isinf(value)) return bits;
     const FloatLayout layout = LayoutOf(bitCount);
     int exponent = std::ilogb(value);
@@ -71,9 +72,9 @@ std::string FloatToBits(double value, int bitCount) {
     // 52 bits behind the leading 1, the lower ones cut for the single.
     const auto mantissa = std::bit_cast<std::uint64_t>(value) & ((std::uint64_t{1} << 52) - 1);
     for (int i = 0; i < layout.exponentBits; ++i)
-        if (stored >> (layout.exponentBits - 1 - i) & 1) bits[static_cast<std::size_t>(1 + i)] = '1';
+        if (stored >> (layout.exponentBits - 1 - i) & 1) set(1 + i);
     for (int i = 0; i < layout.mantissaBits; ++i)
-        if (mantissa >> (51 - i) & 1) bits[static_cast<std::size_t>(1 + layout.exponentBits + i)] = '1';
+        if (mantissa >> (51 - i) & 1) set(1 + layout.exponentBits + i);
     return bits;
 }
 

@@ -27,7 +27,7 @@ std::int64_t TimeOut::IdleMilliseconds() {
 TimeOut::Tick TimeOut::TimerTimeout() {
     if (IdleLimit <= 0) return {};
     const std::int64_t idle = IdleMilliseconds();
-    const std::int64_t limit = IdleLimit * 60;
+    const std::int64_t limit = std::int64_t{IdleLimit} * 60;
     return {CountdownText(limit - idle / 1000), idle >= limit * 1000};
 }
 

@@ -17,7 +17,7 @@ SYSTEM = re.compile(r'^\s*#\s*include\s+[<"]([^>"]+)[>"]')
 
 
 def has_screen(path):
-    return path.stem.startswith("frm") or any(
+    return path.stem.startswith(("frm", "forms")) or any(
         SYSTEM.match(line) and SYSTEM.match(line).group(1).startswith("Q")
         for line in path.read_text(encoding="utf-8").splitlines())
 

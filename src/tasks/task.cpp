@@ -87,8 +87,7 @@ std::optional<Task> FetchRecord(Session& session, std::int32_t key, int* error) 
     return ReadRecord(session, **row);
 }
 
-Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory,
-                  int* error) {
+Task RecordToEdit(Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory, int* error) {
     if (key)
         if (auto task = FetchRecord(session, *key, error)) return *std::move(task);
     return ClearRecord(comboCategory);

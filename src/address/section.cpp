@@ -80,6 +80,7 @@ constexpr store::SectionFacts kSections[] = {
      .command = "address",
      .title = "Address",
      .name = "Address Book",
+     .purpose = "People and firms, their numbers and addresses.",
      .icon = "x-office-address-book",
      .lastCategory = 0,
      .privateField = 1,

@@ -11,30 +11,14 @@
 #include "app/sectioncolumn.h"
 #include "kit/icons.h"
 #include "kit/theme.h"
+#include "store/sections.h"
 
 namespace bmr::app {
 
 QString SectionPurpose(std::uint8_t code) {
-    switch (code) {
-        case 11:
-            return frmSplash::tr("People and firms, their numbers and addresses.");
-        case 12:
-            return frmSplash::tr("Appointments by day, week and month.");
-        case 13:
-            return frmSplash::tr("A page for each day.");
-        case 14:
-            return frmSplash::tr("Notes of any length.");
-        case 15:
-            return frmSplash::tr("What is to be done, by when.");
-        case 16:
-            return frmSplash::tr("Logins, accounts, cards and keys.");
-        case 17:
-        case 18:
-        case 19:
-            return frmSplash::tr("Income, expenses and what is left.");
-        default:
-            return {};
-    }
+    const auto* facts = store::FactsOf(code);
+    return facts ? QString::fromUtf8(facts->purpose.data(), static_cast<qsizetype>(facts->purpose.size()))
+                 : QString();
 }
 
 frmSplash::frmSplash(QWidget* parent) : QWidget(parent) {

@@ -52,14 +52,6 @@ constexpr unsigned char LowerOf(unsigned char c) {
     }
 }
 
-/// Built once: the lists lower every character of every row that they search.
-constexpr auto kLower = [] {
-    std::array<char, 256> lower{};
-    for (unsigned code = 0; code < lower.size(); ++code)
-        lower[code] = static_cast<char>(LowerOf(static_cast<unsigned char>(code)));
-    return lower;
-}();
-
 int HexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -149,12 +141,6 @@ int CompareNoCase(std::string_view a, std::string_view b) {
         if (difference != 0) return difference;
     }
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
-}
-
-bool ContainsNoCase(std::string_view text, std::string_view lower) {
-    const auto same = [](char a, char b) { return kLower[static_cast<unsigned char>(a)] == b; };
-    return std::search(text.begin(), text.end(), lower.begin(), lower.end(), same) != text.end() ||
-           lower.empty();
 }
 
 std::string ToHex(std::string_view bytes) {

@@ -46,9 +46,6 @@ Bytes LowerCase(std::string_view text);
 /// Below, equal to or above 0 as `a` stands before, with or behind `b`, without regard to case.
 int CompareNoCase(std::string_view a, std::string_view b);
 
-/// True when `lower`, which is in lower case, stands in `text` without regard to case. Copies nothing.
-bool ContainsNoCase(std::string_view text, std::string_view lower);
-
 /// Lower-case hex, and back; nothing when `hex` is no even run of hex digits.
 std::string ToHex(std::string_view bytes);
 std::optional<Bytes> FromHex(std::string_view hex);

@@ -28,6 +28,7 @@ constexpr store::SectionFacts kSections[] = {
      .command = "calendar",
      .title = "Calendar",
      .name = "Calendar",
+     .purpose = "Appointments by day, week and month.",
      .icon = "x-office-calendar",
      .privateField = 1,
      .fields = kFields,

@@ -94,6 +94,7 @@ constexpr store::SectionFacts kSections[] = {
      .command = "confidential",
      .title = "Confidential",
      .name = "Confidential",
+     .purpose = "Logins, accounts, cards and keys.",
      .icon = "security-high",
      .privateField = 7,
      .fields = kRules,

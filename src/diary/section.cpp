@@ -20,6 +20,7 @@ constexpr store::SectionFacts kSections[] = {
      .command = "diary",
      .title = "Diary",
      .name = "Diary",
+     .purpose = "A page for each day.",
      .icon = "view-pim-journal",
      .privateField = 13,
      .fields = kFields,

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QStringList>
+#include <algorithm>
 
 #include "crypto/cry.h"
 #include "store/words.h"
@@ -70,8 +71,9 @@ Words TakeLines(const QString& text, std::string_view before) {
 }
 
 QString LengthOf(std::string_view words) {
-    const store::WordsLength measured = store::MeasureWords(words);
-    return Counted(measured.length, measured.inBytes);
+    // A person counts characters, whatever room they take.
+    const auto first = [](char c) { return (static_cast<unsigned>(c) & 0xC0U) != 0x80; };
+    return Counted(static_cast<std::size_t>(std::ranges::count_if(words, first)), false);
 }
 
 QString TooLongOf(std::string_view words) {

@@ -34,6 +34,7 @@ constexpr store::SectionFacts kSections[] = {
      .command = "memo",
      .title = "Memo",
      .name = "Memo Pad",
+     .purpose = "Notes of any length.",
      .icon = "view-pim-notes",
      .lastCategory = 2,
      .privateField = 1,

@@ -75,6 +75,7 @@ struct SectionFacts {
     std::string_view command;   ///< on the command line: "memo"
     std::string_view title;     ///< in reports: "Memo"
     std::string_view name;      ///< on its button and in menus: "Memo Pad"
+    std::string_view purpose;   ///< one sentence, for who has not opened it yet
     std::string_view icon;      ///< name of its icon
     int lastCategory = -1;      ///< its place in `Settings::LastCategory`; -1 none
     std::uint8_t privateField;  ///< number of the flag that hides a record

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/unicode.h"
+#include "crypto/conversion.h"
 #include "crypto/cry.h"
 #include "store/record_put.h"
 
@@ -90,6 +91,14 @@ Bytes MakeCompanion(std::string_view told, std::string_view utf8) {
     return companion;
 }
 
+/// Each character of the code page as a capital without accents, by its code.
+Bytes PlainLetters() {
+    Bytes all;
+    for (unsigned code = 0; code < 256; ++code)
+        all += ByteChar(code);
+    return conversion::PlainUpper(all);
+}
+
 }  // namespace
 
 ToldWords TellWords(std::string_view utf8, Masked masked) {
@@ -159,13 +168,17 @@ Needle::Needle(std::string_view utf8) {
     // Told texts are searched without the blanks at their ends, so those count only where they were typed.
     const bool isNothing = TrimBlanks(letters).empty() && !FitsBytes(words);
     if (isNothing || TrimBlanks(words) == words) letters = TrimBlanks(letters);
-    told_ = LowerCase(letters);
+    told_ = conversion::PlainUpper(letters);
     asksTrueText_ = isNothing || std::count(letters.begin(), letters.end(), '?') >
                                      std::count(words.begin(), words.end(), '?');
 }
 
 bool Needle::InTold(std::string_view told) const {
-    return ContainsNoCase(TrimBlanks(told), told_);
+    static const Bytes kPlain = PlainLetters();
+    told = TrimBlanks(told);
+    const auto same = [](char a, char b) { return kPlain[static_cast<unsigned char>(a)] == b; };
+    return told_.empty() ||
+           std::search(told.begin(), told.end(), told_.begin(), told_.end(), same) != told.end();
 }
 
 bool Needle::InTrue(std::string_view words) const {

@@ -58,7 +58,7 @@ struct WordsLength {
 /// `utf8` as it will be stored, line breaks as CR LF.
 WordsLength MeasureWords(std::string_view utf8);
 
-/// What the search of a list looks for, without regard to case.
+/// What the search of a list looks for, without regard to case and accents.
 class Needle {
   public:
     explicit Needle(std::string_view utf8);
@@ -72,7 +72,7 @@ class Needle {
     bool InTrue(std::string_view words) const;
 
   private:
-    Bytes told_;  ///< in lower case
+    Bytes told_;  ///< capitals without accents
     Words folded_;
     bool asksTrueText_ = false;
 };

@@ -87,6 +87,7 @@ constexpr store::SectionFacts kSections[] = {
      .command = "todo",
      .title = "Todo",
      .name = "Tasks",
+     .purpose = "What is to be done, by when.",
      .icon = "view-pim-tasks",
      .lastCategory = 3,
      .privateField = 2,

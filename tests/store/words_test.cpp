@@ -129,6 +129,8 @@ TEST(Needle, PlainLettersFindEveryScript) {
         EXPECT_FALSE(needle.AsksTrueText()) << typed;
     }
     EXPECT_TRUE(Needle("\u00C4PFEL \u0160").InTold("zwei \xE4pfel \x9A!"));
+    EXPECT_TRUE(Needle("lodz").InTold(Told("Łódź")));
+    EXPECT_TRUE(Needle("Müller").InTold("muller"));
     EXPECT_TRUE(Needle("京").InTold(Told("北京")));
     EXPECT_TRUE(Needle("北京\u3000").InTold(Told("北京")));
     EXPECT_FALSE(Needle("z ").InTold("Lukasz "));

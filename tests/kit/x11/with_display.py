@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Runs the tests of a binary on screens of their own, each with a window manager and, where it can be had, an accessibility
 bus. Ends with 77 where there can be no screen."""
+import json
 import os
 import shutil
 import subprocess
@@ -67,13 +68,31 @@ def main(command):
 
 
 def patiently(command):
-    """Three programs and a window manager share one clock here. Where the machine was too busy to let them keep time, each
-    gets another try on a fresh screen; a fault that is always there fails each time."""
-    for last in (False, False, True):
-        status = main(command)
-        if status in (0, SKIP) or last:
-            return status
-        print("once more, on a fresh screen", flush=True)
+    """Three programs and a window manager share one clock here. Where the machine was too busy to let them keep time, what
+    failed gets another try on a fresh screen; a fault that is always there fails each time."""
+    with tempfile.TemporaryDirectory() as folder:
+        report = os.path.join(folder, "report.json")
+        again = []
+        for last in (False, False, True):
+            status = main([*command, f"--gtest_output=json:{report}", *again])
+            if status in (0, SKIP) or last:
+                return status
+            if failed := failures(report):
+                again = [f"--gtest_filter={':'.join(failed)}"]
+                os.environ["GTEST_TOTAL_SHARDS"] = "1"
+                os.environ["GTEST_SHARD_INDEX"] = "0"
+            print("once more, on a fresh screen", flush=True)
+
+
+def failures(report):
+    """The names of the tests that failed; none where the tests did not come to their end and left no report."""
+    try:
+        with open(report, encoding="utf-8") as file:
+            suites = json.load(file)["testsuites"]
+        os.remove(report)
+    except FileNotFoundError:
+        return []
+    return [f"{suite['name']}.{test['name']}" for suite in suites for test in suite["testsuite"] if "failures" in test]
 
 
 def side_by_side(command):

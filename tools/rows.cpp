@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "store/privatefilter.h"
 
@@ -80,7 +81,7 @@ Result<Row> FindRow(store::Session& session, std::int32_t fPK, bool showPrivate)
                                      if (!found && !IsHidden(session, showPrivate, row, payload)) found = row;
                                  });
     if (error != 0) return Error{error, session.ProgramDb->LastError()};
-    if (!found) return Error{-31, Msg(31)};
+    if (!found) return Error{MessageNumber::NoRecord, Msg(-MessageNumber::NoRecord)};
     return *found;
 }
 

@@ -1,5 +1,6 @@
 #include "sitting.h"
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "custody/lifecycle.h"
 #include "custody/openfailure.h"
@@ -8,8 +9,8 @@
 namespace bmr::tools {
 namespace {
 
-constexpr int kWrongPassphrase = 85;
-constexpr int kTooShort = 40;
+constexpr int kWrongPassphrase = -MessageNumber::NoSuchUser;
+constexpr int kTooShort = -MessageNumber::PassphraseTooShort;
 
 }  // namespace
 

@@ -4,6 +4,8 @@
 #include "custody/systemrecord.h"
 #include "engine/db.h"
 #include "sitting.h"
+#include "store/fieldtable.h"
+#include "store/record_get.h"
 #include "store/record_put.h"
 #include "store/startvariables.h"
 
@@ -35,6 +37,38 @@ int Hide(store::Session& session) {
     return store::WriteSettings(session);
 }
 
+/// The subject of the first memo becomes one that its whole text does not belong to, or the whole text
+/// becomes none.
+int AlterWhole(store::Session& session, bool mangle) {
+    constexpr std::uint8_t kSubject = 4;
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    engine::Recordset& row = **table;
+    if (const int error = row.FindFirst("fSec=14")) return error;
+    if (row.NoMatch()) return 1;
+    const Bytes before(cry::DecipherField(session.cipher, TextOf(row.Field("fEtx"))));
+    Bytes payload;
+    store::PayloadReader reader(before);
+    for (store::RawField field; reader.Next(field);) {
+        const bool mangled = mangle && field.number == store::CompanionOf(kSubject);
+        if (mangled || (!mangle && field.number == kSubject))
+            store::AppendText(payload, field.number, "Lodge",
+                              mangled ? store::FieldTag::Memo : store::FieldTag::Text);
+        else
+            store::AppendRaw(payload, field.whole);
+    }
+    row.Edit();
+    row.SetField("fEtx", cry::FieldCipher(session.cipher, 1, payload));
+    if (!mangle) row.SetField("fT1", cry::FieldCipher(session.cipher, 1, Bytes("Lodge")));
+    return row.Update();
+}
+
+int Alter(store::Session& session, std::string_view how) {
+    if (how == "newer") return MakeNewer(session);
+    if (how == "hide") return Hide(session);
+    return AlterWhole(session, how == "mangle");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -42,8 +76,7 @@ int main(int argc, char** argv) {
     try {
         tools::Sitting sitting(0);
         sitting.Open(argv[1]);
-        sitting.Check(std::string_view(argv[2]) == "newer" ? MakeNewer(sitting.session())
-                                                           : Hide(sitting.session()));
+        sitting.Check(Alter(sitting.session(), argv[2]));
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';
         return 1;

@@ -70,6 +70,26 @@ class ADay(Base):
         self.assertEqual([r["fPK"] for r in self.listed("--category", "OFFICE", secret=FOREIGN_PASS)], [key])
         self.bmr("add", "todo", "--task", "x", "--category", "Harbour", secret=FOREIGN_PASS, status=1)
 
+    def test_every_script_is_kept_and_what_is_amiss_is_told(self):
+        self.bmr("new")
+        self.bmr("add", "memo", "--field", "Subject=Łódź", "--field", "Memo=Ελιές\nλεμόνια")
+        self.bmr("add", "memo", "--subject", "Lz")
+        shown = self.listed(section="memo")
+        self.assertEqual([r["Subject"] for r in shown], ["Łódź", "Lz"])
+        self.assertEqual(shown[0]["Memo"], "Ελιές\r\nλεμόνια")
+        self.assertFalse([name for name in shown[0] if name.startswith("field")])
+        self.assertEqual(self.bmr("check").count("\n"), 1)
+        for how, status, told in (("stale", 0, "note: "), ("mangle", 1, "malformed")):
+            subprocess.run([ALTER, self.file, how], check=True, input=PASS.encode())
+            done = call(BMR, "check", self.file)
+            self.assertEqual(done.returncode, status, done)
+            self.assertIn(told, done.stdout)
+            if status == 0:
+                self.assertEqual(self.listed(section="memo")[0]["Subject"], "Lodge")
+        self.bmr("add", "memo", "--subject", "x", "--field", "Colour=blue", status=1)
+        self.bmr("add", "memo", "--subject", "x\ny", status=1)
+        self.bmr("add", "memo", "--subject", "Ł" * 32498, status=1)
+
     def test_what_cannot_be_kept_is_refused_in_words(self):
         self.bmr("new")
         before = self.file.read_bytes()

@@ -60,8 +60,8 @@ std::optional<Record> FetchRecord(store::Session& session, std::int32_t key, int
 
 /// `SaveRecord`: sets key, user and the day of the change, and stores. Place in the alphabet and its keys are
 /// written only when the name (n0) differs from the stored one; a new record counts as having the empty name,
-/// so one without a name gets no place. One transaction; 0, -16 (another section's row, nothing written) or
-/// the engine's number.
+/// so one without a name gets no place. One transaction; 0, `UpdateImpossible` (another section's row,
+/// nothing written) or the engine's number.
 [[nodiscard]] int WriteRecord(store::Session& session, Record& record);
 
 /// Stores many new records in one transaction, their places in the alphabet worked out once. A day of change

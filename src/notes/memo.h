@@ -51,7 +51,7 @@ std::optional<Memo> FetchRecord(store::Session& session, std::int32_t key, int* 
 
 /// Stores the memo and sets its key, its user and the day of the change. The subject's own columns and its
 /// place in the alphabet are written only when the memo is new or its subject has changed. One transaction;
-/// 0, -16 when the key belongs to another section (nothing written), or the engine's number.
+/// 0, `UpdateImpossible` when the key belongs to another section (nothing written), or the engine's number.
 [[nodiscard]] int WriteRecord(store::Session& session, Memo& memo);
 
 /// Stores many new memos in one transaction, their places in the alphabet worked out once. For imports, which

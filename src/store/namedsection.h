@@ -36,8 +36,8 @@ struct Touched {
 Touched TouchOf(const Session& session, DateValue given = {});
 
 /// Adds the record of `key` or edits it, and sets `key`. Place and name are written only where the name, or
-/// its mark, is another than in the file. One transaction; 0, -16 when the key belongs to another section
-/// (nothing written), or the engine's number.
+/// its mark, is another than in the file. One transaction; 0, `UpdateImpossible` when the key belongs to
+/// another section (nothing written), or the engine's number.
 [[nodiscard]] int StoreEncoded(Session& session, const NamedOrder& order, std::int32_t& key,
                                const EncodedRecord& record, std::int32_t group);
 

@@ -68,8 +68,9 @@ std::optional<Task> FetchRecord(store::Session& session, std::int32_t key, int* 
 Task RecordToEdit(store::Session& session, std::optional<std::int32_t> key, std::int32_t comboCategory,
                   int* error = nullptr);
 
-/// `writeRecord`: adds or edits the row, keeps `hasNote` by the note and sets the record's key. -16 when the
-/// key is now another section's. The calendar's task pane is to be redrawn afterwards.
+/// `writeRecord`: adds or edits the row, keeps `hasNote` by the note and sets the record's key.
+/// `UpdateImpossible` when the key is now another section's. The calendar's task pane is to be redrawn
+/// afterwards.
 store::StoreOutcome WriteRecord(store::Session& session, Task& task);
 
 /// Due, and that before today. Today is not overdue.

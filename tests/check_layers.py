@@ -6,7 +6,7 @@ import sys
 
 # Lower rooms first: a file may include its own room and every room before it.
 ROOMS = ["base", "crypto", "engine", "store", "custody", "shell", "kit"]
-SECTIONS = ["calendar", "tasks", "notes", "budget", "address", "confidential", "interchange", "backup"]
+SECTIONS = ["interchange", "backup"]  # and those that src/CMakeLists.txt lists
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([a-z_]+)/([A-Za-z0-9_]+)\.h"')
 ENGINE = {
     "SQLiteCpp": ("engine/",), "sqlite3": ("engine/",), "botan": ("crypto/",),
@@ -94,6 +94,8 @@ def shortest_circles(arrows):
 def main(root):
     bad = []
     source = pathlib.Path(root, "src")
+    lists = (source / "CMakeLists.txt").read_text(encoding="utf-8")
+    SECTIONS.extend(re.search(r"set\(BMR_SECTIONS ([^)]*)\)", lists).group(1).split())
     files = sorted(p for p in source.rglob("*") if p.suffix in (".h", ".cpp"))
     for path in files:
         relative = path.relative_to(source)

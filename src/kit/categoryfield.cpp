@@ -65,7 +65,9 @@ bool CategoryField::Refill() {
 }
 
 void CategoryField::FillLastUsed() {
-    place_ = static_cast<std::size_t>(store::FactsOf(section_)->lastCategory);
+    const int place = store::FactsOf(section_)->lastCategory;
+    if (place < 0) return Fill(Category::All);
+    place_ = static_cast<std::size_t>(place);
     Fill(session_.settings.CatShow == 0 ? session_.settings.LastCategory[*place_] : Category::All);
 }
 

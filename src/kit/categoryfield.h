@@ -31,7 +31,7 @@ class CategoryField final : public QWidget {
     /// The same with what is shown; false when that is gone.
     bool Refill();
     /// Shows the category that the section was left with, or all, as the preferences say. The one that is
-    /// shown at the end is kept among the last used. Only for a section that has its place there.
+    /// shown at the end is kept among the last used.
     void FillLastUsed();
     /// The category that is chosen. Never the entry that opens the dialog.
     std::int32_t Number() const { return number_; }

@@ -6,7 +6,6 @@
 #include <QPlainTextEdit>
 
 #include "base/languageus.h"
-#include "crypto/cry.h"
 #include "kit/dateentry.h"
 #include "kit/failure.h"
 #include "kit/namedlistmodel.h"
@@ -84,7 +83,7 @@ void frmNotepad::ShowMemo(std::int32_t key) {
     cboCategory->setText(kit::ToQString(store::CategoryName(cboCategories->Entries(), memo->category)));
     ctlDateCreated->setText(kit::ShortDate("Date created: ", memo->dateCreated));
     ctlLastModified->setText(kit::ShortDate("Last modified: ", memo->dateLastModified));
-    cry::WipeString(memo->body);
+    WipeRecord(*memo);
     padFrame->show();
     mnuMemoEdit->setEnabled(true);
     mnuMemoDeleteSelected->setEnabled(true);

@@ -57,6 +57,10 @@ Words RecordName(Session& session, std::int32_t fPK) {
     return store::NameOf(session, kMemos.nameField, fPK);
 }
 
+void WipeRecord(Memo& memo) {
+    store::WipeFields(memo, kMemoFields);
+}
+
 std::string DeleteText(std::string_view subject) {
     return Msg(27) + " \r\n\r\n   " + std::string(subject);
 }

@@ -66,6 +66,9 @@ Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int3
 /// The subject of a memo.
 Words RecordName(store::Session& session, std::int32_t fPK);
 
+/// Overwrites every text.
+void WipeRecord(Memo& memo);
+
 /// The text of the box that confirms a delete.
 std::string DeleteText(std::string_view subject);
 

@@ -70,12 +70,18 @@ constexpr auto PlaceOf(Type Record::*) {
 template <auto Pointer, std::size_t... Index>
 inline constexpr auto At = PlaceOf<Pointer, Index...>(Pointer);
 
-/// The rules alone, for those who serve all sections.
+/// The rules alone, for those who serve all sections. Does not compile for a table that cannot be: numbers
+/// that do not rise or belong to companions, words that are no text or that no `FieldSet` reaches.
 template <class Record, std::size_t Count>
-constexpr std::array<FieldRule, Count> RulesOf(const std::array<Field<Record>, Count>& table) {
+consteval std::array<FieldRule, Count> RulesOf(const std::array<Field<Record>, Count>& table) {
     std::array<FieldRule, Count> rules;
-    for (std::size_t i = 0; i < Count; ++i)
-        rules[i] = table[i].rule;
+    for (std::size_t i = 0; i < Count; ++i) {
+        const FieldRule& rule = table[i].rule;
+        if (i > 0 && rule.number <= table[i - 1].rule.number) throw "the numbers of a table rise";
+        if (rule.number >= 128) throw "128 and above belong to companions";
+        if (rule.IsWords() && (rule.number >= 64 || !rule.IsText())) throw "words are texts below 64";
+        rules[i] = rule;
+    }
     return rules;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/buckets.h"
 #include "store/words.h"
 
 namespace bmr::store {
@@ -31,6 +32,9 @@ std::string SetWords(const FieldRule& rule, std::string_view value, bool manyLin
 std::string SetDate(std::string_view value, DateValue& date) {
     const auto day = ParseIsoDate(std::string(value));
     if (!day) return "\"" + std::string(value) + "\" is no date of the form YYYY-MM-DD.";
+    // A payload holds the days of its table and takes the next one for any other.
+    if (UnpackDate(PackDateAt(*day, DateKind::Start, 0.5).value, DateKind::Start) != *day)
+        return std::string(value) + " is beyond the dates that the file holds.";
     date = {static_cast<double>(day->serial)};
     return {};
 }

@@ -213,9 +213,9 @@ Value Recordset::Field(std::string_view name) const {
 
 void Recordset::SetField(std::string_view name, Value value) {
     const auto column = ColumnIndex(name);
-    const auto fitting = column && *column != 0 ? Fitting(*column, value) : std::nullopt;
+    auto fitting = column && *column != 0 ? Fitting(*column, std::move(value)) : std::nullopt;
     if (impl_->editing != Editing::No && fitting) {
-        impl_->pending[*column] = *fitting;
+        impl_->pending[*column] = std::move(fitting);
     } else if (impl_->refused == 0) {
         impl_->refused = impl_->engine->Fail(EngineNumber::Failed,
                                              "The column " + std::string(name) + " cannot take this value.");

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "engine/columns.h"
 
@@ -95,10 +96,10 @@ Value ValueOf(const Cell& cell, const ResultColumn& column) {
     return static_cast<std::int32_t>(cell.number);
 }
 
-std::optional<Value> Fitting(std::size_t column, const Value& value) {
+std::optional<Value> Fitting(std::size_t column, Value value) {
     if (std::holds_alternative<Empty>(value) || std::holds_alternative<Null>(value)) return Null{};
     if (IsBytesColumn(column))
-        return std::holds_alternative<Bytes>(value) ? std::optional(value) : std::nullopt;
+        return std::holds_alternative<Bytes>(value) ? std::optional(std::move(value)) : std::nullopt;
     const auto* flag = std::get_if<bool>(&value);
     const auto* number = std::get_if<std::int32_t>(&value);
     if (flag == nullptr && number == nullptr) return std::nullopt;

@@ -28,7 +28,7 @@ Cell CellOf(sqlite3_stmt* statement, int column);
 Value ValueOf(const Cell& cell, const ResultColumn& column);
 
 /// The value as the column keeps it; nothing when it cannot.
-std::optional<Value> Fitting(std::size_t column, const Value& value);
+std::optional<Value> Fitting(std::size_t column, Value value);
 
 /// What a new row has in the column; Null for the key, which is drawn.
 Value DefaultOf(std::size_t column);

@@ -18,10 +18,14 @@ namespace {
 /// What is too long is to be told, not cut while it is typed.
 constexpr int kLongestLine = 2 * static_cast<int>(store::kLongestText);
 
-/// The error line of "ctlTask" is "lblTaskError".
-QLabel* ErrorLineOf(const QWidget& control) {
+/// The error line of "ctlTask" is "lblTaskError". The control owns it until it stands in a row: some never
+/// do.
+QLabel* ErrorLineOf(QWidget& control) {
     constexpr int kPrefix = 3;
-    return MakeErrorLine(("lbl" + control.objectName().mid(kPrefix) + "Error").toLatin1().constData());
+    QLabel* line =
+        MakeErrorLine(("lbl" + control.objectName().mid(kPrefix) + "Error").toLatin1().constData());
+    line->setParent(&control);
+    return line;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -60,7 +62,7 @@ void Fill(bmr::tools::Sitting& sitting, const Options& options) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     Options options;
     CLI::App app("Makes a Brindlemere database full of believable records, for tests and measurements.",
                  "sampledb");
@@ -83,4 +85,7 @@ int main(int argc, char** argv) {
         Fill(sitting, options);
         sitting.Close();
     });
+} catch (const std::exception& error) {  // what the options above themselves are wrong in
+    std::fputs(error.what(), stderr);
+    return 1;
 }

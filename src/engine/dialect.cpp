@@ -63,7 +63,6 @@ class Writer {
     std::string Write(const Expr& expr) const {
         switch (expr.op) {
             case Op::Number:
-                return expr.text;
             case Op::Column:
                 return expr.text;
             case Op::Parameter:

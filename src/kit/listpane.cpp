@@ -86,10 +86,8 @@ void ListPane::TellStatus() {
     if (!read_) return emit StatusChanged({});
     const int count = model_->rowCount();
     QStringList words{count == 1 ? parts_.one : parts_.many.arg(QLocale().toString(count))};
-    if (parts_.more)
-        words += parts_.more();
-    else if (!session_.ShowPrivate)
-        words += tr("private ones hidden");
+    if (parts_.more) words += parts_.more();
+    if (!parts_.more && !session_.ShowPrivate) words += tr("private ones hidden");
     emit StatusChanged(words.join(", "));
 }
 

@@ -62,6 +62,8 @@ class KeyPort {
 
     /// Where the platform takes keystrokes before any window sees them, they come here as text; `rearms` is
     /// set for a clipboard command (the text is empty then).
+    // Platforms that have it keep what they are given.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param)
     virtual void OnTyped(std::function<void(std::u16string text, bool rearms)>) {}
 
     /// One or two English sentences: which means are at work, and against whom. Shown in About.

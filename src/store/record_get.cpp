@@ -82,13 +82,6 @@ bool PayloadReader::Clean() const {
     return clean_;
 }
 
-bool DecodesWhole(std::string_view payload) {
-    PayloadReader reader(payload);
-    for (RawField field; reader.Next(field);) {
-    }
-    return reader.Clean();
-}
-
 Value DecodeRaw(const RawField& field) {
     switch (static_cast<FieldTag>(field.tag)) {
         case FieldTag::Boolean:

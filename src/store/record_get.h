@@ -33,9 +33,6 @@ class PayloadReader {
     bool clean_ = true;
 };
 
-/// Whether the walk comes to the payload's very end.
-bool DecodesWhole(std::string_view payload);
-
 /// A field's value in its own type: Boolean gives bool, the whole numbers int32, 5 Money, 6 and 7 double, 8
 /// DateValue, 22 DateValue with a fraction only, 25 DateValue of a whole day (`Empty` for the stored 0), 10
 /// and 12 Bytes.

@@ -8,6 +8,7 @@
 
 #include "base/serialdate.h"
 #include "store/namedsection.h"
+#include "store/severalrows.h"
 
 /// The confidential section without a screen: its record, its list and its rules.
 namespace bmr::confidential {
@@ -84,5 +85,8 @@ std::string DeleteText(std::string_view name);
 
 /// Overwrites every text.
 void WipeRecord(Record& record);
+
+inline constexpr store::RecordVerbs<Record> kRecordVerbs{kRecords.section, FetchRecord, WriteRecord,
+                                                         WipeRecord};
 
 }  // namespace bmr::confidential

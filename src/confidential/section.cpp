@@ -89,11 +89,21 @@ constexpr store::FieldOption kOptions[] = {{"--n0", "n0", "the first field of th
                                            {"--n4", "n4", "the fifth field"},
                                            {"--notes", "notes", "notes of any length"}};
 
+store::SeveralOutcome Hide(store::Session& session, store::Keys keys, bool isPrivate) {
+    return store::HideSeveral(session, kRecordVerbs, keys, isPrivate);
+}
+
+store::SeveralOutcome Remove(store::Session& session, store::Keys keys) {
+    return store::DeleteSeveral(session, kRecordVerbs, keys);
+}
+
 constexpr store::SectionFacts kSections[] = {
     {.code = store::Section::Confidential,
      .command = "confidential",
      .title = "Confidential",
      .name = "Confidential",
+     .one = "record",
+     .many = "records",
      .purpose = "Logins, accounts, cards and keys.",
      .icon = "security-high",
      .privateField = 7,
@@ -103,6 +113,8 @@ constexpr store::SectionFacts kSections[] = {
      .list = List,
      .add = Add,
      .options = kOptions,
+     .hide = Hide,
+     .remove = Remove,
      .kindName = KindName,
      .caption = CaptionOf},
 };

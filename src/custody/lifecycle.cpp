@@ -51,6 +51,7 @@ void ForgetDatabase(Session& session) {
     session.PinPassed = 0;
     session.CalendarDirty = false;
     session.bucketOrder.Clear();
+    session.undo = UndoLog();
 }
 
 /// The end of an opening that failed; gives `error` back.

@@ -158,6 +158,8 @@ class Recordset {
     /// and a random `fPK` (never -1 or 0, drawn anew on collision), which `Field("fPK")` reads after
     /// `Update`.
     void AddNew();
+    /// The same for a row that is put back under the key that it had; `Update` refuses a key that is taken.
+    void AddNew(std::int32_t fPK);
     void Edit();
     /// Writes the row, which becomes the present one. 0, or the engine's number with nothing changed; so for
     /// a row that `Edit` could not read.

@@ -43,6 +43,7 @@ struct Recordset::Impl {
     Editing editing = Editing::No;
     std::array<std::optional<Value>, kColumnCount> pending;
     int refused = 0;  ///< why the row cannot be written
+    std::optional<std::int32_t> givenKey;  ///< of a row in AddNew that had one before; none: drawn
 
     static constexpr std::int64_t kGone = INT64_MIN;
 
@@ -56,6 +57,8 @@ struct Recordset::Impl {
     int Find(std::string_view criteria, Parameters values);
     void Begin(Editing what);
     int Insert();
+    /// The key of a row that is added.
+    Result<std::int32_t> NewKey();
     int Change();
 };
 

@@ -225,6 +225,7 @@ void Recordset::SetField(std::string_view name, Value value) {
 void Recordset::Impl::Begin(Editing what) {
     pending.fill(std::nullopt);
     refused = 0;
+    givenKey.reset();
     editing = copied ? Editing::No : what;
 }
 
@@ -232,6 +233,11 @@ void Recordset::Impl::Begin(Editing what) {
 void Recordset::AddNew() {
     impl_->Begin(Editing::Adding);
     impl_->refused = impl_->searchFailed;
+}
+
+void Recordset::AddNew(std::int32_t fPK) {
+    AddNew();
+    impl_->givenKey = fPK;
 }
 
 // A row that cannot be read is not overwritten either.
@@ -253,20 +259,29 @@ int Recordset::Update(int, int) {
     return number;
 }
 
+Result<std::int32_t> Recordset::Impl::NewKey() {
+    auto same = engine->Prepare("SELECT 1 FROM main.tt WHERE fPK = ?1");
+    if (!same) return same.error();
+    const auto taken = [&same](std::int32_t key) {
+        same->Reset();
+        same->Bind(1, std::int64_t{key});
+        return same->Step();
+    };
+    if (givenKey && taken(*givenKey))
+        return Error{engine->Fail(EngineNumber::Failed, "The key of the row is taken."), engine->lastError()};
+    const std::int32_t key = givenKey ? *givenKey : DrawKey(engine->random(), taken);
+    if (same->code() != SQLITE_DONE) return Error{engine->FailWith(same->code()), engine->lastError()};
+    return key;
+}
+
 int Recordset::Impl::Insert() {
     if (engine->brokenBy() != 0) return engine->brokenBy();
     static const std::string kText = InsertText();
     auto query = engine->Prepare(kText);
     if (!query) return query.error().number;
-    auto same = engine->Prepare("SELECT 1 FROM main.tt WHERE fPK = ?1");
-    if (!same) return same.error().number;
-    const std::int32_t key = DrawKey(engine->random(), [&same](std::int32_t drawn) {
-        same->Reset();
-        same->Bind(1, std::int64_t{drawn});
-        return same->Step();
-    });
-    if (same->code() != SQLITE_DONE) return engine->FailWith(same->code());
-    query->Bind(1, std::int64_t{key});
+    const auto key = NewKey();
+    if (!key) return key.error().number;
+    query->Bind(1, std::int64_t{*key});
     for (std::size_t column = 1; column < kColumnCount; ++column)
         BindValue(*query, static_cast<int>(column) + 1, pending[column].value_or(DefaultOf(column)));
     if (const int number = engine->Write(*query)) return number;

@@ -8,6 +8,7 @@
 
 #include "base/serialdate.h"
 #include "store/namedsection.h"
+#include "store/severalrows.h"
 
 /// The memo pad without a screen: its record, its list and its rules.
 namespace bmr::notes {
@@ -68,6 +69,8 @@ Words RecordName(store::Session& session, std::int32_t fPK);
 
 /// Overwrites every text.
 void WipeRecord(Memo& memo);
+
+inline constexpr store::RecordVerbs<Memo> kMemoVerbs{kMemos.section, FetchRecord, WriteRecord, WipeRecord};
 
 /// The text of the box that confirms a delete.
 std::string DeleteText(std::string_view subject);

@@ -29,11 +29,25 @@ Result<std::int32_t> Add(store::Session& session, const store::NewRecord& given)
 constexpr store::FieldOption kOptions[] = {{"--subject", "Subject", "the subject in one line"},
                                            {"--body", "Memo", "the text"}};
 
+store::SeveralOutcome Move(store::Session& session, store::Keys keys, std::int32_t category) {
+    return store::MoveSeveral(session, kMemoVerbs, keys, &Memo::category, category);
+}
+
+store::SeveralOutcome Hide(store::Session& session, store::Keys keys, bool isPrivate) {
+    return store::HideSeveral(session, kMemoVerbs, keys, isPrivate);
+}
+
+store::SeveralOutcome Remove(store::Session& session, store::Keys keys) {
+    return store::DeleteSeveral(session, kMemoVerbs, keys);
+}
+
 constexpr store::SectionFacts kSections[] = {
     {.code = store::Section::Memo,
      .command = "memo",
      .title = "Memo",
      .name = "Memo Pad",
+     .one = "memo",
+     .many = "memos",
      .purpose = "Notes of any length.",
      .icon = "view-pim-notes",
      .lastCategory = 2,
@@ -43,7 +57,10 @@ constexpr store::SectionFacts kSections[] = {
      .clauses = Clauses,
      .list = List,
      .add = Add,
-     .options = kOptions},
+     .options = kOptions,
+     .move = Move,
+     .hide = Hide,
+     .remove = Remove},
 };
 
 }  // namespace

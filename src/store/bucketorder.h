@@ -1,11 +1,20 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <map>
 #include <utility>
 #include <vector>
 
 namespace bmr::store {
+
+inline constexpr std::int32_t kSortBuckets = 42;
+
+/// The computed column X of the lists, of a value of fR2: the bucket in which a row stands.
+inline std::int32_t BucketOfKey(std::int32_t key) {
+    return static_cast<std::int32_t>(
+        std::floor(key / (std::pow(2.0, 32) / kSortBuckets) + kSortBuckets / 2.0));
+}
 
 /// One row of an alphabetical bucket: key and position (fR1).
 struct BucketRow {

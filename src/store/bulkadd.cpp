@@ -4,6 +4,7 @@
 
 #include "store/indices.h"
 #include "store/record_put.h"
+#include "store/undostep.h"
 
 namespace bmr::store {
 namespace {
@@ -48,6 +49,7 @@ int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records
     // Without keys the cipher gives nothing, and nothing is no record.
     if (session.cipher.Keystring.empty()) return engine::EngineNumber::Failed;
     RandomSource& random = session.ports.random;
+    UndoStep step(session, section, {"import", "imported"});
     engine::Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return transaction.error();
     std::vector<std::int32_t> positions;
@@ -70,10 +72,14 @@ int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records
             row.SetField("fR2", BucketKey(records.text(i), random));
         }
         FillColumns(row, kNoise, random);
+        const RowMark after = MarkOf(row, section);
         if (const int error = row.Update(); error != 0) return error;
         keys[i] = NumberOf(row.Field("fPK"));
+        step.Record(keys[i], nullptr, after);
     }
-    return transaction.Commit();
+    if (const int error = transaction.Commit()) return error;
+    step.Keep();
+    return 0;
 }
 
 }  // namespace bmr::store

@@ -10,8 +10,6 @@
 namespace bmr::store {
 namespace {
 
-constexpr std::uint8_t kListClass = 10;
-
 bool IsFixed(std::int32_t number) {
     return number == Category::All || number == Category::Unfiled || number == Category::Edit;
 }

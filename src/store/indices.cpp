@@ -1,7 +1,6 @@
 #include "store/indices.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <span>
 #include <string>
@@ -79,8 +78,9 @@ std::int32_t EvenPosition(std::size_t place, std::size_t count, const SpreadRang
 
 /// Spreads the rows of a bucket evenly and writes each but the one at `own`. Rows at 0 at its front stay:
 /// confidential records without a name never get a place.
-int RespreadBucket(Session& session, std::vector<BucketRow>& rows, const SpreadRange& bounds,
-                   std::size_t own) {
+int RespreadBucket(Session& session, std::uint8_t section, std::vector<BucketRow>& rows,
+                   const SpreadRange& bounds, std::size_t own) {
+    session.undo.TellSpread({section, BucketOfKey(bounds.high)});
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
     bool atFront = true;
@@ -121,11 +121,6 @@ int AppendStandingRows(Session& session, std::uint8_t section, const SpreadRange
 }
 
 }  // namespace
-
-std::int32_t BucketOfKey(std::int32_t key) {
-    return static_cast<std::int32_t>(
-        std::floor(key / (std::pow(2.0, 32) / kSortBuckets) + kSortBuckets / 2.0));
-}
 
 SpreadRange BucketBounds(std::string_view text) {
     return SpreadIndexAt(conversion::NameKey(TrimBlanks(text), false), kSortBuckets, 0, kMaxLong, 0.5);
@@ -178,7 +173,7 @@ int BucketPosition(Session& session, std::uint8_t section, engine::Recordset& ro
     const auto here =
         rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(place), {own, position.value_or(0)});
     if (!position)
-        if (const int error = RespreadBucket(session, rows, bounds, place)) return error;
+        if (const int error = RespreadBucket(session, section, rows, bounds, place)) return error;
     row.SetField("fR2", BucketKey(plain, session.ports.random));
     row.SetField("fR1", here->position);
     session.bucketOrder.changes = session.ProgramDb->ChangeCount();
@@ -197,7 +192,9 @@ int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Byte
     if (!table) return table.error().number;
     for (auto& [low, merged] : byBucket) {
         const SpreadRange bounds = BucketBounds(merged.front().text);
+        const std::size_t added = merged.size();
         if (const int error = AppendStandingRows(session, section, bounds, merged); error != 0) return error;
+        if (merged.size() > added) session.undo.TellSpread({section, BucketOfKey(bounds.high)});
         std::stable_sort(merged.begin(), merged.end(),
                          [](const MergedRow& a, const MergedRow& b) { return a.text < b.text; });
         for (std::size_t place = 0; place < merged.size(); ++place) {

@@ -19,15 +19,11 @@ namespace bmr::store {
 /// gives the rows of a bucket in the binary order of their texts (bytes of code page 1252, blanks at the ends
 /// cut), with nothing deciphered.
 
-inline constexpr std::int32_t kSortBuckets = 42;
 /// Slots for each row of a bucket, so that a new row normally finds room.
 inline constexpr std::int32_t kSortSpread = 10;
 
 /// The computed column X of the lists, as it stands in their statements.
 inline constexpr const char* kBucketColumn = "Int([fR2] / (2 ^ 32 / 42) + 42 / 2)";
-
-/// X of a value of fR2.
-std::int32_t BucketOfKey(std::int32_t key);
 
 /// The bounds of a text's bucket; fR1 and fR2 both lie inside them.
 SpreadRange BucketBounds(std::string_view text);

@@ -18,4 +18,7 @@ struct Section {
     static constexpr std::uint8_t Budget3 = 19;
 };
 
+/// fSec of the rows that hold a section's list of categories, with the section in fSub.
+inline constexpr std::uint8_t kListClass = 10;
+
 }  // namespace bmr::store

@@ -2,6 +2,7 @@
 
 #include "base/errors.h"
 #include "store/record_put.h"
+#include "store/undostep.h"
 
 namespace bmr::store {
 namespace {
@@ -24,6 +25,7 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
         outcome = {.error = error};
         return outcome;
     };
+    UndoStep step(session, section);
     engine::Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return fail(transaction.error());
     auto opened = session.ProgramDb->OpenRecordset("tt");
@@ -41,16 +43,20 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
         return fail(MessageNumber::UpdateImpossible);
     else
         row.Edit();
+    auto before = outcome.added || step.TooLarge() ? nullptr : ImageOf(row);
     if (const int error = fill(row, outcome.added)) return fail(error);
     row.SetField("fSec", std::int32_t{section});
     MarkChange(row, outcome.added);
+    const RowMark after = MarkOf(row, section);
     const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
     if (const int error = row.Update(1, 0)) return fail(error);
     outcome.fPK = NumberOf(row.Field("fPK"));
     // `fill` has told of the place that the row takes in the alphabet.
     session.bucketOrder.Name(outcome.fPK);
     session.bucketOrder.Passed(changesBefore, session.ProgramDb->ChangeCount());
+    step.Record(outcome.fPK, std::move(before), after);
     if (const int error = transaction.Commit()) return fail(error);
+    step.Keep();
     return outcome;
 }
 
@@ -71,18 +77,41 @@ Bytes CipheredName(Session& session, std::int32_t key) {
 }
 
 int DeleteRow(Session& session, std::int32_t key) {
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    auto before = FindImage(**table, key);
+    if (!before) return before.error().number;
+    if (!*before) return 0;  // somebody was quicker
+    UndoStep step(session, static_cast<std::uint8_t>(SectionOf(**before)));
     const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
     const int error =
         session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=? WITH OWNERACCESS OPTION;", {key});
     if (error != 0) return error;
     session.bucketOrder.Forget(key);
     session.bucketOrder.Passed(changesBefore, session.ProgramDb->ChangeCount());
+    step.Record(key, std::move(*before), {});
+    step.Keep();
     return 0;
 }
 
 int DeleteRows(Session& session, std::uint8_t section, const std::string& clauses) {
-    return session.ProgramDb->Execute("DELETE * FROM tt WHERE fSec=" + std::to_string(section) + clauses +
-                                      kOwnerAccess);
+    const std::string which = " FROM tt WHERE fSec=" + std::to_string(section) + clauses + kOwnerAccess;
+    UndoStep step(session, section);
+    engine::Transaction transaction(*session.ProgramDb);
+    if (transaction.error() != 0) return transaction.error();
+    {
+        auto rows = session.ProgramDb->OpenRecordset("SELECT *" + which);
+        if (!rows) return rows.error().number;
+        for (; !(*rows)->Eof() && !step.TooLarge(); (*rows)->MoveNext()) {
+            auto before = ImageOf(**rows);
+            const std::int32_t key = before->fPK;
+            step.Record(key, std::move(before), {});
+        }
+    }
+    if (const int error = session.ProgramDb->Execute("DELETE *" + which)) return error;
+    if (const int error = transaction.Commit()) return error;
+    step.Keep();
+    return 0;
 }
 
 int SetPayload(Session& session, engine::Recordset& row, std::string_view payload) {
@@ -106,6 +135,8 @@ Result<std::optional<Secret>> FetchSinglePayload(Session& session, std::uint8_t 
 }
 
 int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, std::string_view payload) {
+    const bool ofCategories = fSec == kListClass;
+    UndoStep step(session, fSub, {"change of the categories", "The categories were changed.", true});
     engine::Transaction transaction(*session.ProgramDb);
     if (transaction.error() != 0) return transaction.error();
     auto opened = session.ProgramDb->OpenRecordset("tt");
@@ -120,11 +151,16 @@ int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, s
     } else {
         row.Edit();
     }
+    auto before = added || !ofCategories ? nullptr : ImageOf(row);
     if (const int error = SetPayload(session, row, payload)) return error;
     MarkChange(row, added);
     FillColumns(row, kAllColumns, session.ports.random);
+    const RowMark after = MarkOf(row, fSub);
     if (const int error = row.Update(1, 0)) return error;
-    return transaction.Commit();
+    if (ofCategories) step.Record(NumberOf(row.Field("fPK")), std::move(before), after);
+    if (const int error = transaction.Commit()) return error;
+    step.Keep();
+    return 0;
 }
 
 }  // namespace bmr::store

@@ -19,6 +19,11 @@
 /// and the command line read it here, and nobody lists sections anywhere else.
 namespace bmr::store {
 
+struct SeveralOutcome;
+
+/// Keys of rows that are worked on together.
+using Keys = std::span<const std::int32_t>;
+
 /// The columns of a row that are read in clear.
 struct PlainColumns {
     std::int32_t fPK = 0;
@@ -75,6 +80,8 @@ struct SectionFacts {
     std::string_view command;   ///< on the command line: "memo"
     std::string_view title;     ///< in reports: "Memo"
     std::string_view name;      ///< on its button and in menus: "Memo Pad"
+    std::string_view one;       ///< what one of its records is called: "memo"
+    std::string_view many;      ///< and several: "memos"
     std::string_view purpose;   ///< one sentence, for who has not opened it yet
     std::string_view icon;      ///< name of its icon
     int lastCategory = -1;      ///< its place in `Settings::LastCategory`; -1 none
@@ -93,6 +100,12 @@ struct SectionFacts {
     Result<std::int32_t> (*add)(Session& session, const NewRecord& record) = nullptr;
     std::span<const FieldOption> options = {};
     std::vector<ColumnValue> (*columns)(const PlainColumns& row) = nullptr;
+
+    // What can be done with several records at once.
+
+    SeveralOutcome (*move)(Session& session, Keys keys, std::int32_t category) = nullptr;
+    SeveralOutcome (*hide)(Session& session, Keys keys, bool isPrivate) = nullptr;
+    SeveralOutcome (*remove)(Session& session, Keys keys) = nullptr;
 
     // Of a section whose records have kinds in place of categories.
 

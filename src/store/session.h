@@ -14,6 +14,7 @@
 #include "store/bucketorder.h"
 #include "store/section.h"
 #include "store/settings.h"
+#include "store/undolog.h"
 
 namespace bmr::store {
 
@@ -70,6 +71,7 @@ struct Session {
     PinRecord pin;
 
     BucketOrder bucketOrder;
+    UndoLog undo;  ///< what the user can take back since the file was opened
 
     /// While false, private records are left out of all lists. False until the settings are read, then the
     /// stored value; stored with the settings.

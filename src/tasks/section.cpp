@@ -87,6 +87,8 @@ constexpr store::SectionFacts kSections[] = {
      .command = "todo",
      .title = "Todo",
      .name = "Tasks",
+     .one = "task",
+     .many = "tasks",
      .purpose = "What is to be done, by when.",
      .icon = "view-pim-tasks",
      .lastCategory = 3,
@@ -96,7 +98,10 @@ constexpr store::SectionFacts kSections[] = {
      .list = List,
      .add = Add,
      .options = kOptions,
-     .columns = Columns},
+     .columns = Columns,
+     .move = MoveSeveral,
+     .hide = HideSeveral,
+     .remove = DeleteSeveral},
 };
 
 }  // namespace

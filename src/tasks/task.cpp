@@ -10,6 +10,7 @@ namespace {
 
 using engine::Recordset;
 using store::FieldTag;
+using store::RowChange;
 using store::Session;
 
 constexpr std::int32_t kPriorities = 3;
@@ -43,6 +44,21 @@ int FillRow(Session& session, Task& task, engine::Recordset& row, bool added) {
     row.SetField("fF3", task.completed);
     store::FillColumns(row, {.t2 = true, .t3 = true, .r4 = true}, random);
     return 0;
+}
+
+int Write(Session& session, Task& task) {
+    return WriteRecord(session, task).error;
+}
+
+void Wipe(Task& task) {
+    store::WipeFields(task, kTaskFields);
+}
+
+constexpr store::RecordVerbs<Task> kVerbs{store::Section::Todo, FetchRecord, Write, Wipe, true};
+
+Result<RowChange> Stored(Session& session, Task& task) {
+    if (const int error = Write(session, task)) return Error{error, {}};
+    return RowChange::Changed;
 }
 
 }  // namespace
@@ -165,12 +181,32 @@ TickOutcome SetCompleted(Session& session, std::int32_t key, bool checked) {
     return outcome;
 }
 
-int SetPriority(Session& session, std::int32_t key, std::int32_t priority) {
-    int error = 0;
-    auto task = FetchRecord(session, key, &error);
-    if (!task) return error;
-    task->priority = priority;
-    return WriteRecord(session, *task).error;
+store::SeveralOutcome CompleteSeveral(Session& session, store::Keys keys) {
+    return store::ForSeveral(
+        session, kVerbs, keys, {"completion", "completed"},
+        [&](Task& task) {
+            if (task.completed) return Result<RowChange>(RowChange::Same);
+            task.completed = true;
+            task.completedDate = session.ports.clock.Today();
+            return Stored(session, task);
+        },
+        true);
+}
+
+store::SeveralOutcome SetPriority(Session& session, store::Keys keys, std::int32_t priority) {
+    return store::SetInSeveral(session, kVerbs, keys, {}, &Task::priority, priority);
+}
+
+store::SeveralOutcome MoveSeveral(Session& session, store::Keys keys, std::int32_t category) {
+    return store::MoveSeveral(session, kVerbs, keys, &Task::category, category);
+}
+
+store::SeveralOutcome HideSeveral(Session& session, store::Keys keys, bool isPrivate) {
+    return store::HideSeveral(session, kVerbs, keys, isPrivate);
+}
+
+store::SeveralOutcome DeleteSeveral(Session& session, store::Keys keys) {
+    return store::DeleteSeveral(session, kVerbs, keys);
 }
 
 }  // namespace bmr::tasks

@@ -11,6 +11,7 @@
 #include "store/categories.h"
 #include "store/fieldtable.h"
 #include "store/section_store.h"
+#include "store/severalrows.h"
 
 /// The to-do section without a screen: its record, its list and its rules.
 namespace bmr::tasks {
@@ -111,7 +112,15 @@ struct TickOutcome {
 };
 TickOutcome SetCompleted(store::Session& session, std::int32_t key, bool checked);
 
-/// `mnuTodoPriority`: loads, sets, stores. 0 or an error number; a row that is gone is no error.
-[[nodiscard]] int SetPriority(store::Session& session, std::int32_t key, std::int32_t priority);
+/// `mnuCompleted` on several tasks: sets, and never takes back.
+store::SeveralOutcome CompleteSeveral(store::Session& session, store::Keys keys);
+
+/// `mnuTodoPriority`: loads, sets, stores, those that it changes.
+store::SeveralOutcome SetPriority(store::Session& session, store::Keys keys, std::int32_t priority);
+
+/// The same with other sections' verbs: category, flag, delete.
+store::SeveralOutcome MoveSeveral(store::Session& session, store::Keys keys, std::int32_t category);
+store::SeveralOutcome HideSeveral(store::Session& session, store::Keys keys, bool isPrivate);
+store::SeveralOutcome DeleteSeveral(store::Session& session, store::Keys keys);
 
 }  // namespace bmr::tasks

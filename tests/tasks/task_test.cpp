@@ -158,7 +158,7 @@ TEST(TaskRecord, WhatDoesNotDecodeIsLeftAlone) {
     EXPECT_FALSE(task->readable);
     EXPECT_TRUE(task->isPrivate);
 
-    EXPECT_EQ(SetPriority(store.session, key, Priority::High), 0);
+    EXPECT_EQ(SetPriority(store.session, {&key, 1}, Priority::High).error, 0);
     EXPECT_EQ(SetCompleted(store.session, key, true).error, 0);
     const auto row = store.RowOf(key);
     EXPECT_EQ(TextOf(row->Field("fEtx")), noise);

@@ -10,10 +10,12 @@
 #include "sitting.h"
 #include "store/categories.h"
 #include "store/indices.h"
+#include "store/undo.h"
 
 /// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
-/// memos and confidential records by the functions of their sections, in random order, then reads every one
-/// and compares it with what was stored. What the whole file looks like afterwards is for `bmr check` to say.
+/// memos and confidential records by the functions of their sections, takes such steps back and does them
+/// again, all in random order, then reads every one and compares it with what was stored. What the whole file
+/// looks like afterwards is for `bmr check` to say.
 namespace {
 
 using namespace bmr;
@@ -40,7 +42,7 @@ class Player {
             engine::Transaction transaction(*session_.ProgramDb);
             Check(transaction.error());
             for (int i = 0; i < kOperationsInATransaction && done < operations; ++i, ++done)
-                Draw(2) == 0 ? OnMemos() : OnRecords();
+                Operate();
             Check(transaction.Commit());
         }
     }
@@ -48,15 +50,15 @@ class Player {
     void Compare() {
         session_.ShowPrivate = true;
         auto listed = notes::ListRecords(session_, store::Category::All);
-        if (!listed || listed->size() != memos_.size())
+        if (!listed || listed->size() != memos_.records.size())
             throw Failure("the memos listed are not those stored");
-        for (const Memo& memo : memos_) {
+        for (const Memo& memo : memos_.records) {
             const auto read = notes::FetchRecord(session_, memo.key);
             if (!read || !read->readable || read->subject != memo.subject || read->body != memo.body ||
                 read->category != memo.category || read->isPrivate != memo.isPrivate)
                 throw Failure("memo " + std::to_string(memo.key) + " is not what was stored");
         }
-        for (const Record& record : records_) {
+        for (const Record& record : records_.records) {
             const auto read = confidential::FetchRecord(session_, record.key);
             if (!read || !read->readable || read->n != record.n || read->notes != record.notes ||
                 read->kind != record.kind || read->isPrivate != record.isPrivate)
@@ -65,14 +67,15 @@ class Player {
         std::size_t count = 0;
         for (std::int32_t kind = 1; kind <= 16; ++kind)
             if (const auto keys = confidential::ListRecords(session_, kind)) count += keys->size();
-        if (count != records_.size()) throw Failure("the records listed are not those stored");
+        if (count != records_.records.size()) throw Failure("the records listed are not those stored");
         for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
             if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
                 throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
     }
 
     std::string Counts() const {
-        return std::to_string(memos_.size()) + " memos, " + std::to_string(records_.size()) + " records";
+        return std::to_string(memos_.records.size()) + " memos, " + std::to_string(records_.records.size()) +
+               " records, " + std::to_string(taken_) + " steps back or forth";
     }
 
   private:
@@ -94,34 +97,94 @@ class Player {
     T& Any(std::vector<T>& all) {
         return all[static_cast<std::size_t>(Draw(static_cast<int>(all.size())))];
     }
+    /// What a step made of one record: it was so, or not there, and is so, or gone.
     template <class T>
-    void Remove(std::vector<T>& all) {
-        T& one = Any(all);
+    struct Step {
+        std::uint64_t number;
+        std::int32_t key;
+        std::optional<T> before;
+        std::optional<T> after;
+    };
+    template <class T>
+    struct Steps {
+        std::uint8_t section;
+        std::vector<T> records;
+        std::vector<Step<T>> done;
+        std::vector<Step<T>> undone;
+    };
+
+    template <class T>
+    static void Put(std::vector<T>& all, std::int32_t key, const std::optional<T>& one) {
+        std::erase_if(all, [key](const T& each) { return each.key == key; });
+        if (one) all.push_back(*one);
+    }
+    template <class T>
+    void Did(Steps<T>& steps, std::int32_t key, std::optional<T> before, std::optional<T> after) {
+        Put(steps.records, key, after);
+        const auto* step = store::NextStep(session_, steps.section, store::UndoWay::Undo);
+        steps.done.push_back({step->number, key, std::move(before), std::move(after)});
+        steps.undone.clear();
+    }
+    template <class T>
+    void Remove(Steps<T>& steps) {
+        const T one = Any(steps.records);
         Check(store::DeleteRow(session_, one.key));
-        std::swap(one, all.back());
-        all.pop_back();
+        Did(steps, one.key, std::optional(one), {});
+    }
+    /// Some steps back, and some of them forward again.
+    template <class T>
+    void GoBackAndForth(Steps<T>& steps) {
+        for (int i = Draw(6); i > 0; --i)
+            Take(steps, store::UndoWay::Undo, steps.done, steps.undone);
+        for (int i = Draw(4); i > 0; --i)
+            Take(steps, store::UndoWay::Redo, steps.undone, steps.done);
+    }
+    template <class T>
+    void Take(Steps<T>& steps, store::UndoWay way, std::vector<Step<T>>& from, std::vector<Step<T>>& to) {
+        const auto* step = store::NextStep(session_, steps.section, way);
+        if (step == nullptr) return;
+        if (from.empty() || from.back().number != step->number) throw Failure("another step than the last");
+        const auto outcome = store::TakeStep(session_, steps.section, way);
+        Check(outcome.error);
+        if (outcome.written != 1 || outcome.left != 0) throw Failure("a step was not taken back whole");
+        Step<T> taken = std::move(from.back());
+        from.pop_back();
+        const auto other = way == store::UndoWay::Undo ? store::UndoWay::Redo : store::UndoWay::Undo;
+        taken.number = store::NextStep(session_, steps.section, other)->number;
+        Put(steps.records, taken.key, way == store::UndoWay::Undo ? taken.before : taken.after);
+        to.push_back(std::move(taken));
+        ++taken_;
     }
     static void Check(int error) {
         if (error != 0) throw Failure("an operation failed with " + std::to_string(error));
     }
 
+    void Operate() {
+        const int what = Draw(20);
+        if (what == 0) return GoBackAndForth(memos_);
+        if (what == 1) return GoBackAndForth(records_);
+        what % 2 == 0 ? OnMemos() : OnRecords();
+    }
+
     void OnMemos() {
-        const int what = memos_.empty() ? 0 : Draw(10);
+        const int what = memos_.records.empty() ? 0 : Draw(10);
         if (what == 9) return Remove(memos_);
-        Memo* old = what < 5 ? nullptr : &Any(memos_);
+        std::optional<Memo> old;
+        if (what >= 5) old = Any(memos_.records);
         Memo memo = old ? *old : notes::ClearRecord(session_, 0);
         if (what < 7) memo.subject = Name();
         if (!old || what == 7) memo.body = Text();
         if (!old || what == 8) memo.category = Draw(kCategories);
         memo.isPrivate = Draw(10) == 0;
         Check(notes::WriteRecord(session_, memo));
-        Keep(memos_, old, std::move(memo));
+        Did(memos_, memo.key, old, std::optional(memo));
     }
 
     void OnRecords() {
-        const int what = records_.empty() ? 0 : Draw(10);
+        const int what = records_.records.empty() ? 0 : Draw(10);
         if (what == 9) return Remove(records_);
-        Record* old = what < 5 ? nullptr : &Any(records_);
+        std::optional<Record> old;
+        if (what >= 5) old = Any(records_.records);
         Record record = old ? *old : Record();
         if (!old) record.kind = 1 + Draw(16);
         if (what < 7) record.n[0] = Name();
@@ -129,21 +192,14 @@ class Player {
         if (!old || what == 7) record.notes = Text();
         record.isPrivate = Draw(10) == 0;
         Check(confidential::WriteRecord(session_, record));
-        Keep(records_, old, std::move(record));
-    }
-
-    template <class T>
-    static void Keep(std::vector<T>& all, T* old, T one) {
-        if (old)
-            *old = std::move(one);
-        else
-            all.push_back(std::move(one));
+        Did(records_, record.key, old, std::optional(record));
     }
 
     store::Session& session_;
     std::mt19937 random_;
-    std::vector<Memo> memos_;
-    std::vector<Record> records_;
+    Steps<Memo> memos_{store::Section::Memo, {}, {}, {}};
+    Steps<Record> records_{store::Section::Confidential, {}, {}, {}};
+    int taken_ = 0;  ///< steps that were taken back or done again
 };
 
 }  // namespace

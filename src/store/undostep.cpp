@@ -1,0 +1,51 @@
+#include "store/undostep.h"
+
+#include "store/sections.h"
+
+namespace bmr::store {
+
+UndoStep::UndoStep(Session& session, std::uint8_t section, StepWords words)
+    : session_(session), outer_(!session.undo.open) {
+    if (!outer_) return;
+    UndoRecord& step = session.undo.open.emplace();
+    step.section = section;
+    step.words = std::move(words);
+    step.privateShown = session.ShowPrivate;
+    session.undo.spread.clear();
+}
+
+UndoStep::~UndoStep() {
+    if (outer_ && !kept_) session_.undo.open.reset();
+}
+
+void UndoStep::Record(std::int32_t fPK, std::unique_ptr<RowImage> before,
+                      const std::optional<RowMark>& after) {
+    UndoLog& log = session_.undo;
+    UndoRecord& step = *log.open;
+    ++step.rows;
+    if (!before) ++step.added;
+    if (!after) ++step.deleted;
+    const auto mark = before ? std::optional(MarkOf(*before, step.section)) : std::nullopt;
+    if (!mark || !after || !mark->SamePlace(*after))
+        for (const auto* end : {&mark, &after})
+            if (*end && (*end)->stretch)
+                step.places.try_emplace(*(*end)->stretch, PlaceChange{log.StateOf(*(*end)->stretch), 0});
+    if (step.tooLarge) return;
+    step.entries.push_back({fPK, std::move(before), after ? std::optional(after->stamp) : std::nullopt});
+    step.size += SizeOf(step.entries.back());
+    step.tooLarge = step.size > UndoLog::kMostBytes;
+    if (!step.tooLarge) return;
+    step.entries = std::vector<UndoEntry>();
+    step.size = 0;
+}
+
+void UndoStep::Keep() {
+    kept_ = true;
+    if (!outer_) return;
+    if (session_.undo.open->rows > 0 && FactsOf(session_.undo.open->section))
+        session_.undo.Close();
+    else
+        session_.undo.open.reset();
+}
+
+}  // namespace bmr::store

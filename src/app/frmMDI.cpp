@@ -167,8 +167,17 @@ void frmMDI::ConnectMenus() {
     on(menus_.mnuHelpAbout, [this] { ShowAbout(this, parts_.about); });
     on(menus_.mnuEditCut, &frmMDI::ClipboardUsed);
     on(menus_.mnuEditCopy, &frmMDI::ClipboardUsed);
-    connect(menus_.mnuEdit, &QMenu::aboutToShow, this,
-            [this] { EnableEditEntries(menus_, QApplication::focusWidget()); });
+    on(menus_.mnuEditUndo, [this] { TakeStep(store::UndoWay::Undo); });
+    on(menus_.mnuEditRedo, [this] { TakeStep(store::UndoWay::Redo); });
+    connect(menus_.mnuEdit, &QMenu::aboutToShow, this, [this] {
+        EnableEditEntries(menus_, QApplication::focusWidget());
+        NameSteps();
+    });
+    // An entry that is greyed would not hear its key either, and what can be undone changes all the time.
+    connect(menus_.mnuEdit, &QMenu::aboutToHide, this, [this] {
+        menus_.mnuEditUndo->setEnabled(true);
+        menus_.mnuEditRedo->setEnabled(true);
+    });
 }
 
 void frmMDI::ConnectView() {

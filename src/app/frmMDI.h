@@ -16,6 +16,7 @@
 #include "shell/navigator.h"
 #include "shell/startflow.h"
 #include "store/session.h"
+#include "store/undo.h"
 
 class QLabel;
 class QLineEdit;
@@ -100,6 +101,10 @@ class frmMDI final : public QMainWindow {
     void mnuFileNew_Click();
     void mnuFileOpen_Click();
     void mnuFileCloseDB_Click();
+    /// Takes the open section's last step back, or does it again.
+    void TakeStep(store::UndoWay way);
+    /// What the entries Undo and Redo say, and whether they can be chosen.
+    void NameSteps();
     void mnuToolsPassphrase_Click();
     void mnuDbRepair_Click();
     void mnuToolsPreferences_Click();

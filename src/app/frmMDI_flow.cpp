@@ -21,7 +21,11 @@
 #include "custody/lifecycle.h"
 #include "custody/openfailure.h"
 #include "custody/passphrase.h"
+#include "kit/failure.h"
 #include "kit/icons.h"
+#include "kit/listpane.h"
+#include "kit/recordlistview.h"
+#include "kit/steps.h"
 #include "shell/navigator.h"
 
 namespace bmr::app {
@@ -171,6 +175,8 @@ void frmMDI::ShowForm(std::uint8_t code) {
     status_->clear();
     form_ = factory->second(session_, stack_);
     connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
+    if (const auto* pane = form_->Pane())
+        connect(pane, &kit::ListPane::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
     connect(form_, &SectionForm::DraftSettled, this, &frmMDI::ForgetDraft);
     stack_->addWidget(form_);
     stack_->setCurrentWidget(form_);
@@ -250,6 +256,35 @@ void frmMDI::CloseDatabase() {
         emit DatabaseClosed();
     }
     ShowWithoutDatabase();
+}
+
+void frmMDI::NameSteps() {
+    const auto name = [this](QAction* entry, const QString& word, store::UndoWay way) {
+        const auto* step = form_ ? store::NextStep(session_, session_.SectionCode, way) : nullptr;
+        entry->setText(step ? word + " " + kit::StepName(*step) : word);
+        entry->setEnabled(form_ && store::MayTake(session_, session_.SectionCode, way));
+    };
+    name(menus_.mnuEditUndo, tr("&Undo"), store::UndoWay::Undo);
+    name(menus_.mnuEditRedo, tr("&Redo"), store::UndoWay::Redo);
+}
+
+void frmMDI::TakeStep(store::UndoWay way) {
+    const std::uint8_t section = session_.SectionCode;
+    kit::ListPane* pane = form_ ? form_->Pane() : nullptr;
+    if (flows_ > 0 || !pane || form_->Editing() || !store::MayTake(session_, section, way)) return;
+    const QString step = kit::StepName(*store::NextStep(session_, section, way));
+    const auto outcome = store::TakeStep(session_, section, way);
+    kit::TellFailure(session_, outcome.error, tr("Nothing was taken back."));
+    if (outcome.error != 0 || !form_) return;
+    form_->Refresh();
+    // The filter may hide what has come back, or the row be one of another kind.
+    if (!outcome.keys.empty()) {
+        form_->SelectRecord(outcome.keys.front());
+        pane->List()->SelectKeys(outcome.keys);
+    }
+    const QString done = way == store::UndoWay::Undo ? tr("Undone: %1.") : tr("Done again: %1.");
+    pane->Say(kit::StepTaken(done.arg(step), outcome));
+    pane->setFocus(Qt::OtherFocusReason);
 }
 
 void frmMDI::mnuFileCloseDB_Click() {

@@ -74,6 +74,9 @@ void Forward(QAction* action, const char* slot) {
 
 void BuildEdit(MdiMenus& m, QMenuBar& bar) {
     Builder edit(m.mnuEdit = bar.addMenu(QObject::tr("&Edit")), "mnuEdit");
+    m.mnuEditUndo = edit.Add("mnuEditUndo", QObject::tr("&Undo"), "edit-undo", QKeySequence("Ctrl+Z"));
+    m.mnuEditRedo = edit.Add("mnuEditRedo", QObject::tr("&Redo"), "edit-redo", QKeySequence("Ctrl+Shift+Z"));
+    edit.Line();
     m.mnuEditCut = edit.Add("mnuEditCut", QObject::tr("Cu&t"), "edit-cut", QKeySequence::Cut);
     m.mnuEditCopy = edit.Add("mnuEditCopy", QObject::tr("&Copy"), "edit-copy", QKeySequence::Copy);
     m.mnuEditPaste = edit.Add("mnuEditPaste", QObject::tr("&Paste"), "edit-paste", QKeySequence::Paste);

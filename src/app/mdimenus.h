@@ -23,6 +23,8 @@ struct MdiMenus {
     QAction* mnuFileCloseDB;
     QAction* mnuFileQuit;
 
+    QAction* mnuEditUndo;
+    QAction* mnuEditRedo;
     QAction* mnuEditCut;
     QAction* mnuEditCopy;
     QAction* mnuEditPaste;

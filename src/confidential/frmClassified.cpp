@@ -236,9 +236,12 @@ void frmClassified::ShowNothing() {
 void frmClassified::cmdDelete_Click() {
     const std::int32_t key = ListSelect->SelectedKey();
     if (model_->rowCount() == 0 || key == kit::RecordListView::kNoKey) return;
+    if (ListSelect->SelectedCount() > 1) return pane_->DeleteSelected(79);
     if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteText(record_.n[0]))) != Answer::Ok) return;
-    kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The record was not deleted."));
+    const int error = store::DeleteRow(session_, key);
+    kit::TellFailure(session_, error, tr("The record was not deleted."));
     listSelect_Initialize(store::kNewRecord);
+    if (error == 0) pane_->TellStep();
 }
 
 }  // namespace bmr::confidential

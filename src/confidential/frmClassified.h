@@ -42,6 +42,7 @@ class frmClassified final : public SectionForm {
     void Refresh() override;
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
+    kit::ListPane* Pane() const override { return pane_; }
     bool Editing() const override { return round_.Open(); }
     std::vector<custody::Draft> Drafts() const override { return round_.Drafts(); }
     void OpenDraft(const custody::Draft& draft) override;

@@ -121,7 +121,8 @@ QWidget* frmClassified::BuildList() {
         return model_->Rebuild(search);
     };
     pane_ = new kit::ListPane(session_, model_,
-                              {.name = "ListSelect",
+                              {.section = store::Section::Confidential,
+                               .name = "ListSelect",
                                .caption = tr("Records"),
                                .read = read,
                                .unread = tr("The records could not be read."),
@@ -135,6 +136,8 @@ QWidget* frmClassified::BuildList() {
                                .remove = deleteRecord_,
                                .menu = [this](const QPoint& at) { menu_->popup(at); }});
     ListSelect = pane_->List();
+    menu_->insertActions(copyField_, pane_->RowActions());
+    menu_->insertSeparator(copyField_);
     ListSelect->setHeaderHidden(true);
     ListSelect->viewport()->installEventFilter(this);
     connect(ListSelect, &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);

@@ -3,13 +3,17 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QStackedLayout>
+#include <QTimer>
+#include <QVBoxLayout>
 
 #include "kit/emptystate.h"
 #include "kit/failure.h"
 #include "kit/formparts.h"
 #include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
+#include "kit/strip.h"
 #include "store/session.h"
+#include "store/undo.h"
 
 namespace bmr::kit {
 
@@ -20,7 +24,15 @@ ListPane::ListPane(store::Session& session, RecordListModel* model, ListParts pa
       beforeSearch_(RecordListView::kNoKey),
       list_(new RecordListView),
       empty_(new EmptyState),
-      stack_(new QStackedLayout(this)) {
+      stack_(new QStackedLayout),
+      strip_(new Strip),
+      stripTime_(new QTimer(this)) {
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(stack_, 1);
+    column->addWidget(strip_);
+    BuildRowActions();
     list_->setObjectName(parts_.name);
     list_->setAccessibleName(parts_.caption);
     list_->setFrameShape(QFrame::NoFrame);
@@ -42,13 +54,18 @@ std::array<QPushButton*, 3> ListPane::MakeButtons() const {
 }
 
 void ListPane::Rebuild(std::int32_t key) {
+    Rebuild(std::vector{key});
+}
+
+void ListPane::Rebuild(const std::vector<std::int32_t>& keys) {
     if (!session_.DatabaseOpen || session_.ending) return;
     read_ = true;
     int error = 0;
     list_->Rebuild([&] { error = parts_.read(search_); });
     TellFailure(session_, error, parts_.unread);
+    if (toldStep_ != 0 && !store::MayTake(session_, parts_.section, store::UndoWay::Undo)) strip_->Clear();
     ShowState();
-    list_->SelectKey(key);
+    list_->SelectKeys(keys);
     TellStatus();
 }
 

@@ -1,14 +1,20 @@
 #pragma once
 
 #include <QAction>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
+#include "store/severalrows.h"
+
+class QMenu;
 class QPushButton;
 class QStackedLayout;
+class QTimer;
 
 namespace bmr::store {
 struct Session;
@@ -16,9 +22,12 @@ struct Session;
 
 namespace bmr::kit {
 
+class CategoryDrop;
+class CategoryField;
 class EmptyState;
 class RecordListModel;
 class RecordListView;
+class Strip;
 
 /// What stands in the place of a list without rows: a sentence, and what would show more.
 struct Emptiness {
@@ -28,6 +37,7 @@ struct Emptiness {
 
 /// What a section says of its list, and does with it.
 struct ListParts {
+    std::uint8_t section;
     const char* name;  ///< of the list
     QString caption;   ///< for a screen reader
 
@@ -50,10 +60,14 @@ struct ListParts {
     QAction* edit;
     QAction* remove;
     std::function<void(const QPoint& at)> menu;
+
+    /// The filter, in whose categories rows can be put; none where records have kinds.
+    CategoryField* categories = nullptr;
 };
 
-/// A section's list with what stands in its place when it is empty, its search, and its count for the status
-/// line. The first `Rebuild` reads it; until then it holds nothing and counts nothing.
+/// A section's list with what stands in its place when it is empty, its search, its count for the status
+/// line, what can be done with several of its rows, and a line for ten seconds that says what was done. The
+/// first `Rebuild` reads it; until then it holds nothing and counts nothing.
 class ListPane final : public QWidget {
     Q_OBJECT
 
@@ -69,6 +83,22 @@ class ListPane final : public QWidget {
     /// nothing is selected. Nothing happens once the database is closed.
     void Rebuild(std::int32_t key);
 
+    /// The same with several rows.
+    void Rebuild(const std::vector<std::int32_t>& keys);
+
+    /// What can be done with the selected rows beside the section's own verbs: another category, the private
+    /// flag. For the section's menus.
+    QList<QAction*> RowActions() const { return rowActions_; }
+    /// Asks, with the text of message `number` and the count, and deletes the selected rows, which are
+    /// several.
+    void DeleteSelected(int number);
+    /// Runs something that changes the selected rows, tells what came of it, and shows the list anew.
+    void ChangeSelected(const std::function<store::SeveralOutcome(store::Keys keys)>& change);
+    /// Says that the section's last step was done and can be taken back.
+    void TellStep();
+    /// Words in the line below the list.
+    void Say(const QString& text);
+
     /// Narrows the list. What was selected stays so if it is still there; back from the search it is what was
     /// selected before, else the first.
     void SetSearch(const QString& text);
@@ -79,12 +109,21 @@ class ListPane final : public QWidget {
 
   signals:
     void StatusChanged(const QString& text);
+    /// The line's button: the last step is to be taken back.
+    void UndoWanted();
 
   protected:
     void showEvent(QShowEvent* event) override;
 
   private:
     void ShowState();
+    void BuildRowActions();
+    void FillCategoryMenu(QMenu& menu);
+    void MoveSelected(std::int32_t category);
+    void UnfoldCategories();
+    /// Runs a rebuild and selects what is left of `keys`, else puts the cursor where the first of them was.
+    void ShowAfter(const std::vector<std::int32_t>& keys, int row);
+    void TellUnread(std::size_t unread);
 
     store::Session& session_;
     RecordListModel* model_;
@@ -95,6 +134,11 @@ class ListPane final : public QWidget {
     RecordListView* list_;
     EmptyState* empty_;
     QStackedLayout* stack_;
+    Strip* strip_;
+    QTimer* stripTime_;
+    std::uint64_t toldStep_ = 0;  ///< number of the step that the strip offers to take back
+    QList<QAction*> rowActions_;
+    QPointer<CategoryDrop> drop_;
 };
 
 }  // namespace bmr::kit

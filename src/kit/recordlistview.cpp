@@ -2,11 +2,17 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDrag>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QMenu>
+#include <QMimeData>
+#include <QPainter>
 #include <QVariantMap>
+#include <algorithm>
 
+#include "kit/categorydrop.h"
 #include "kit/recorddelegate.h"
 #include "kit/recordlistmodel.h"
 
@@ -26,7 +32,9 @@ RecordListView::RecordListView(QWidget* parent) : QTreeView(parent) {
     setItemsExpandable(false);
     setAllColumnsShowFocus(true);
     setAlternatingRowColors(true);
-    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setDragDropMode(QAbstractItemView::DragOnly);
+    setDragEnabled(false);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
@@ -51,7 +59,9 @@ void RecordListView::SetModel(RecordListModel* model) {
 
 int RecordListView::SelectedRow() const {
     if (!selectionModel() || !selectionModel()->hasSelection()) return -1;
-    return selectionModel()->selectedRows().constFirst().row();
+    const QModelIndex current = selectionModel()->currentIndex();
+    if (selectionModel()->isSelected(current)) return current.row();
+    return selectionModel()->selection().constFirst().top();
 }
 
 std::int32_t RecordListView::SelectedKey() const {
@@ -59,14 +69,47 @@ std::int32_t RecordListView::SelectedKey() const {
     return row < 0 ? kNoKey : model_->KeyAt(row);
 }
 
+std::vector<int> RecordListView::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection())
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row);
+    // A row can lie in several pieces: columns that are hidden or moved cut it.
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+std::vector<std::int32_t> RecordListView::SelectedKeys() const {
+    std::vector<std::int32_t> keys;
+    for (const int row : SelectedRows())
+        keys.push_back(model_->KeyAt(row));
+    return keys;
+}
+
 void RecordListView::SelectKey(std::int32_t key) {
-    const int row = key == kNoKey ? -1 : model_->RowOf(key);
-    if (row < 0) {
-        selectionModel()->clear();
-        return;
+    SelectKeys({key});
+}
+
+void RecordListView::SelectKeys(const std::vector<std::int32_t>& keys) {
+    std::vector<int> rows;
+    for (const std::int32_t key : keys)
+        if (const int row = key == kNoKey ? -1 : model_->RowOf(key); row >= 0) rows.push_back(row);
+    if (rows.empty()) return selectionModel()->clear();
+    std::sort(rows.begin(), rows.end());
+    // Whole stretches: each piece of a selection costs its painter and whoever asks for it.
+    QItemSelection chosen;
+    for (std::size_t from = 0, to = 0; from < rows.size(); from = ++to) {
+        while (to + 1 < rows.size() && rows[to + 1] <= rows[to] + 1)
+            ++to;
+        chosen.append(QItemSelectionRange(model_->index(rows[from], 0),
+                                          model_->index(rows[to], model_->columnCount() - 1)));
     }
-    setCurrentIndex(model_->index(row, 0));
-    scrollTo(model_->index(row, 0));
+    // What modifier is held down just now must not matter.
+    const QModelIndex first = model_->index(rows.front(), 0);
+    selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(chosen, QItemSelectionModel::ClearAndSelect);
+    scrollTo(first);
 }
 
 void RecordListView::SelectFirst() {
@@ -113,6 +156,28 @@ void RecordListView::keyboardSearch(const QString& letters) {
         setCurrentIndex(index);
         return;
     }
+}
+
+void RecordListView::startDrag(Qt::DropActions) {
+    const int count = SelectedCount();
+    if (count == 0) return;
+    QDrag drag(this);
+    auto* data = new QMimeData;
+    data->setData(RowDrag::Mime(), QByteArray::number(QCoreApplication::applicationPid()));
+    drag.setMimeData(data);
+    const QString words = QLocale().toString(count);
+    QPixmap label((fontMetrics().size(0, words) + QSize(16, 8)) * devicePixelRatioF());
+    label.setDevicePixelRatio(devicePixelRatioF());
+    label.fill(palette().color(QPalette::Highlight));
+    QPainter painter(&label);
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::HighlightedText));
+    painter.drawText(QRectF(QPointF(), label.deviceIndependentSize()), Qt::AlignCenter, words);
+    painter.end();
+    drag.setPixmap(label);
+    emit DragBegun();
+    drag.exec(Qt::LinkAction | Qt::MoveAction | Qt::CopyAction, Qt::LinkAction);
+    emit DragEnded();
 }
 
 void RecordListView::keyPressEvent(QKeyEvent* event) {

@@ -3,13 +3,15 @@
 #include <QElapsedTimer>
 #include <QTreeView>
 #include <functional>
+#include <vector>
 
 namespace bmr::kit {
 
 class RecordListModel;
 
-/// A section's list: one selected row, rows of even height, columns that can be hidden and moved. Selection
-/// and scroll position hang on keys, not on row numbers, so that they survive sorting and rebuilding.
+/// A section's list: rows that can be selected together, rows of even height, columns that can be hidden and
+/// moved. Selection and scroll position hang on keys, not on row numbers, so that they survive sorting and
+/// rebuilding.
 class RecordListView final : public QTreeView {
     Q_OBJECT
 
@@ -19,13 +21,18 @@ class RecordListView final : public QTreeView {
     /// The view does not own it.
     void SetModel(RecordListModel* model);
 
-    /// Key of the selected row, or `none`.
+    /// Key of the selected row, or `none`; of several the one with the cursor, else the first.
     static constexpr std::int32_t kNoKey = -1;
     std::int32_t SelectedKey() const;
     int SelectedRow() const;
+    /// All of them, in the order of the list.
+    std::vector<std::int32_t> SelectedKeys() const;
+    int SelectedCount() const { return static_cast<int>(SelectedRows().size()); }
 
     /// Selects the row of that key and scrolls to it; without such a row nothing is selected.
     void SelectKey(std::int32_t key);
+    /// Selects the rows of these keys, and scrolls to the first.
+    void SelectKeys(const std::vector<std::int32_t>& keys);
     void SelectFirst();
     /// Selects the first of these keys that has a row, else the first row.
     void SelectOneOf(std::initializer_list<std::int32_t> keys);
@@ -44,19 +51,24 @@ class RecordListView final : public QTreeView {
     void keyboardSearch(const QString& letters) override;
 
   signals:
+    /// Rows are being dragged, until `DragEnded`.
+    void DragBegun();
+    void DragEnded();
     void KeySelected(std::int32_t key);
     void EditWanted();
     void DeleteWanted();
     void TickWanted();
-    /// A menu at that place of the screen, for the selected row or for none.
+    /// A menu at that place of the screen, for the selected rows or for none.
     void MenuWanted(const QPoint& at);
 
   protected:
+    void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
   private:
+    std::vector<int> SelectedRows() const;
     void HeaderMenu(const QPoint& at);
     void SaveColumns() const;
 

@@ -14,6 +14,10 @@
 
 namespace bmr {
 
+namespace kit {
+class ListPane;
+}
+
 /// What the main window asks of a section's screen. A section form is made when its section is opened and
 /// deleted when it is closed; its destructor stores what the section keeps (the last category) in the
 /// session.
@@ -38,6 +42,9 @@ class SectionForm : public QWidget {
 
     /// Selects a record of the section by its key, changing the category filter where that is needed.
     virtual void SelectRecord(std::int32_t fPK) = 0;
+
+    /// The section's list; none where it has another face.
+    virtual kit::ListPane* Pane() const { return nullptr; }
 
     /// True while a record of the section is open in an editor.
     virtual bool Editing() const { return false; }

@@ -12,6 +12,7 @@
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 #include "notes/frmEditNotepad.h"
+#include "store/undo.h"
 
 namespace bmr::notes {
 
@@ -138,23 +139,33 @@ void frmNotepad::EditRecord(Memo memo, const custody::Draft* draft) {
 void frmNotepad::cmdDelete_Click() {
     const std::int32_t key = listSelect->SelectedKey();
     if (key == kit::RecordListView::kNoKey) return;
+    if (listSelect->SelectedCount() > 1) return pane_->DeleteSelected(27);
     const int row = listSelect->SelectedRow();
     const Box box = ConfirmDelete(27, DeleteText(kit::TakeWords(model_->Name(row))));
     if (session_.ports.prompter.Ask(box) != Answer::Ok) return;
-    kit::TellFailure(session_, store::DeleteRow(session_, key), tr("The memo was not deleted."));
+    const int error = store::DeleteRow(session_, key);
+    kit::TellFailure(session_, error, tr("The memo was not deleted."));
     pane_->Rebuild(store::kNewRecord);
     listSelect->SelectFirst();
+    if (error == 0) pane_->TellStep();
 }
 
 void frmNotepad::mnuMemoDeleteAll_Click(bool oneCategory) {
     if (model_->rowCount() == 0 || (oneCategory && cboCategories->Number() == Category::All)) return;
-    const int first = oneCategory ? 102 : 80;
-    for (const int number : {first, 81})
-        if (session_.ports.prompter.Ask(ConfirmDelete(number, Msg(number))) != Answer::Ok) return;
-    const int error = DeleteRecords(session_, oneCategory ? cboCategories->Number() : Category::All);
+    const std::int32_t category = oneCategory ? cboCategories->Number() : Category::All;
+    const bool noWayBack =
+        store::TooLargeToUndo(session_, store::Section::Memo, store::CategoryClause(category));
+    if (session_.ports.prompter.Ask(ConfirmDelete(oneCategory ? 102 : 80, Msg(oneCategory ? 102 : 80))) !=
+        Answer::Ok)
+        return;
+    if (session_.ports.prompter.Ask(ConfirmDelete(81, Msg(81) + (noWayBack ? store::kCannotBeUndone : ""))) !=
+        Answer::Ok)
+        return;
+    const int error = DeleteRecords(session_, category);
     kit::TellFailure(session_, error, tr("The memos were not deleted."));
     pane_->Rebuild(store::kNewRecord);
     listSelect->SelectFirst();
+    if (error == 0) pane_->TellStep();
 }
 
 }  // namespace bmr::notes

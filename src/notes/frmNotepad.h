@@ -31,6 +31,7 @@ class frmNotepad final : public SectionForm {
     void Refresh() override;
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
+    kit::ListPane* Pane() const override { return pane_; }
     bool Editing() const override { return round_.Open() || cboCategories->Editing(); }
     std::vector<custody::Draft> Drafts() const override { return round_.Drafts(); }
     void OpenDraft(const custody::Draft& draft) override;

@@ -67,7 +67,8 @@ void frmNotepad::BuildList() {
         return model_->Rebuild(search);
     };
     pane_ = new kit::ListPane(session_, model_,
-                              {.name = "listSelect",
+                              {.section = store::Section::Memo,
+                               .name = "listSelect",
                                .caption = tr("Memos"),
                                .read = read,
                                .unread = tr("The memos could not be read."),
@@ -79,8 +80,10 @@ void frmNotepad::BuildList() {
                                .add = mnuMemoAdd,
                                .edit = mnuMemoEdit,
                                .remove = mnuMemoDeleteSelected,
-                               .menu = [this](const QPoint& at) { menu_->popup(at); }});
+                               .menu = [this](const QPoint& at) { menu_->popup(at); },
+                               .categories = cboCategories});
     listSelect = pane_->List();
+    menu_->insertActions(menu_->actions().constLast(), pane_->RowActions());
     listSelect->setHeaderHidden(true);
     connect(listSelect, &kit::RecordListView::KeySelected, this, &frmNotepad::ShowMemo);
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmNotepad::StatusChanged);

@@ -33,6 +33,9 @@ UndoOutcome TakeStep(Session& session, std::uint8_t section, UndoWay way);
 /// The numbers of categories that rows and lists of a section's steps carry.
 std::set<std::int32_t> NumbersInSteps(Session& session, std::uint8_t section);
 
+/// What a question adds to its text then.
+inline constexpr const char* kCannotBeUndone = "\r\n\r\nThis cannot be undone.";
+
 /// Whether a delete of the rows of a section that meet `clauses`, or of those keys, takes more memory than
 /// all steps may, so that it cannot be taken back.
 bool TooLargeToUndo(Session& session, std::uint8_t section, const std::string& clauses);

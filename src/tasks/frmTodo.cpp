@@ -67,7 +67,8 @@ QStringList frmTodo::StatusWords() const {
     QStringList words;
     if (const int overdue = model_->CountOverdue())
         words << tr("%1 overdue").arg(QLocale().toString(overdue));
-    if (Selected()) words << tr("1 selected");
+    if (const int selected = TodoList->SelectedCount())
+        words << tr("%1 selected").arg(QLocale().toString(selected));
     return words;
 }
 
@@ -182,37 +183,41 @@ void frmTodo::Tick(std::int32_t key, bool checked) {
 }
 
 void frmTodo::mnuCompleted_Click() {
-    if (const auto key = Selected()) Tick(*key, true);
+    const auto key = Selected();
+    if (TodoList->SelectedCount() > 1)
+        pane_->ChangeSelected([this](store::Keys keys) { return CompleteSeveral(session_, keys); });
+    else if (key)
+        Tick(*key, true);
 }
 
 void frmTodo::mnuTodoPriority_Click(int Index) {
-    const auto key = Selected();
-    if (!key) return;
-    kit::TellFailure(session_, SetPriority(session_, *key, Index), tr("The task was not stored."));
-    pane_->Rebuild(*key);
+    pane_->ChangeSelected([&](store::Keys keys) { return SetPriority(session_, keys, Index); });
+}
+
+void frmTodo::ShowDeleted(const DeleteOutcome& outcome, const QString& failure) {
+    kit::TellFailure(session_, outcome.error, failure);
+    if (!outcome.rebuild) return;
+    const int row = TodoList->SelectedRow();
+    showListitems();
+    TodoList->PutCursor(qMax(row, 0));
+    pane_->TellStep();
 }
 
 void frmTodo::mnuTodoDeleteItem_Click() {
+    if (TodoList->SelectedCount() > 1) return pane_->DeleteSelected(29);
     const auto key = Selected();
-    const int row = TodoList->SelectedRow();
-    const Bytes text = key ? kit::TakeWords(model_->TaskText(row)) : Bytes();
+    Bytes text = key ? kit::TakeWords(model_->TaskText(TodoList->SelectedRow())) : Bytes();
     const auto outcome = DeleteItem(session_, key, text);
-    kit::TellFailure(session_, outcome.error, tr("The task was not deleted."));
-    if (!outcome.rebuild) return;
-    showListitems();
-    TodoList->PutCursor(row);
+    cry::WipeString(text);
+    ShowDeleted(outcome, tr("The task was not deleted."));
 }
 
 void frmTodo::mnuTodoDeleteCompleted_Click() {
-    const auto outcome = DeleteCompleted(session_);
-    kit::TellFailure(session_, outcome.error, tr("The tasks were not deleted."));
-    if (outcome.rebuild) showListitems();
+    ShowDeleted(DeleteCompleted(session_), tr("The tasks were not deleted."));
 }
 
 void frmTodo::mnuTodoDeleteAll_Click() {
-    const auto outcome = DeleteAll(session_, model_->rowCount() == 0);
-    kit::TellFailure(session_, outcome.error, tr("The tasks were not deleted."));
-    if (outcome.rebuild) showListitems();
+    ShowDeleted(DeleteAll(session_, model_->rowCount() == 0), tr("The tasks were not deleted."));
 }
 
 void frmTodo::ColumnClick(int column) {

@@ -31,6 +31,7 @@ class frmTodo final : public SectionForm {
     void Refresh() override;
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
+    kit::ListPane* Pane() const override { return pane_; }
     bool Editing() const override { return round_.Open() || cboCategories->Editing(); }
     std::vector<custody::Draft> Drafts() const override;
     void OpenDraft(const custody::Draft& draft) override;
@@ -61,6 +62,7 @@ class frmTodo final : public SectionForm {
     void ColumnClick(int column);
     void ShowPopup(const QPoint& at);
     void Tick(std::int32_t key, bool checked);
+    void ShowDeleted(const DeleteOutcome& outcome, const QString& failure);
     void AddQuickly();
 
     /// With a draft the editor comes up filled with it.

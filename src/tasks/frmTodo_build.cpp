@@ -137,7 +137,8 @@ void frmTodo::BuildFilter() {
 
 void frmTodo::BuildList() {
     pane_ = new kit::ListPane(session_, model_,
-                              {.name = "TodoList",
+                              {.section = store::Section::Todo,
+                               .name = "TodoList",
                                .caption = tr("Tasks"),
                                .read = [this](const QString& search) { return ReadTasks(search); },
                                .unread = tr("The tasks could not be read."),
@@ -151,7 +152,8 @@ void frmTodo::BuildList() {
                                .add = mnuTodoNew,
                                .edit = mnuTodoEdit,
                                .remove = mnuTodoDeleteSelected,
-                               .menu = [this](const QPoint& at) { ShowPopup(at); }});
+                               .menu = [this](const QPoint& at) { ShowPopup(at); },
+                               .categories = cboCategories});
     TodoList = pane_->List();
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmTodo::StatusChanged);
     setFocusProxy(pane_);
@@ -177,8 +179,13 @@ void frmTodo::BuildList() {
     connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
     connect(TodoList, &kit::RecordListView::KeySelected, pane_, &kit::ListPane::TellStatus);
     connect(TodoList, &kit::RecordListView::TickWanted, this, [this] {
+        if (TodoList->SelectedCount() > 1) return mnuCompleted_Click();
         if (const auto key = Selected()) Tick(*key, !model_->RowAt(TodoList->SelectedRow()).completed);
     });
+    // Both menus were made before the list.
+    for (QMenu* menu : {menu_, mnuTodoRC})
+        menu->insertActions(menu->actions().at(menu == menu_ ? menu->actions().size() - 2 : 4),
+                            pane_->RowActions());
     // The view is still in the click that ticks: rebuild when it has come back from it.
     connect(model_, &TodoModel::Ticked, this, &frmTodo::Tick, Qt::QueuedConnection);
 }

@@ -8,6 +8,7 @@
 #include "base/shortdate.h"
 #include "store/categories.h"
 #include "store/privatefilter.h"
+#include "store/undo.h"
 
 namespace bmr::tasks {
 namespace {
@@ -141,6 +142,11 @@ bool Confirmed(Session& session, int number, std::string text) {
     return session.ports.prompter.Ask(ConfirmDelete(number, std::move(text))) == Answer::Ok;
 }
 
+/// What a question about the deletion of these rows adds when it cannot be taken back.
+std::string WayBack(Session& session, const char* clauses) {
+    return store::TooLargeToUndo(session, store::Section::Todo, clauses) ? store::kCannotBeUndone : "";
+}
+
 DeleteOutcome Deleted(Session& session, int error) {
     if (error == 0) session.CalendarDirty = true;
     return {.error = error, .rebuild = error == 0};
@@ -264,12 +270,15 @@ DeleteOutcome DeleteItem(Session& session, std::optional<std::int32_t> key, std:
 }
 
 DeleteOutcome DeleteCompleted(Session& session) {
-    if (!Confirmed(session, 82, Msg(82))) return {};
-    return Deleted(session, store::DeleteRows(session, store::Section::Todo, " And fF3=True"));
+    constexpr const char* kCompleted = " And fF3=True";
+    if (!Confirmed(session, 82, Msg(82) + WayBack(session, kCompleted))) return {};
+    return Deleted(session, store::DeleteRows(session, store::Section::Todo, kCompleted));
 }
 
 DeleteOutcome DeleteAll(Session& session, bool listIsEmpty) {
-    if (listIsEmpty || !Confirmed(session, 80, Msg(80)) || !Confirmed(session, 81, Msg(81))) return {};
+    if (listIsEmpty || !Confirmed(session, 80, Msg(80)) ||
+        !Confirmed(session, 81, Msg(81) + WayBack(session, "")))
+        return {};
     return Deleted(session, store::DeleteRows(session, store::Section::Todo));
 }
 

@@ -135,7 +135,8 @@ std::map<std::string, QKeySequence::StandardKey> KeysOfTextFields() {
 }
 
 void ExpectOneAskerAKey(const QWidget& window) {
-    const std::set<std::string> handedOn{"mnuEditCut", "mnuEditCopy", "mnuEditPaste", "mnuEditSelectAll"};
+    const std::set<std::string> handedOn{"mnuEditCut",       "mnuEditCopy", "mnuEditPaste",
+                                         "mnuEditSelectAll", "mnuEditUndo", "mnuEditRedo"};
     const auto fields = KeysOfTextFields();
     const auto askers = AskersIn(window);
     for (auto one = askers.begin(); one != askers.end(); ++one) {

@@ -1,0 +1,243 @@
+// What the user can take back, and what can be done with several rows, by the ways of the window.
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QDropEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
+#include <QPushButton>
+
+#include "app/frmMDI.h"
+#include "confidential/frmClassified.h"
+#include "custody/lifecycle.h"
+#include "kit/categorydrop.h"
+#include "kit/recordlistmodel.h"
+#include "kit/recordlistview.h"
+#include "notes/frmNotepad.h"
+#include "support/forms.h"
+#include "support/sitting.h"
+#include "tasks/frmTodo.h"
+#include "tasks/tasklist.h"
+
+namespace bmr::app {
+namespace {
+
+using store::Section;
+using test::Named;
+
+class WindowSteps : public testing::Test {
+  protected:
+    WindowSteps() {
+        sitting.Make();
+        sitting.session.ShowPrivate = true;
+        EXPECT_EQ(store::StoreCategories(sitting.session, {{"Garden", 1}, {"R&D", 2}}, Section::Todo), 0);
+        for (const char* text : {"ask", "book", "call", "draw"})
+            AddTask(text);
+        for (const char* subject : {"Moss", "Oak"}) {
+            notes::Memo memo = notes::ClearRecord(sitting.session, 0);
+            memo.subject = subject;
+            EXPECT_EQ(notes::WriteRecord(sitting.session, memo), 0);
+        }
+        sitting.Close();
+        SectionTable table;
+        table[Section::Todo] = [](store::Session& s, QWidget* p) { return new tasks::frmTodo(s, p); };
+        table[Section::Memo] = [](store::Session& s, QWidget* p) { return new notes::frmNotepad(s, p); };
+        frame = std::make_unique<frmMDI>(
+            frmMDI::Parts{sitting.session, std::move(table), {sitting.folder.Path() / "documents"}});
+        sitting.prompter.Type(test::kPassphrase);
+        frame->Start(sitting.file);
+        frame->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(frame.get()));
+        GoTo(Section::Todo);
+    }
+    ~WindowSteps() override { sitting.session.ending = true; }
+
+    std::int32_t AddTask(const char* text) {
+        tasks::Task task = tasks::ClearRecord(0);
+        task.task = text;
+        EXPECT_EQ(tasks::WriteRecord(sitting.session, task).error, 0);
+        return task.key;
+    }
+    void GoTo(std::uint8_t section) {
+        frame->optSection_Click(section);
+        list = frame->findChild<kit::RecordListView*>();
+        ASSERT_TRUE(list);
+    }
+    QStringList Shown() const {
+        QStringList texts;
+        for (int row = 0; row < list->model()->rowCount(); ++row)
+            texts << list->model()->index(row, 0).data().toString();
+        texts.sort();
+        return texts;
+    }
+    /// Clicks on the rows of these texts, the first one alone, the others with Ctrl.
+    void Select(const QStringList& texts) {
+        Qt::KeyboardModifiers held;
+        for (const QString& text : texts)
+            for (int row = 0; row < list->model()->rowCount(); ++row) {
+                if (list->model()->index(row, 0).data().toString() != text) continue;
+                const QRect cell = list->visualRect(list->model()->index(row, 0));
+                QTest::mouseClick(list->viewport(), Qt::LeftButton, held, cell.center());
+                held = Qt::ControlModifier;
+            }
+        EXPECT_EQ(list->SelectedCount(), texts.size());
+    }
+    int CategoryOf(const char* text) {
+        const auto keys = tasks::ListRecords(sitting.session, {.showCompleted = true});
+        for (const auto& row : *keys)
+            if (tasks::FetchRecord(sitting.session, row.fPK)->task == text) return row.category;
+        ADD_FAILURE() << "no task " << text;
+        return -1;
+    }
+    QAction& Entry(const char* name) { return Named<QAction>(*frame, name); }
+    QString Strip() { return Named<QLabel>(*frame->Form()->Pane(), "stripText").text(); }
+    void OpenEditMenu() { emit Named<QMenu>(*frame, "mnuEdit").aboutToShow(); }
+    void Press(Qt::Key key, Qt::KeyboardModifiers held = {}) {
+        QTest::keyClick(QApplication::focusWidget(), key, held);
+    }
+
+    test::Sitting sitting;
+    std::unique_ptr<frmMDI> frame;
+    kit::RecordListView* list = nullptr;
+};
+
+TEST_F(WindowSteps, ADeleteOfSeveralIsAskedOnceAndTakenBackByLineMenuAndKey) {
+    Select({"ask", "call"});
+    sitting.prompter.Expect(29, Answer::Cancel).Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(sitting.prompter.shown.back().text, "Confirm deletion of task: \r\n\r\n   2 tasks");
+    EXPECT_EQ(sitting.prompter.shown.back().standard, Answer::Cancel);
+    EXPECT_EQ(Shown().size(), 4);
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(Shown(), (QStringList{"book", "draw"}));
+    EXPECT_EQ(Strip(), "2 tasks deleted.");
+
+    test::Click(*frame->Form()->Pane(), "stripAction");
+    EXPECT_EQ(Shown(), (QStringList{"ask", "book", "call", "draw"}));
+    EXPECT_EQ(list->SelectedCount(), 2);
+    EXPECT_EQ(Strip(), "Undone: delete of 2 tasks.");
+    EXPECT_EQ(QApplication::focusWidget(), list);
+
+    OpenEditMenu();
+    EXPECT_EQ(Entry("mnuEditRedo").text(), "&Redo delete of 2 tasks");
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(Shown(), (QStringList{"book", "draw"}));
+    OpenEditMenu();
+    EXPECT_EQ(Entry("mnuEditUndo").text(), "&Undo delete of 2 tasks");
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Shown().size(), 4);
+
+    Select({"draw"});
+    sitting.prompter.Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(Strip(), "Task deleted.");
+
+    GoTo(Section::Memo);
+    OpenEditMenu();
+    EXPECT_EQ(Entry("mnuEditUndo").text(), "&Undo") << "another section's steps are not told here";
+    EXPECT_FALSE(Entry("mnuEditUndo").isEnabled());
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    GoTo(Section::Todo);
+    EXPECT_EQ(Shown().size(), 3);
+
+    frame->CloseDatabase();
+    EXPECT_TRUE(sitting.session.undo.sections.empty()) << "what was closed cannot be taken back";
+}
+
+TEST_F(WindowSteps, WhatConcernsSeveralConcernsThemAllInOneStep) {
+    Press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(list->SelectedCount(), 4);
+    Entry("mnuTodoCompleted").trigger();
+    EXPECT_TRUE(Shown().isEmpty());
+    EXPECT_EQ(Strip(), "4 tasks completed.");
+    test::Click(*frame->Form()->Pane(), "stripAction");
+    EXPECT_EQ(Shown().size(), 4);
+
+    Select({"ask", "book"});
+    QMenu& menu = Named<QMenu>(*frame->Form(), "mnuRowsCategory");
+    emit menu.aboutToShow();
+    ASSERT_EQ(menu.actions().size(), 3);
+    EXPECT_EQ(menu.actions().at(1)->text(), "R&&D");
+    menu.actions().at(1)->trigger();
+    EXPECT_EQ(CategoryOf("ask"), 2);
+    EXPECT_EQ(CategoryOf("call"), 0);
+    EXPECT_EQ(Strip(), "2 tasks moved.");
+    EXPECT_EQ(list->SelectedCount(), 2) << "they stay chosen";
+
+    emit list->DragBegun();
+    auto& drop = Named<kit::CategoryDrop>(*frame, "categoryDrop");
+    EXPECT_TRUE(drop.isVisible());
+    QMimeData foreign;
+    foreign.setText("ask");
+    QMimeData ours;
+    ours.setData(kit::RowDrag::Mime(), QByteArray::number(QCoreApplication::applicationPid()));
+    for (const QMimeData* data : {&foreign, &ours}) {
+        const QPointF at = drop.visualItemRect(drop.item(0)).center();
+        QDragEnterEvent enter(at.toPoint(), Qt::LinkAction, data, Qt::LeftButton, {});
+        QApplication::sendEvent(drop.viewport(), &enter);
+        EXPECT_EQ(enter.isAccepted(), data == &ours);
+        QDropEvent event(at, Qt::LinkAction, data, Qt::LeftButton, {});
+        QApplication::sendEvent(drop.viewport(), &event);
+    }
+    emit list->DragEnded();
+    EXPECT_FALSE(drop.isVisible());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(CategoryOf("ask"), 1);
+    EXPECT_EQ(CategoryOf("book"), 1);
+    EXPECT_EQ(CategoryOf("call"), 0);
+
+    Entry("mnuRowsPrivate").trigger();
+    EXPECT_TRUE(tasks::FetchRecord(sitting.session, list->SelectedKey())->isPrivate);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(tasks::FetchRecord(sitting.session, list->SelectedKey())->isPrivate);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(CategoryOf("ask"), 2);
+}
+
+TEST_F(WindowSteps, ATextFieldKeepsItsOwnUndo) {
+    Select({"ask"});
+    sitting.prompter.Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    auto& line = Named<QLineEdit>(*frame, "txtQuickAdd");
+    line.setFocus();
+    test::TypeText(line, "x");
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(line.text().isEmpty());
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Shown().size(), 3);
+    EXPECT_LT(list->SelectedCount(), 2);
+}
+
+TEST_F(WindowSteps, StepsAmongPrivateRecordsWaitUntilThoseAreShown) {
+    Select({"ask"});
+    sitting.prompter.Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    frame->mnuViewShowPrivate_Switch();
+    EXPECT_TRUE(Strip().isEmpty());
+    OpenEditMenu();
+    EXPECT_EQ(Entry("mnuEditUndo").text(), "&Undo delete of the task");
+    EXPECT_FALSE(Entry("mnuEditUndo").isEnabled());
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Shown().size(), 3);
+}
+
+TEST_F(WindowSteps, WhatWasChangedMeanwhileIsLeftAndTold) {
+    Select({"ask", "book"});
+    Entry("mnuRowsPrivate").trigger();
+    const auto keys = list->SelectedKeys();
+    auto rows = sitting.session.ProgramDb->OpenRecordset("tt");
+    ASSERT_EQ((*rows)->FindFirst("fPK=?", {keys[0]}), 0);
+    (*rows)->Edit();
+    (*rows)->SetField("fG1", 2);
+    ASSERT_EQ((*rows)->Update(), 0);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Strip(), "Undone: change of 2 tasks. One row was changed meanwhile and stays as it is.");
+    EXPECT_TRUE(tasks::FetchRecord(sitting.session, keys[0])->isPrivate);
+    EXPECT_FALSE(tasks::FetchRecord(sitting.session, keys[1])->isPrivate);
+}
+
+}  // namespace
+}  // namespace bmr::app

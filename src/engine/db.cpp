@@ -42,7 +42,8 @@ int Database::Execute(std::string_view statement, Parameters values) {
     int number = 0;
     {
         auto query = engine.Prepare(**plan, Use::AllRows, values);
-        number = query ? engine.Write(*query) : query.error().number;
+        const auto schema = translated.otherFile.empty() ? Engine::Schema::Main : Engine::Schema::Other;
+        number = query ? engine.Write(*query, schema) : query.error().number;
     }
     if (!translated.otherFile.empty()) engine.DetachOutsideTransaction();
     return number;
@@ -96,6 +97,10 @@ int Database::BeginTrans() {
 
 int Database::CommitTrans() {
     return impl_->engine->Commit();
+}
+
+bool Database::TakeDoubt() {
+    return impl_->engine->TakeDoubt();
 }
 
 void Database::Rollback() {

@@ -60,8 +60,17 @@ class Database {
     /// Bracket for changes of several rows. Nested calls count: only the outermost commits; a rollback inside
     /// makes the outermost commit a rollback (and gives an error number).
     [[nodiscard]] int BeginTrans();
+    ///
+    /// A commit that the disk refuses at its very end may stand all the same: the file is looked at, and what
+    /// is there decides. 0 when the change stands (`TakeDoubt` then tells of the disk), the failure's number
+    /// when all is as before, `EngineNumber::Unsure` when the file cannot be looked at any more. So it is
+    /// with statements and rows that are written outside a bracket.
     [[nodiscard]] int CommitTrans();
     void Rollback();
+
+    /// Whether something was stored since the last question although the disk reported a failure behind it:
+    /// it is there, but may not outlast a power cut.
+    bool TakeDoubt();
 
     /// Runs the engine's whole integrity check; empty when clean, else its lines.
     std::vector<std::string> CheckIntegrity();

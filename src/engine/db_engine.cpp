@@ -226,61 +226,6 @@ int Engine::FailWith(int code) {
     return Fail(NumberOfCode(code, sqlite3_system_errno(handle())), sqlite3_errmsg(handle()));
 }
 
-int Engine::Begin() {
-    if (broken_ != 0) return broken_;
-    if (depth_ == 0) {
-        const int code = sqlite3_exec(handle(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-        if (code != SQLITE_OK) return FailWith(code);
-    }
-    ++depth_;
-    return 0;
-}
-
-int Engine::Commit() {
-    if (depth_ == 0) return Fail(EngineNumber::Failed, "There is no transaction to commit.");
-    if (--depth_ > 0) return broken_;
-    int number = std::exchange(broken_, 0);
-    if (number == 0) {
-        const int code = sqlite3_exec(handle(), "COMMIT", nullptr, nullptr, nullptr);
-        if (code != SQLITE_OK) {
-            number = FailWith(code);
-            UndoOnFailure(0);
-        }
-    }
-    DetachOutsideTransaction();
-    return number;
-}
-
-void Engine::Rollback() {
-    if (depth_ == 0) return;
-    if (broken_ == 0) UndoOnFailure(Fail(EngineNumber::Failed, "The transaction was rolled back."));
-    if (--depth_ > 0) return;
-    broken_ = 0;
-    DetachOutsideTransaction();
-}
-
-/// Whatever the transaction has written goes at once; the number stays until its end.
-void Engine::UndoOnFailure(int number) {
-    if (depth_ > 0) broken_ = number;
-    // When even this fails, the journal stays and the next opening rolls back.
-    if (sqlite3_get_autocommit(handle()) == 0) sqlite3_exec(handle(), "ROLLBACK", nullptr, nullptr, nullptr);
-    ++undone_;
-}
-
-int Engine::Write(Query& query) {
-    if (broken_ != 0) return broken_;
-    while (query.Step()) {
-    }
-    if (query.code() == SQLITE_DONE) {
-        query.Reset();
-        return 0;
-    }
-    const int number = FailWith(query.code());
-    query.Reset();
-    UndoOnFailure(number);
-    return number;
-}
-
 int Engine::Attach(const std::string& path) {
     const std::filesystem::path file = PathOf(path);
     if (const int number = TestPath(file)) return Fail(number, WordsForPath(number));

@@ -8,10 +8,12 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "base/result.h"
@@ -115,12 +117,18 @@ class Engine : public std::enable_shared_from_this<Engine> {
     Result<std::shared_ptr<Plan>> PlanOf(std::string_view text, Wording wording = Wording::Statement);
 
     int Begin();
+    /// 0 when the new state stands, though the disk may have failed behind it (`TakeDoubt`). Else the number
+    /// of the failure, and the state of before stands; or `Unsure` when the file could not be looked at.
     int Commit();
     void Rollback();
+    /// Whether a commit stood although the disk failed; once.
+    bool TakeDoubt() { return std::exchange(doubt_, false); }
     /// Transactions and statements that were undone since the file was opened.
     std::int64_t undone() const { return undone_; }
-    /// Runs a statement that writes. A failure undoes the whole transaction around it.
-    int Write(Query& query);
+    enum class Schema { Main, Other };
+    /// Runs a statement that writes, in a transaction of its own where there is none. A failure undoes the
+    /// whole transaction around it.
+    int Write(Query& query, Schema schema = Schema::Main);
     /// Why nothing may be written any more until the transaction has ended; 0 when it may.
     int brokenBy() const { return broken_; }
 
@@ -144,6 +152,10 @@ class Engine : public std::enable_shared_from_this<Engine> {
     Ways CountedWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy);
     std::int64_t Count(const IndexRange& range, std::int64_t limit);
     std::int64_t CountAll();
+    int Run(Query& query, Schema schema);
+    int End();
+    int SetMark(const std::string& schema, std::int64_t mark);
+    std::optional<std::int64_t> MarkOf(const std::string& schema);
     void UndoOnFailure(int number);
 
     std::unique_ptr<SQLite::Database> db_;
@@ -156,6 +168,9 @@ class Engine : public std::enable_shared_from_this<Engine> {
     int depth_ = 0;
     int broken_ = 0;
     std::int64_t undone_ = 0;
+    bool wroteMain_ = false;   ///< in the present transaction
+    bool wroteOther_ = false;  ///< the same in the other file
+    bool doubt_ = false;
 };
 
 /// The engine's number for the library's extended code.

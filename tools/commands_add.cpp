@@ -79,8 +79,8 @@ void RunAdd(const Options& options) {
     const auto key = section.add(sitting.session(), record);
     if (!key && !key.error().detail.empty()) throw Failure(key.error().detail);
     sitting.Check(key ? 0 : key.error().number);
+    std::cout << *key << std::endl;
     sitting.Close();
-    std::cout << *key << '\n';
 }
 
 }  // namespace bmr::tools

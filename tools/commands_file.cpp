@@ -23,7 +23,9 @@ void RunPasswd(const Options& options) {
     Sitting sitting(options.passphraseFd);
     sitting.prompter().KeepCurrent();
     sitting.Open(options.file);
-    if (custody::ChangePassphrase(sitting.session()) != custody::PassphraseChange::Changed) {
+    const auto change = custody::ChangePassphrase(sitting.session());
+    if (change == custody::PassphraseChange::Unsure) throw Failure(sitting.prompter().LastBox().text);
+    if (change != custody::PassphraseChange::Changed) {
         const std::string& problem = sitting.prompter().Problem();
         throw Failure(problem.empty() ? Msg(124) : problem + " " + Msg(124));
     }

@@ -1,5 +1,8 @@
 #include "sitting.h"
 
+#include <iostream>
+#include <tuple>
+
 #include "base/errors.h"
 #include "base/languageus.h"
 #include "custody/lifecycle.h"
@@ -49,7 +52,10 @@ void Sitting::Open(const std::filesystem::path& path) {
 }
 
 void Sitting::Close() {
-    Check(custody::CloseDatabase(session_));
+    std::ignore = custody::CloseDatabase(session_);  // it tells what it could not write
+    std::cout.flush();
+    for (const std::string& warning : prompter_.Warnings())
+        std::cerr << "bmr: warning: " << Printable(warning) << std::endl;
 }
 
 void Sitting::Check(int error) {

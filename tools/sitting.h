@@ -34,7 +34,8 @@ class Sitting {
     void Create(const std::filesystem::path& path);
     /// Tests the file, asks for the passphrase once and opens.
     void Open(const std::filesystem::path& path);
-    /// Writes the system record and the settings, and closes.
+    /// Writes the system record and the settings, and closes. What the command was for is done by then, so a
+    /// failure is no failure of the command: it, and all other warnings so far, go to standard error.
     void Close();
 
     store::Session& session() { return session_; }

@@ -10,6 +10,7 @@ namespace bmr::tools {
 
 Answer ToolPrompter::Ask(const Box& box) {
     last_ = box;
+    if (box.buttons == Buttons::Ok && box.icon == BoxIcon::Warning) warnings_.push_back(box.text);
     switch (box.buttons) {
         case Buttons::Ok:
             return Answer::Ok;

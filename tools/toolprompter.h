@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "base/ports.h"
 #include "crypto/secret.h"
@@ -31,6 +32,9 @@ class ToolPrompter final : public Prompter {
     /// The last box that was shown, number 0 and no text when there was none.
     const Box& LastBox() const { return last_; }
 
+    /// The texts of all boxes that warned of something and asked nothing.
+    const std::vector<std::string>& Warnings() const { return warnings_; }
+
     /// Why the passphrase could not be read, empty when it could.
     const std::string& Problem() const { return problem_; }
 
@@ -41,6 +45,7 @@ class ToolPrompter final : public Prompter {
     bool keep_ = false;
     Secret current_;
     Box last_;
+    std::vector<std::string> warnings_;
     std::string problem_;
 };
 

@@ -2,12 +2,19 @@
 
 #include <cstdlib>
 
+#include "custody/openfailure.h"
 #include "shell/preferences.h"
 
 namespace bmr::app {
 
 using kit::ClipboardGuard;
 using kit::IdleGuard;
+
+namespace {
+
+constexpr int kDoubtPeriod = 500;
+
+}  // namespace
 
 Watch::Watch(kit::GuardedApplication& application, store::Session& session, frmMDI& frame,
              ClipboardGuard& clipboard, kit::SessionEvents& events, const Clock& clock)
@@ -25,6 +32,11 @@ Watch::Watch(kit::GuardedApplication& application, store::Session& session, frmM
         session.PassHashStrong.Wipe();
         std::_Exit(0);
     };
+    // Never in the middle of a store: its caller still holds the file.
+    doubts_.callOnTimeout([&session] {
+        if (session.DatabaseOpen && !session.ending) custody::TellDoubt(session);
+    });
+    doubts_.start(kDoubtPeriod);
     Connect(session, frame, clipboard);
     ConnectSwitches(session, frame, clipboard, events);
 }

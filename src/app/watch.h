@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QTimer>
+
 #include "app/frmMDI.h"
 #include "app/signals.h"
 #include "base/clock.h"
@@ -13,7 +15,8 @@
 namespace bmr::app {
 
 /// The guards over a sitting, tied to the window that shows them: the idle end, the end on sleep and lock,
-/// the clipboard, and the signals by which the system asks the program to go.
+/// the clipboard, and the signals by which the system asks the program to go. It also tells of a disk that
+/// failed behind a store, whichever form stored.
 class Watch final {
   public:
     /// All must outlive this.
@@ -36,6 +39,7 @@ class Watch final {
     shell::TimeOut timeOut_;
     kit::IdleGuard idle_;
     SignalWatch signals_;
+    QTimer doubts_;
 };
 
 }  // namespace bmr::app

@@ -179,6 +179,8 @@ PassphraseChange ChangePassphrase(Session& session) {
         error = RewriteUser(session);
         if (error != 0) session.pin = std::move(old);
         if (error > 0) TellOpenFailure(session, error);
+        if (error == engine::EngineNumber::Unsure) return PassphraseChange::Unsure;
+        TellDoubt(session);
     }
     if (error != 0 && error != kQuitProgram) session.ports.prompter.Ask(MessageBox(124));
     return error == 0 ? PassphraseChange::Changed : PassphraseChange::Unchanged;

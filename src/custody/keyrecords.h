@@ -19,6 +19,7 @@ enum class PassphraseChange {
     Changed,
     Unverified,  ///< the current passphrase was wrong (Msg(85) was shown) or not given
     Unchanged,   ///< Msg(124) was shown
+    Unsure       ///< the disk failed, and either passphrase may be the one: that was shown
 };
 /// Verifies the current passphrase, asks for a new one and rewrites the user's row and PIN. REQUIRES: an open
 /// database.

@@ -1,8 +1,6 @@
 #include "custody/lifecycle.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 
 #include "base/errors.h"
 #include "base/languageus.h"
@@ -52,6 +50,13 @@ void ForgetDatabase(Session& session) {
     session.CalendarDirty = false;
     session.bucketOrder.Clear();
     session.undo = UndoLog();
+}
+
+void Warn(Session& session, const std::string& text) {
+    Box box;
+    box.text = text;
+    box.icon = BoxIcon::Warning;
+    session.ports.prompter.Ask(box);
 }
 
 /// The end of an opening that failed; gives `error` back.
@@ -157,9 +162,10 @@ int DeleteReplaced(const fs::path& path) {
     return error ? engine::EngineNumber::NoPermission : 0;
 }
 
-/// The file, its keys and its system record, all rows in one transaction.
-int FillNewStore(Session& session) {
+/// The file, its keys and its system record, all rows in one transaction. `made` tells of the file.
+int FillNewStore(Session& session, bool& made) {
     if (const int error = engine::CreateStore(session.DatabasePath)) return error;
+    made = true;
     auto db = engine::Database::Open(session.DatabasePath);
     if (!db) return db.error().number;
     session.ProgramDb = std::move(*db);
@@ -170,17 +176,6 @@ int FillNewStore(Session& session) {
     return all.Commit();
 }
 
-/// Whether the file that stands where a compacted copy is to be written is one that an earlier run left.
-bool IsLeftover(const fs::path& path) {
-    std::error_code error;
-    if (!fs::is_regular_file(path, error)) return false;
-    // The head of a copy is written last: one that was cut off has zeros there.
-    std::array<char, 16> head{};
-    std::ifstream(path, std::ios::binary).read(head.data(), head.size());
-    if (std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; })) return true;
-    return static_cast<bool>(engine::Database::Open(path));
-}
-
 int Compact(Session& session, const fs::path& given) {
     const fs::path path = engine::FollowLinks(given);
     fs::path copy = path;
@@ -188,17 +183,16 @@ int Compact(Session& session, const fs::path& given) {
     name.replace(name.size() - std::min<std::size_t>(3, name.size()), std::string::npos, "tmp");
     copy.replace_filename(fs::u8path(name));
     std::error_code error;
-    if (copy == path || (fs::exists(copy, error) && !IsLeftover(copy))) {
-        Box box;
-        box.text = "The file \"" + name + "\" stands where the compacted copy would be written.";
-        box.icon = BoxIcon::Warning;
-        session.ports.prompter.Ask(box);
+    if (copy == path || (fs::exists(copy, error) && !engine::IsLeftoverCopy(copy))) {
+        Warn(session, "The file \"" + name + "\" stands where the compacted copy would be written.");
         return engine::EngineNumber::Failed;
     }
-    fs::remove(copy, error);
-    const int failed = engine::CompactInPlace(path, copy);
-    if (failed == 0) return 0;
-    TellOpenFailure(session, failed);
+    std::string detail;
+    const int failed = engine::CompactInPlace(path, copy, &detail);
+    if (failed != 0)
+        TellOpenFailure(session, failed);
+    else if (!detail.empty())
+        Warn(session, detail);
     return failed;
 }
 
@@ -233,12 +227,7 @@ int RepairAndTest(Session& session) {
     const int failed = engine::RepairDatabase(session.DatabasePath, &detail);
     session.ports.prompter.Comment("", false);
     // What a repair could not do, the test tells; what it may have lost must be told here.
-    if (failed == 0 && !detail.empty()) {
-        Box box;
-        box.text = detail;
-        box.icon = BoxIcon::Warning;
-        session.ports.prompter.Ask(box);
-    }
+    if (failed == 0 && !detail.empty()) Warn(session, detail);
     return TestOpen(session, fs::path(session.DatabasePath));
 }
 
@@ -271,13 +260,21 @@ int NewDatabase(Session& session) {
     session.PwAttempts = 0;
     if (const int error = RequestPassphrase(session, true)) return Abandon(session, error);
     int error = chosen ? DeleteReplaced(session.DatabasePath) : 0;
-    if (error == 0) error = FillNewStore(session);
-    if (error != 0) {
-        if (error > 0) TellOpenFailure(session, error);
-        return Abandon(session, error);
+    bool made = false;
+    if (error == 0) error = FillNewStore(session, made);
+    if (error == 0) {
+        WipeHashes(session);
+        error = FinishOpening(session);
     }
-    WipeHashes(session);
-    return FinishOrAbandon(session);
+    if (error == 0) {
+        TellDoubt(session);
+        return 0;
+    }
+    const fs::path path = session.DatabasePath;
+    Abandon(session, error);
+    if (made) engine::RemoveStore(path);
+    if (error > 0) TellOpenFailure(session, error);
+    return error;
 }
 
 int OpenDatabaseFile(Session& session) {
@@ -289,20 +286,33 @@ int OpenDatabaseFile(Session& session) {
     if (error > 0) TellOpenFailure(session, error);
     if (error != 0) return Abandon(session, error);
     WipeHashes(session);
-    return FinishOrAbandon(session);
+    const int finished = FinishOrAbandon(session);
+    if (finished == 0) TellDoubt(session);
+    return finished;
 }
 
 int CloseDatabase(Session& session) {
     int error = 0;
+    bool doubt = false;
     if (session.ProgramDb && session.DatabaseOpen) {
-        engine::Transaction last(*session.ProgramDb);
-        error = last.error();
-        if (error == 0) error = WriteSystemRecord(session);
-        if (error == 0) error = WriteSettingsAtClose(session);
-        if (error == 0) error = last.Commit();
+        {
+            engine::Transaction last(*session.ProgramDb);
+            error = last.error();
+            if (error == 0) error = WriteSystemRecord(session);
+            if (error == 0) error = WriteSettingsAtClose(session);
+            if (error == 0) error = last.Commit();
+        }
+        doubt = session.ProgramDb->TakeDoubt();
     }
     ForgetDatabase(session);
-    if (error != 0 && !session.ending) TellOpenFailure(session, error);
+    if (session.ending) return error;
+    if (doubt) Warn(session, kStoredInDoubt);
+    // What was stored before stands, and must not be taken for lost.
+    if (error != 0)
+        Warn(session,
+             "The database is closed, and what was stored in it stands. Only what it shows and filters "
+             "could not be kept for the next time. " +
+                 ExplainOpenFailure(error));
     return error;
 }
 

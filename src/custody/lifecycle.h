@@ -18,7 +18,8 @@ namespace bmr::custody {
 [[nodiscard]] int OpenFileDialog(store::Session& session);
 
 /// Asks for a name (unless `DefaultPathChosen`) and a new passphrase, makes the file; the user is in as
-/// `Admin`. An existing file is deleted only once the new passphrase stands. May give `Cancelled`.
+/// `Admin`. An existing file is deleted only once the new passphrase stands. May give `Cancelled`. A failure
+/// leaves no new file behind.
 [[nodiscard]] int NewDatabase(store::Session& session);
 
 /// Passphrase, keys, version, settings, duplicates, registry: the database at `DatabasePath` is open
@@ -29,7 +30,7 @@ namespace bmr::custody {
 
 /// Writes the system record and the settings, closes the file and wipes the keys. The caller has closed the
 /// section. Never leaves the database open, and empties `DatabasePath`; an error number, told in a box unless
-/// the program is ending, says that the last write failed.
+/// the program is ending, says that this last write failed: what was stored before stands.
 int CloseDatabase(store::Session& session);
 
 /// Closes, compacts into a file beside the database (its last three characters "tmp"), puts that in its

@@ -18,9 +18,24 @@ std::string ExplainOpenFailure(int number) {
             return "The file may not be opened or written with your permissions.";
         case engine::EngineNumber::DiskFull:
             return "The disk is full.";
+        case engine::EngineNumber::Unsure:
+            return "The disk failed, and nobody can say now whether the last change is stored. Close the "
+                   "database and open it again to see.";
         default:
             return "The file could not be read or written.";
     }
+}
+
+const char* const kStoredInDoubt =
+    "The change is stored, but the disk reported a failure behind it. Make a copy of the database on another "
+    "disk.";
+
+void TellDoubt(Session& session) {
+    if (!session.ProgramDb || !session.ProgramDb->TakeDoubt()) return;
+    Box box;
+    box.text = kStoredInDoubt;
+    box.icon = BoxIcon::Warning;
+    session.ports.prompter.Ask(box);
 }
 
 void TellOpenFailure(Session& session, int number) {

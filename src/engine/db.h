@@ -183,8 +183,12 @@ class Recordset {
     std::unique_ptr<Impl> impl_;
 };
 
-/// Makes a new, empty file with table `tt`, mode 0600, 8 reserved bytes a page. The file must not exist.
+/// Makes a new, empty file with table `tt`, mode 0600, 8 reserved bytes a page. The file must not exist; a
+/// failure leaves none.
 [[nodiscard]] int CreateStore(const std::filesystem::path& path);
+
+/// Takes away a closed file and its journal, as far as they are there.
+void RemoveStore(const std::filesystem::path& path);
 
 /// Writes a compacted copy; `target` must not exist.
 [[nodiscard]] int CompactDatabase(const std::filesystem::path& source, const std::filesystem::path& target,
@@ -192,9 +196,14 @@ class Recordset {
 
 /// Writes a compacted copy and puts it in the file's place, which stays locked until then: a program that
 /// writes meanwhile is refused, and never loses what it saved. `copy` lies beside the file and must not
-/// exist.
+/// exist, unless it is a leftover, which goes. 0 once the compacted file is in its place; `detail` then says
+/// where the disk failed behind it.
 [[nodiscard]] int CompactInPlace(const std::filesystem::path& path, const std::filesystem::path& copy,
                                  std::string* detail = nullptr);
+
+/// Whether a file is a copy that was being written when a program was killed, by its mark, or is empty. Not
+/// of a file that this process has open.
+bool IsLeftoverCopy(const std::filesystem::path& path);
 
 /// The file that a link leads to, so that a copy takes the place of the file and not of the link; a path that
 /// cannot be followed as it is.
@@ -207,7 +216,9 @@ std::filesystem::path FollowLinks(const std::filesystem::path& path);
 [[nodiscard]] int RepairDatabase(const std::filesystem::path& path, std::string* detail = nullptr);
 
 /// Puts `source` in the place of `target`: fsync of the file, rename, fsync of the folder. A journal that was
-/// left beside `target` is played back and removed first. Neither file may be open.
-[[nodiscard]] int ReplaceFile(const std::filesystem::path& source, const std::filesystem::path& target);
+/// left beside `target` is played back and removed first. Neither file may be open. 0 once the file is in its
+/// place; `detail` then says where the disk failed behind it.
+[[nodiscard]] int ReplaceFile(const std::filesystem::path& source, const std::filesystem::path& target,
+                              std::string* detail = nullptr);
 
 }  // namespace bmr::engine

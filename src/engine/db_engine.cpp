@@ -95,7 +95,9 @@ Result<std::shared_ptr<Engine>> Engine::Open(const std::filesystem::path& path, 
     if (const int number = TestPath(path)) return Error{number, WordsForPath(number)};
     std::shared_ptr<Engine> engine(new Engine);
     try {
-        engine->db_ = std::make_unique<SQLite::Database>(EnginePath(path), SQLite::OPEN_READWRITE, 0);
+        // A path never reads as a URI; the one of a copy in memory does.
+        const int kFlags = SQLite::OPEN_READWRITE | SQLite::OPEN_URI;
+        engine->db_ = std::make_unique<SQLite::Database>(EnginePath(path), kFlags, 0);
         engine->Configure(purpose);
         // The library opens what may only be read without a word.
         if (sqlite3_db_readonly(engine->handle(), "main") != 0)

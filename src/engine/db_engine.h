@@ -123,6 +123,8 @@ class Engine : public std::enable_shared_from_this<Engine> {
     void Rollback();
     /// Whether a commit stood although the disk failed; once.
     bool TakeDoubt() { return std::exchange(doubt_, false); }
+    /// Gives a file that was marked as a copy a mark of the usual kind.
+    int DropMark();
     /// Transactions and statements that were undone since the file was opened.
     std::int64_t undone() const { return undone_; }
     enum class Schema { Main, Other };
@@ -172,6 +174,10 @@ class Engine : public std::enable_shared_from_this<Engine> {
     bool wroteOther_ = false;  ///< the same in the other file
     bool doubt_ = false;
 };
+
+/// Stands in the place of a transaction's mark in a compacted copy until that has taken the file's place. No
+/// transaction draws it.
+inline constexpr std::int32_t kCopyMark = 0x62636d70;
 
 /// The engine's number for the library's extended code.
 int NumberOfCode(int code, int systemError);

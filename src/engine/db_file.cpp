@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "engine/columns.h"
+#include "engine/db.h"
 #include "engine/db_engine.h"
 #include "engine/fileio.h"
 
@@ -48,6 +49,7 @@ StoreWriter::StoreWriter(const std::filesystem::path& path) {
         words_ = "The file cannot be made.";
         return;
     }
+    path_ = path;
     Guard([&] {
         db_ = std::make_unique<SQLite::Database>(EnginePath(path), SQLite::OPEN_READWRITE, 0);
         KeepReservedBytes(*db_);
@@ -113,12 +115,20 @@ int StoreWriter::Finish(std::string* detail) {
     });
     insert_.reset();
     db_.reset();  // what was not committed is rolled back
+    if (number_ != 0 && !path_.empty()) RemoveStore(path_);
     return number_ == 0 ? 0 : Tell(detail, number_, words_);
 }
 
 void KeepReservedBytes(SQLite::Database& db) {
     int reserved = kReservedBytes;
     sqlite3_file_control(db.getHandle(), "main", SQLITE_FCNTL_RESERVE_BYTES, &reserved);
+}
+
+void RemoveStore(const std::filesystem::path& path) {
+    auto journal = path;
+    journal += "-journal";
+    RemoveQuietly(journal);
+    RemoveQuietly(path);
 }
 
 void RemoveQuietly(const std::filesystem::path& path) {

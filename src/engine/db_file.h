@@ -23,13 +23,14 @@ class StoreWriter {
 
     /// Copies the row that `row` has in hand; its columns are those of `tt`, in order.
     void Add(sqlite3_stmt* row);
-    /// 0, or the number of the first failure.
+    /// 0, or the number of the first failure; then no file is left.
     int Finish(std::string* detail);
 
   private:
     void Guard(const std::function<void()>& work);
     void BindCell(int column, sqlite3_stmt* row);
 
+    std::filesystem::path path_;  ///< empty where the file was not made
     std::unique_ptr<SQLite::Database> db_;
     std::unique_ptr<SQLite::Statement> insert_;
     int number_ = 0;

@@ -129,8 +129,9 @@ int RepairDatabase(const std::filesystem::path& given, std::string* detail) {
     if (number == 0 && copied == 0) number = Tell(detail, EngineNumber::Damaged, lines.front());
     if (number == 0) number = TestCopy(copy, detail);
     if (number == 0) number = KeepDamaged(path, kept);
+    std::string doubt;
     if (number == 0) {
-        number = ReplaceFile(copy, path);
+        number = ReplaceFile(copy, path, &doubt);
         if (number != 0) RemoveQuietly(kept);
     }
     if (number != 0) {
@@ -140,7 +141,7 @@ int RepairDatabase(const std::filesystem::path& given, std::string* detail) {
     const auto name = kept.filename().u8string();
     return Tell(detail, 0,
                 std::to_string(copied) + " records could be read. The damaged file is kept as \"" +
-                    std::string(name.begin(), name.end()) + "\".");
+                    std::string(name.begin(), name.end()) + "\"." + (doubt.empty() ? "" : " " + doubt));
 }
 
 }  // namespace bmr::engine

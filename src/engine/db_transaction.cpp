@@ -11,7 +11,7 @@ namespace {
 
 /// Any number but `old`: counting would tell how often a file was saved.
 std::int64_t DrawMark(RandomSource& random, std::int64_t old) {
-    return DrawKey(random, [old](std::int32_t drawn) { return drawn == old; });
+    return DrawKey(random, [old](std::int32_t drawn) { return drawn == old || drawn == kCopyMark; });
 }
 
 }  // namespace
@@ -61,6 +61,12 @@ int Engine::End() {
     lastError_ = words;
     doubt_ = doubt_ || stands == mark;
     return stands == mark ? 0 : stands == before ? number : EngineNumber::Unsure;
+}
+
+int Engine::DropMark() {
+    if (const int number = Begin()) return number;
+    wroteMain_ = true;
+    return Commit();
 }
 
 int Engine::SetMark(const std::string& schema, std::int64_t mark) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <string_view>
 
 namespace bmr::engine {
 
@@ -9,6 +11,10 @@ namespace bmr::engine {
 
 /// Makes an empty file that only its owner may read and write. Never follows or overwrites what is there.
 int CreateNewFile(const std::filesystem::path& path);
+
+/// Makes such a file of the parts that `next` gives until it gives an empty one. The first has reached the
+/// disk before the second is written. What was written before a failure stays.
+int WriteNewFile(const std::filesystem::path& path, const std::function<std::string_view()>& next);
 
 /// Brings a file's contents to the disk.
 int SyncFile(const std::filesystem::path& path);

@@ -4,6 +4,7 @@
 
 #include "base/errors.h"
 #include "base/languageus.h"
+#include "custody/openfailure.h"
 #include "store/session.h"
 
 namespace bmr::kit {
@@ -14,6 +15,7 @@ void TellFailure(store::Session& session, int error, const QString& what) {
         session.ports.prompter.Ask(MessageBox(-error, BoxIcon::Critical));
         return;
     }
+    if (error == engine::EngineNumber::Unsure) return custody::TellOpenFailure(session, error);
     std::string text = what.toStdString();
     if (session.ProgramDb && !session.ProgramDb->LastError().empty())
         text += "\r\n\r\n" + session.ProgramDb->LastError();

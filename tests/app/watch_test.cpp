@@ -3,6 +3,9 @@
 #include <QClipboard>
 #include <QLabel>
 
+#include "custody/openfailure.h"
+#include "store/startvariables.h"
+#include "support/failing_disk.h"
 #include "support/forms.h"
 #include "support/sitting.h"
 
@@ -121,6 +124,26 @@ TEST_F(WatchTest, TheLockEndsTheProgramThroughAnOpenDialog) {
     });
     EXPECT_EQ(QCoreApplication::exec(), 0);
     EXPECT_FALSE(sitting.session.DatabaseOpen);
+}
+
+TEST_F(WatchTest, AStoreBehindWhichTheDiskFailedIsToldSoonAndOnce) {
+    Start(0);
+    for (int call = 1; sitting.prompter.shown.empty() && call < 50; ++call) {
+        sitting.session.settings.Idle = static_cast<std::int16_t>(call);
+        int error = 0;
+        {
+            const test::FailingDisk disk(call);
+            error = store::WriteSettings(sitting.session);
+            if (!test::FailingDisk::Failed()) break;
+        }
+        if (error != 0) continue;
+        sitting.prompter.Expect(0);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !sitting.prompter.shown.empty(); }));
+    }
+    ASSERT_EQ(sitting.prompter.shown.size(), 1U) << "the last sync failed behind the end";
+    EXPECT_EQ(sitting.prompter.shown[0].text, custody::kStoredInDoubt);
+    QTest::qWait(1200);
+    EXPECT_EQ(sitting.prompter.shown.size(), 1U);
 }
 
 TEST_F(WatchTest, TheStatusBarCountsForTheClipboardAndClosingEmptiesIt) {

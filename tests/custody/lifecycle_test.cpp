@@ -315,19 +315,19 @@ TEST(RepairAndCompact, PutsTheCompactFileInThePlaceAndAsksAgain) {
     EXPECT_EQ(test::RowsOf(*sitting.session.ProgramDb, " WHERE fSec<3 And fSub<3"), before);
     EXPECT_FALSE(fs::exists(sitting.folder.Path() / "test.tmp"));
 
-    // A copy that was cut off by the end of the machine gets out of the way.
-    test::WriteFile(sitting.folder.Path() / "test.tmp", std::string(4096, '\0') + "rows");
-    sitting.prompter.Expect(166).Type(kPassphrase);
-    EXPECT_EQ(RepairAndCompact(sitting.session), 0);
-    EXPECT_FALSE(fs::exists(sitting.folder.Path() / "test.tmp"));
-
-    // Somebody's own file of that name is not ours to overwrite; the database opens again as it was.
-    test::WriteFile(sitting.folder.Path() / "test.tmp", "mine");
-    sitting.prompter.Expect(0).Type(kPassphrase);
-    EXPECT_NE(RepairAndCompact(sitting.session), 0);
-    EXPECT_TRUE(sitting.session.DatabaseOpen);
-    EXPECT_EQ(test::FileBytes(sitting.folder.Path() / "test.tmp"), "mine");
+    // Somebody's own file of that name is not ours to overwrite, and a database least of all; the one that
+    // was to be compacted opens again as it was.
     sitting.Close();
+    const std::string compacted = test::FileBytes(sitting.file);
+    for (const std::string& own : {std::string("mine"), std::string(4096, '\0') + "rows", compacted}) {
+        test::WriteFile(sitting.folder.Path() / "test.tmp", own);
+        ASSERT_EQ(sitting.Open(), 0);
+        sitting.prompter.Expect(0).Type(kPassphrase);
+        EXPECT_NE(RepairAndCompact(sitting.session), 0);
+        EXPECT_TRUE(sitting.session.DatabaseOpen);
+        EXPECT_TRUE(test::FileBytes(sitting.folder.Path() / "test.tmp") == own);
+        sitting.Close();
+    }
 
     sitting.prompter.Expect(134);
     EXPECT_EQ(RepairAndCompact(sitting.session), -134);

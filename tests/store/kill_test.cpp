@@ -189,5 +189,46 @@ TEST(Compacting, LosesNothingThatAnotherProgramSavesMeanwhile) {
     EXPECT_EQ((*rows)->RecordCount(), saved);
 }
 
+TEST(Compacting, AKillLeavesNothingThatKeepsTheNextOneAway) {
+    const TempFolder folder;
+    const auto path = folder / "a.bmr";
+    const auto copy = folder / "a.tmp";
+    {
+        const auto db = NewStore(path);
+        auto table = db->OpenRecordset("tt");
+        engine::Transaction bulk(*db);
+        for (int i = 0; i < 4000; ++i) {
+            (*table)->AddNew();
+            (*table)->SetField("fEtx", Bytes(300, 'x'));
+            ASSERT_EQ((*table)->Update(), 0);
+        }
+        ASSERT_EQ(bulk.Commit(), 0);
+    }
+    std::mt19937 random(std::random_device{}());
+    int left = 0;
+    for (int kill = 0; kill < 60; ++kill) {
+        const pid_t child = ::fork();
+        if (child == 0)
+            for (;;)
+                if (engine::CompactInPlace(path, copy) != 0) _exit(1);
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 30000));
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status)) << "kill " << kill << ": the child was kept away";
+        if (!std::filesystem::exists(copy)) continue;
+        ++left;
+        EXPECT_TRUE(engine::IsLeftoverCopy(copy)) << "kill " << kill;
+    }
+    EXPECT_GT(left, 0) << "no kill met a copy that was being written";
+    ASSERT_EQ(engine::CompactInPlace(path, copy), 0);
+    EXPECT_FALSE(std::filesystem::exists(copy));
+    EXPECT_FALSE(engine::IsLeftoverCopy(path)) << "the mark is gone from what took the place";
+    const auto db = OpenStore(path);
+    EXPECT_TRUE(db->CheckIntegrity().empty());
+    auto rows = db->OpenRecordset("tt");
+    EXPECT_EQ((*rows)->RecordCount(), 4000);
+}
+
 }  // namespace
 }  // namespace bmr::store

@@ -13,6 +13,7 @@ import tempfile
 import unittest
 
 BMR, SAMPLEDB, ALTER, RANDOM_OPS, DATA = sys.argv[1:6]
+FAILING_DISK = pathlib.Path(ALTER).with_name("libfailing_disk.so")
 PASS = "Blue kettle 7 – Ü"
 FOREIGN_PASS = "correct Horse 9"
 

@@ -18,7 +18,7 @@ import termios
 import time
 from concurrent.futures import ThreadPoolExecutor
 
-from bmr_support import ALTER, BMR, DATA, FOREIGN_PASS, PASS, Base, call, main
+from bmr_support import ALTER, BMR, DATA, FAILING_DISK, FOREIGN_PASS, PASS, Base, call, main
 
 
 class ADay(Base):
@@ -98,6 +98,49 @@ class ADay(Base):
             self.bmr("add", "todo", "--task", "x", *args, status=1)
         self.bmr("list", "drawer", status=1)
         self.assertEqual(self.file.read_bytes(), before)
+
+
+class FailingDisk(Base):
+    """Each call by which a command writes fails in turn: what it says must be what stands in the file."""
+
+    def each_failure(self, command, *args, secret=PASS):
+        """Runs the command on the same file again and again; ends behind its last call. A few failures do not
+        matter to it: a folder need not be synced for a journal that is empty."""
+        before = self.file.read_bytes()
+        quiet = 0
+        for number in range(1, 200):
+            self.file.write_bytes(before)
+            done = call(BMR, command, self.file, *args, secret=secret,
+                        env={**os.environ, "LD_PRELOAD": str(FAILING_DISK), "FAIL_CALLS": str(number)})
+            if done.stderr:
+                self.assertRegex(done.stderr, r"\Abmr: [^\n]+\n\Z" if done.returncode else
+                                 r"\A(bmr: warning: [^\n]+\n)+\Z", number)
+            quiet = 0 if done.stderr else quiet + 1
+            if quiet == 6:
+                return
+            yield done
+        self.fail("the command never ends")
+
+    def test_an_added_record_is_told_by_its_key_and_only_then(self):
+        self.bmr("new")
+        warned = refused = 0
+        for done in self.each_failure("add", "todo", "--task", "stamps"):
+            stands = [str(r["fPK"]) for r in self.listed()]
+            self.assertEqual(done.stdout.split(), stands, done)
+            self.assertEqual(len(stands), 0 if done.returncode else 1, done)
+            refused += done.returncode != 0
+            warned += done.returncode == 0 and done.stderr != ""
+        self.assertGreater(warned, 3)
+        self.assertGreater(refused, 3)
+
+    def test_a_new_passphrase_holds_when_the_command_says_so(self):
+        self.bmr("new")
+        said = {0: 0, 1: 0}
+        for done in self.each_failure("passwd", secret=f"{PASS}\nRed saucer 8!\n".encode()):
+            said[done.returncode] += 1
+            self.bmr("list", "todo", secret=PASS if done.returncode else "Red saucer 8!")
+        self.assertGreater(said[0], 3)
+        self.assertGreater(said[1], 3)
 
 
 class Passphrases(Base):

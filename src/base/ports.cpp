@@ -12,7 +12,7 @@ Box MessageBox(int number, BoxIcon icon) {
     return box;
 }
 
-Box ConfirmDelete(int number, std::string text) {
+Box ConfirmDelete(int number, WipedText text) {
     Box box;
     box.number = number;
     box.text = std::move(text);

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "base/wiped.h"
+
 namespace bmr {
 
 class Secret;
@@ -16,7 +18,7 @@ enum class BoxIcon { None, Information, Question, Warning, Critical };
 /// A message box. `number` is its message number (0 when the text has none), `text` what it shows, in UTF-8.
 struct Box {
     int number = 0;
-    std::string text;
+    WipedText text;
     Buttons buttons = Buttons::Ok;
     BoxIcon icon = BoxIcon::Information;
     /// The button that Return presses.
@@ -31,7 +33,7 @@ struct Box {
 Box MessageBox(int number, BoxIcon icon = BoxIcon::Information);
 
 /// The box that confirms a delete: OK and Cancel, the second button as default, the warning icon.
-Box ConfirmDelete(int number, std::string text);
+Box ConfirmDelete(int number, WipedText text);
 
 /// What the passphrase prompt is to do. All texts in UTF-8.
 struct PassphraseRequest {

@@ -9,12 +9,12 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <mutex>
 #include <utility>
 
 #include "base/utf8.h"
+#include "base/wiped.h"
 
 namespace bmr {
 namespace {
@@ -34,12 +34,6 @@ icu::StringPiece Piece(std::string_view text) {
     return {text.data(), static_cast<std::int32_t>(text.size())};
 }
 
-/// Overwrites in a way that the compiler keeps: it cannot know what is called.
-void Wipe(void* memory, std::size_t size) {
-    static void* (*const volatile kSet)(void*, int, std::size_t) = std::memset;
-    kSet(memory, 0, size);
-}
-
 /// A text of the library's, with room enough that it seldom moves, wiped when it goes.
 struct Letters {
     explicit Letters(std::size_t characters)
@@ -50,7 +44,7 @@ struct Letters {
         const std::int32_t capacity = text.getCapacity();
         char16_t* memory = text.getBuffer(capacity);
         if (memory == nullptr) return;
-        Wipe(memory, static_cast<std::size_t>(capacity) * sizeof(*memory));
+        Overwrite(memory, static_cast<std::size_t>(capacity) * sizeof(*memory));
         text.releaseBuffer(0);
     }
 
@@ -185,7 +179,7 @@ Words Normalised(std::string_view utf8) {
     icu::StringByteSink<Words> sink(&out, static_cast<std::int32_t>(3 * whole.size()));
     form->normalizeUTF8(0, Piece(whole), sink, nullptr, error);
     if (U_FAILURE(error) != 0) out.swap(whole);
-    Wipe(whole.data(), whole.size());
+    WipeText(whole);
     return out;
 }
 

@@ -55,12 +55,12 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kin
     return store::ListNamed(session, kRecords, KindClause(kind), search);
 }
 
-Words RecordName(Session& session, std::int32_t fPK) {
+WipedText RecordName(Session& session, std::int32_t fPK) {
     return store::NameOf(session, kRecords.nameField, fPK);
 }
 
-std::string DeleteText(std::string_view name) {
-    return Msg(79) + "\r\n\r\n   " + std::string(name);
+WipedText DeleteText(std::string_view name) {
+    return Joined(Msg(79), "\r\n\r\n   ", name);
 }
 
 void WipeRecord(Record& record) {

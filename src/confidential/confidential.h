@@ -17,8 +17,8 @@ namespace bmr::confidential {
 struct Record {
     std::int32_t key = store::kNewRecord;
     std::int32_t kind = 0;  ///< 1 to 16, written when the record is made and never again
-    std::array<Words, 5> n;
-    Words notes;
+    std::array<WipedText, 5> n;
+    WipedText notes;
     DateValue dateLastModified;  ///< a whole day
     bool isPrivate = false;
     std::uint8_t userNumber = 0;
@@ -78,10 +78,10 @@ Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int3
                                               std::string_view search = {});
 
 /// The name (n0) of a record.
-Words RecordName(store::Session& session, std::int32_t fPK);
+WipedText RecordName(store::Session& session, std::int32_t fPK);
 
 /// The text of the box that confirms a delete.
-std::string DeleteText(std::string_view name);
+WipedText DeleteText(std::string_view name);
 
 /// Overwrites every text.
 void WipeRecord(Record& record);

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "base/wiped.h"
 #include "crypto/blowfish.h"
 #include "crypto/fieldtext.h"
 
@@ -167,8 +168,7 @@ void WipeBytes(Secret& bytes) {
 }
 
 void WipeString(Bytes& text) {
-    WipeMemory(text.data(), text.size());
-    text.clear();
+    WipeText(text);
 }
 
 Bytes DefaultPin(std::string_view passHashStrong) {

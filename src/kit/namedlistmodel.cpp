@@ -1,6 +1,5 @@
 #include "kit/namedlistmodel.h"
 
-#include "crypto/cry.h"
 #include "kit/words.h"
 
 namespace bmr::kit {
@@ -17,10 +16,7 @@ int NamedListModel::Rebuild(const QString& search) {
 }
 
 CellTexts NamedListModel::ReadTexts(int row) const {
-    std::string name = nameOf_(KeyAt(row));
-    CellTexts texts({ShowWords(name)});
-    cry::WipeString(name);
-    return texts;
+    return CellTexts({ShowWords(nameOf_(KeyAt(row)))});
 }
 
 QString NamedListModel::Name(int row) const {

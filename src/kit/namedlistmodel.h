@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/result.h"
+#include "base/wiped.h"
 #include "kit/recordlistmodel.h"
 
 namespace bmr::kit {
@@ -18,7 +19,7 @@ class NamedListModel final : public RecordListModel {
     /// The keys of the records whose name holds `search`, in the order of the list; of all when it is empty.
     using List = std::function<Result<std::vector<std::int32_t>>(const std::string& search)>;
     /// The name of one record.
-    using NameOf = std::function<std::string(std::int32_t fPK)>;
+    using NameOf = std::function<WipedText(std::int32_t fPK)>;
 
     NamedListModel(const QString& caption, List list, NameOf nameOf, QObject* parent = nullptr);
 

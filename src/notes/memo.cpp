@@ -53,7 +53,7 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t cat
     return store::ListNamed(session, kMemos, store::CategoryClause(category), search);
 }
 
-Words RecordName(Session& session, std::int32_t fPK) {
+WipedText RecordName(Session& session, std::int32_t fPK) {
     return store::NameOf(session, kMemos.nameField, fPK);
 }
 
@@ -61,8 +61,8 @@ void WipeRecord(Memo& memo) {
     store::WipeFields(memo, kMemoFields);
 }
 
-std::string DeleteText(std::string_view subject) {
-    return Msg(27) + " \r\n\r\n   " + std::string(subject);
+WipedText DeleteText(std::string_view subject) {
+    return Joined(Msg(27), " \r\n\r\n   ", subject);
 }
 
 int DeleteRecords(Session& session, std::int32_t category) {

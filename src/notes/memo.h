@@ -20,8 +20,8 @@ struct Memo {
     bool isPrivate = false;
     DateValue dateCreated;  ///< whole days, set once
     DateValue dateLastModified;
-    Words subject;
-    Words body;
+    WipedText subject;
+    WipedText body;
     std::int32_t category = 0;
     bool readable = true;  ///< false when the payload did not decode whole: a store would end the rest
     store::CarriedFields carried;
@@ -65,7 +65,7 @@ Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int3
                                               std::string_view search = {});
 
 /// The subject of a memo.
-Words RecordName(store::Session& session, std::int32_t fPK);
+WipedText RecordName(store::Session& session, std::int32_t fPK);
 
 /// Overwrites every text.
 void WipeRecord(Memo& memo);
@@ -73,7 +73,7 @@ void WipeRecord(Memo& memo);
 inline constexpr store::RecordVerbs<Memo> kMemoVerbs{kMemos.section, FetchRecord, WriteRecord, WipeRecord};
 
 /// The text of the box that confirms a delete.
-std::string DeleteText(std::string_view subject);
+WipedText DeleteText(std::string_view subject);
 
 /// All memos, or those of one category: 0 or the engine's number.
 [[nodiscard]] int DeleteRecords(store::Session& session, std::int32_t category);

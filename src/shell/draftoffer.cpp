@@ -1,6 +1,7 @@
 #include "shell/draftoffer.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "base/shortdate.h"
 #include "shell/navigator.h"
@@ -26,8 +27,9 @@ bool IsBlankByte(char c) {
 
 }  // namespace
 
-std::string FirstWords(std::string_view text, std::size_t most) {
-    std::string line;
+WipedText FirstWords(std::string_view text, std::size_t most) {
+    WipedText line;
+    line.reserve(text.size() + 1 + std::strlen(kEllipsis));
     std::size_t count = 0;
     std::size_t wordEnd = 0;  // behind the last word that stands whole
     for (const char c : text) {
@@ -38,9 +40,9 @@ std::string FirstWords(std::string_view text, std::size_t most) {
         if (starts && ++count > most) {
             // A single word as long as the line is cut where the line ends.
             line.resize(wordEnd > 0 ? wordEnd : line.size());
-            return line + (wordEnd > 0 ? " " : "") + kEllipsis;
+            return Joined(line, wordEnd > 0 ? " " : "", kEllipsis);
         }
-        line += blank ? ' ' : c;
+        line.push_back(blank ? ' ' : c);
     }
     if (!line.empty() && line.back() == ' ') line.pop_back();
     return line;
@@ -56,9 +58,9 @@ Box DraftOffer(const store::Session& session, const custody::Draft& draft, custo
     box.standard = Answer::Yes;
     box.text = "On " + FormatShortDate(DayOf(draft.when), facts.shortDate) + " at " + ClockTime(draft.when) +
                " the program ended while you were writing in " + section + ".";
-    const std::string words = FirstWords(draft.title.view(), kMostWords);
+    const WipedText words = FirstWords(draft.title.view(), kMostWords);
     const bool shown = !draft.isPrivate && !NeedsPin(session, draft.section);
-    if (shown && !words.empty()) box.text += "\n\n\xE2\x80\x9C" + words + "\xE2\x80\x9D";
+    if (shown && !words.empty()) box.text += Joined("\n\n\xE2\x80\x9C", words, "\xE2\x80\x9D");
     if (draft.isPrivate)
         box.text += session.ShowPrivate
                         ? "\n\nIt is private."

@@ -16,6 +16,6 @@ Box DraftOffer(const store::Session& session, const custody::Draft& draft, custo
 
 /// The beginning of a text in one line, cut between words and with an ellipsis where it is longer than
 /// `most` characters. UTF-8.
-std::string FirstWords(std::string_view text, std::size_t most);
+WipedText FirstWords(std::string_view text, std::size_t most);
 
 }  // namespace bmr::shell

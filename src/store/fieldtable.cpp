@@ -10,7 +10,7 @@
 namespace bmr::store {
 namespace {
 
-using Companions = std::list<std::pair<std::uint8_t, Bytes>>;
+using Companions = std::list<std::pair<std::uint8_t, WipedText>>;
 
 const CarriedFields::Kept* KeptWords(const CarriedFields& carried, std::uint8_t number,
                                      std::string_view text) {
@@ -26,11 +26,8 @@ ToldWords Tell(const CarriedFields& carried, std::uint8_t number, const Words& t
     ToldWords words = TellWords(text, masked);
     // The same text once more, only typed in another form.
     if (!words.companion.empty())
-        if ((kept = KeptWords(carried, number, TrueText(words.companion)))) {
-            cry::WipeString(words.told);
-            cry::WipeString(words.companion);
+        if ((kept = KeptWords(carried, number, TrueText(words.companion))))
             return {kept->told, kept->companion};
-        }
     return words;
 }
 
@@ -59,12 +56,12 @@ bool IsTextTag(std::uint8_t tag) {
 
 /// Sets a member that is no word field. False for a value of another type.
 bool Take(const RawField& field, const Member& member) {
-    const Value value = DecodeRaw(field);
     if (auto* const* text = std::get_if<std::string*>(&member)) {
-        const auto* bytes = std::get_if<Bytes>(&value);
-        if (bytes) **text = *bytes;
-        return bytes != nullptr;
+        if (!IsTextTag(field.tag)) return false;
+        **text = field.value;
+        return true;
     }
+    const Value value = DecodeRaw(field);
     if (auto* const* flag = std::get_if<bool*>(&member)) {
         const auto* set = std::get_if<bool>(&value);
         if (set) **flag = *set;
@@ -92,29 +89,13 @@ void TakeWords(const FieldSlot& slot, const Pair& pair, CarriedFields& carried) 
     Words& text = *std::get<std::string*>(slot.member);
     if (!pair.companion.empty() && JudgeCompanion(pair.companion, pair.told) == CompanionState::Fits) {
         text = TrueText(pair.companion);
-        carried.words.push_back({slot.rule.number, Bytes(pair.told), Bytes(pair.companion)});
+        carried.words.push_back({slot.rule.number, pair.told, pair.companion});
     } else {
         text = ToUtf8(pair.told);
     }
 }
 
 }  // namespace
-
-void CarriedFields::Wipe() {
-    for (Unknown& field : unknown)
-        cry::WipeString(field.field);
-    for (Kept& kept : words) {
-        cry::WipeString(kept.told);
-        cry::WipeString(kept.companion);
-    }
-    unknown.clear();
-    words.clear();
-}
-
-EncodedRecord::~EncodedRecord() {
-    cry::WipeString(payload);
-    cry::WipeString(column);
-}
 
 EncodedRecord EncodeSlots(std::span<const FieldSlot> slots, const CarriedFields& carried, Blanks blanks,
                           FieldSet masked, RandomSource& random) {
@@ -142,7 +123,6 @@ EncodedRecord EncodeSlots(std::span<const FieldSlot> slots, const CarriedFields&
             if (rule.kind != Kind::ColumnName && (blanks == Blanks::Store || !words.told.empty()))
                 AppendText(encoded.payload, rule.number, words.told, rule.tag);
             if (rule.IsColumn()) encoded.column = ColumnText(words);
-            cry::WipeString(words.told);
             if (!words.companion.empty())
                 companions.emplace_back(CompanionOf(rule.number), std::move(words.companion));
         }
@@ -150,7 +130,6 @@ EncodedRecord EncodeSlots(std::span<const FieldSlot> slots, const CarriedFields&
     for (auto& [number, value] : companions) {
         putUnknown(number);
         AppendText(encoded.payload, number, value, FieldTag::Memo);
-        cry::WipeString(value);
     }
     putUnknown(256);
     return encoded;
@@ -158,7 +137,7 @@ EncodedRecord EncodeSlots(std::span<const FieldSlot> slots, const CarriedFields&
 
 bool DecodeSlots(std::span<const FieldSlot> slots, CarriedFields& carried, std::string_view payload,
                  std::string_view column) {
-    carried.Wipe();
+    carried.Clear();
     for (const FieldSlot& slot : slots)
         Clear(slot);
     std::array<Pair, 128> words{};
@@ -184,7 +163,7 @@ bool DecodeSlots(std::span<const FieldSlot> slots, CarriedFields& carried, std::
             if (field.tag == static_cast<std::uint8_t>(FieldTag::Memo))
                 words[owner->rule.number].companion = field.value;
         } else {
-            carried.unknown.push_back({field.number, Bytes(field.whole)});
+            carried.unknown.push_back({field.number, field.whole});
         }
     }
     carried.unknown.sort([](const auto& a, const auto& b) { return a.number < b.number; });
@@ -197,7 +176,7 @@ bool DecodeSlots(std::span<const FieldSlot> slots, CarriedFields& carried, std::
     return whole;
 }
 
-Words ReadWords(std::string_view payload, std::uint8_t number, std::string_view column) {
+WipedText ReadWords(std::string_view payload, std::uint8_t number, std::string_view column) {
     Pair pair{TrimBlanks(column), {}};
     PayloadReader reader(payload);
     for (RawField field; reader.Next(field);) {
@@ -206,14 +185,14 @@ Words ReadWords(std::string_view payload, std::uint8_t number, std::string_view 
             pair.companion = field.value;
     }
     if (!pair.companion.empty() && JudgeCompanion(pair.companion, pair.told) == CompanionState::Fits)
-        return Words(TrueText(pair.companion));
+        return TrueText(pair.companion);
     return ToUtf8(pair.told);
 }
 
 void WipeSlots(std::span<const FieldSlot> slots, CarriedFields& carried) {
     for (const FieldSlot& slot : slots)
         if (auto* const* text = std::get_if<std::string*>(&slot.member)) cry::WipeString(**text);
-    carried.Wipe();
+    carried.Clear();
 }
 
 }  // namespace bmr::store

@@ -11,6 +11,7 @@
 #include "base/bytes.h"
 #include "base/random.h"
 #include "base/serialdate.h"
+#include "base/wiped.h"
 #include "store/record_put.h"
 
 namespace bmr::store {
@@ -87,27 +88,24 @@ consteval std::array<FieldRule, Count> RulesOf(const std::array<Field<Record>, C
 
 /// What a payload held beyond the members of its record, to be put back when the record is stored: fields
 /// that this version does not know, and words as they stand in the file, so that a text nobody changed is
-/// never transliterated anew. Overwritten when it goes.
+/// never transliterated anew.
 struct CarriedFields {
     struct Unknown {
         std::uint8_t number = 0;
-        Bytes field;  ///< whole: number, tag and value
+        WipedText field;  ///< whole: number, tag and value
     };
     struct Kept {
         std::uint8_t number = 0;
-        Bytes told;       ///< the field's own text
-        Bytes companion;  ///< the companion's value
+        WipedText told;       ///< the field's own text
+        WipedText companion;  ///< the companion's value
     };
     std::list<Unknown> unknown;
     std::list<Kept> words;
 
-    CarriedFields() = default;
-    CarriedFields(const CarriedFields&) = default;
-    CarriedFields(CarriedFields&&) = default;
-    CarriedFields& operator=(const CarriedFields&) = default;
-    CarriedFields& operator=(CarriedFields&&) = default;
-    ~CarriedFields() { Wipe(); }
-    void Wipe();
+    void Clear() {
+        unknown.clear();
+        words.clear();
+    }
 };
 
 /// Whether empty texts are stored, or left out of the payload.
@@ -120,15 +118,10 @@ constexpr FieldSet SetOf(std::uint8_t number) {
     return FieldSet{1} << number;
 }
 
-/// A record as it goes into the file, not enciphered yet. Overwritten when it goes.
+/// A record as it goes into the file, not enciphered yet.
 struct EncodedRecord {
-    Bytes payload;
-    Bytes column;  ///< the text of fT1, with the mark of a companion
-
-    EncodedRecord() = default;
-    EncodedRecord(EncodedRecord&&) = default;
-    EncodedRecord& operator=(EncodedRecord&&) = default;
-    ~EncodedRecord();
+    WipedText payload;
+    WipedText column;  ///< the text of fT1, with the mark of a companion
 };
 
 /// One field of one record: what `EncodeFields` and `DecodeFields` work on.
@@ -181,9 +174,9 @@ bool DecodeFields(Record& record, std::string_view payload, const std::array<Fie
 }
 
 /// The words of one field of a plain payload; `column` stands for a field that the payload lacks.
-Words ReadWords(std::string_view payload, std::uint8_t number, std::string_view column = {});
+WipedText ReadWords(std::string_view payload, std::uint8_t number, std::string_view column = {});
 
-/// Overwrites every text of a record and what it carries.
+/// Empties every text of a record and what it carries, before the record itself goes.
 void WipeSlots(std::span<const FieldSlot> members, CarriedFields& carried);
 template <class Record, std::size_t Count>
 void WipeFields(Record& record, const std::array<Field<Record>, Count>& table) {

@@ -96,7 +96,7 @@ int RespreadBucket(Session& session, std::uint8_t section, std::vector<BucketRow
 
 /// A row of a bucket that is being merged: one that stands in the file, or number `index` of the new ones.
 struct MergedRow {
-    Bytes text;
+    WipedText text;
     std::int32_t fPK = kNewRecord;
     std::size_t index = 0;
     std::int32_t position = 0;
@@ -115,7 +115,7 @@ int AppendStandingRows(Session& session, std::uint8_t section, const SpreadRange
     }
     const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
     cry::DecipherBatch(session.cipher, views, [&](std::size_t i, std::string_view plain) {
-        merged.push_back({Bytes(TrimBlanks(plain)), rows[i].fPK, 0, rows[i].position});
+        merged.push_back({TrimBlanks(plain), rows[i].fPK, 0, rows[i].position});
     });
     return cursor->error();
 }
@@ -187,7 +187,7 @@ int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Byte
     positions.assign(texts.size(), 0);
     std::map<std::int32_t, std::vector<MergedRow>> byBucket;
     for (std::size_t i = 0; i < texts.size(); ++i)
-        byBucket[BucketBounds(texts[i]).low].push_back({Bytes(TrimBlanks(texts[i])), kNewRecord, i});
+        byBucket[BucketBounds(texts[i]).low].push_back({TrimBlanks(texts[i]), kNewRecord, i});
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
     for (auto& [low, merged] : byBucket) {
@@ -201,7 +201,6 @@ int SpreadBuckets(Session& session, std::uint8_t section, const std::vector<Byte
             MergedRow& row = merged[place];
             const bool nameless = row.text.empty() && row.position == 0;  // and so it stays
             const std::int32_t position = EvenPosition(place, merged.size(), bounds, session.ports.random);
-            cry::WipeString(row.text);
             int error = 0;
             if (row.fPK == kNewRecord)
                 positions[row.index] = position;
@@ -228,10 +227,10 @@ std::vector<std::int32_t> FindDisorder(Session& session, std::uint8_t section) {
         ciphered.emplace_back(cursor->Bytes(2));
     }
     std::vector<std::int32_t> wrong;
-    std::unordered_map<std::int32_t, Bytes> lastOfBucket;
+    std::unordered_map<std::int32_t, WipedText> lastOfBucket;
     const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
     cry::DecipherBatch(session.cipher, views, [&](std::size_t i, std::string_view plain) {
-        const Bytes text(TrimBlanks(plain));
+        const WipedText text(TrimBlanks(plain));
         const SpreadRange bounds = BucketBounds(text);
         // A record without a name never got keys; it stays at 0, which is the empty name's bucket.
         const bool inside = places[i].key >= bounds.low && places[i].key <= bounds.high;

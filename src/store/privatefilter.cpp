@@ -80,18 +80,15 @@ Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::u
                         [section](std::string_view plain) { return IsPayloadPrivate(plain, section); });
 }
 
-Words NameOf(Session& session, std::uint8_t nameField, std::int32_t fPK) {
+WipedText NameOf(Session& session, std::uint8_t nameField, std::int32_t fPK) {
     const Bytes ciphered = CipheredName(session, fPK);
     const std::string_view plain = cry::DecipherField(session.cipher, ciphered);
     if (ciphered.empty()) return {};
     if (!IsMarked(plain)) return ToUtf8(TrimBlanks(plain));
-    Bytes column(plain);
+    const WipedText column(plain);
     auto record = session.ProgramDb->Select("SELECT fEtx FROM tt WHERE fPK=?", {fPK});
-    Words name;
-    if (record && record->Next())
-        name = ReadWords(cry::DecipherField(session.cipher, record->Bytes(0)), nameField, column);
-    cry::WipeString(column);
-    return name;
+    if (!record || !record->Next()) return {};
+    return ReadWords(cry::DecipherField(session.cipher, record->Bytes(0)), nameField, column);
 }
 
 Result<std::unordered_set<std::int32_t>> RecordsNamed(Session& session, std::uint8_t section,
@@ -102,12 +99,8 @@ Result<std::unordered_set<std::int32_t>> RecordsNamed(Session& session, std::uin
         return needle.InTold(TrimBlanks(plain)) && (!needle.AsksTrueText() || IsMarked(plain));
     });
     if (found && needle.AsksTrueText())
-        std::erase_if(*found, [&](std::int32_t fPK) {
-            Words name = NameOf(session, nameField, fPK);
-            const bool other = !needle.InTrue(name);
-            cry::WipeString(name);
-            return other;
-        });
+        std::erase_if(*found,
+                      [&](std::int32_t fPK) { return !needle.InTrue(NameOf(session, nameField, fPK)); });
     return found;
 }
 

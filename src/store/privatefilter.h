@@ -55,7 +55,7 @@ Result<std::unordered_set<std::int32_t>> PrivateRecords(Session& session, std::u
 
 /// The name of a record, UTF-8: the deciphered fT1, and where code page 1252 does not hold it the payload's
 /// field `nameField`. Empty for a row that is gone.
-Words NameOf(Session& session, std::uint8_t nameField, std::int32_t fPK);
+WipedText NameOf(Session& session, std::uint8_t nameField, std::int32_t fPK);
 
 /// The keys of a section's records whose name holds `search` (UTF-8) in any case, by the letters that stand
 /// for it in code page 1252: "lukasz" finds Łukasz.

@@ -11,6 +11,7 @@ namespace {
 /// Line ends as the editors make them.
 Words WithOurLines(std::string_view text) {
     Words lines;
+    lines.reserve(2 * text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r')) lines += '\r';
         lines += text[i];

@@ -103,19 +103,17 @@ Bytes PlainLetters() {
 
 ToldWords TellWords(std::string_view utf8, Masked masked) {
     if (auto told = ToBytes(utf8)) return {std::move(*told), {}};
-    Words typed = Normalised(utf8);
+    const WipedText typed = Normalised(utf8);
     ToldWords words;
     if (auto told = ToBytes(typed)) {
         words.told = std::move(*told);
     } else {
-        Words whole = WithWholeBreaks(typed);
+        const WipedText whole = WithWholeBreaks(typed);
         words.told = masked == Masked::Yes ? MaskForeign(whole) : Transliterate(whole);
         CutAndWipe(words.told, kLongestText);
         if (TrimBlanks(words.told).empty()) words.told.assign(1, '?');  // a blank one could not be marked
         words.companion = MakeCompanion(words.told, FirstWords(whole));
-        cry::WipeString(whole);
     }
-    cry::WipeString(typed);
     return words;
 }
 
@@ -132,12 +130,9 @@ std::string_view TrueText(std::string_view companion) {
     return companion.substr(std::min(kHead, companion.size()));
 }
 
-Bytes ColumnText(const ToldWords& words) {
+WipedText ColumnText(const ToldWords& words) {
     if (words.companion.empty()) return words.told;
-    const std::string_view told = TrimBlanks(words.told);
-    Bytes column;
-    column.reserve(told.size() + 1);
-    return column.append(told).append(1, ' ');
+    return Joined(TrimBlanks(words.told), " ");
 }
 
 bool IsMarked(std::string_view columnPlain) {
@@ -145,7 +140,7 @@ bool IsMarked(std::string_view columnPlain) {
 }
 
 WordsLength MeasureWords(std::string_view utf8) {
-    Words words = Normalised(utf8);
+    const WipedText words = Normalised(utf8);
     const LoneBreaks lone = CountLoneBreaks(words);
     WordsLength measured;
     if (FitsBytes(words)) {
@@ -155,15 +150,14 @@ WordsLength MeasureWords(std::string_view utf8) {
     } else {
         measured = {words.size() + lone.feeds + lone.returns, kLongestWords, true};
     }
-    cry::WipeString(words);
     return measured;
 }
 
 Needle::Needle(std::string_view utf8) {
-    const Words words = Normalised(utf8);
+    const WipedText words = Normalised(utf8);
     folded_ = FoldCase(words);
     // The letter in front keeps what has no letters at all from becoming "?", which a longer text would lack.
-    const Bytes made = Transliterate("x" + words);
+    const WipedText made = Transliterate(Joined("x", words));
     std::string_view letters = std::string_view(made).substr(1);
     // Told texts are searched without the blanks at their ends, so those count only where they were typed.
     const bool isNothing = TrimBlanks(letters).empty() && !FitsBytes(words);
@@ -182,12 +176,9 @@ bool Needle::InTold(std::string_view told) const {
 }
 
 bool Needle::InTrue(std::string_view words) const {
-    Words whole = Normalised(words);
-    Words folded = FoldCase(whole);
-    cry::WipeString(whole);
-    const bool found = folded.find(folded_) != Words::npos;
-    cry::WipeString(folded);
-    return found;
+    const WipedText whole = Normalised(words);
+    const WipedText folded = FoldCase(whole);
+    return folded.find(folded_) != Words::npos;
 }
 
 }  // namespace bmr::store

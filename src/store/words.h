@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/bytes.h"
+#include "base/wiped.h"
 
 namespace bmr::store {
 
@@ -13,8 +14,9 @@ namespace bmr::store {
 
 /// A text as a record stores it. Both may hold secrets.
 struct ToldWords {
-    Bytes told;       ///< the field
-    Bytes companion;  ///< the companion: 1, CRC-32 of the field, UTF-8; empty when the page holds the text
+    WipedText told;  ///< the field
+    WipedText
+        companion;  ///< the companion: 1, CRC-32 of the field, UTF-8; empty when the page holds the text
 };
 
 /// Whether a text must not look right when code page 1252 cannot hold it, as a password must not.
@@ -37,7 +39,7 @@ CompanionState JudgeCompanion(std::string_view companion, std::string_view told)
 std::string_view TrueText(std::string_view companion);
 
 /// What an enciphered column holds of a text; a blank behind it marks one whose payload tells more.
-Bytes ColumnText(const ToldWords& words);
+WipedText ColumnText(const ToldWords& words);
 
 /// True when a column, deciphered, bears the mark. A text without companion that was typed with a blank
 /// behind it bears it too, which costs a look at its payload and no more.
@@ -72,8 +74,8 @@ class Needle {
     bool InTrue(std::string_view words) const;
 
   private:
-    Bytes told_;  ///< capitals without accents
-    Words folded_;
+    WipedText told_;  ///< capitals without accents
+    WipedText folded_;
     bool asksTrueText_ = false;
 };
 

@@ -29,8 +29,8 @@ struct Priority {
 /// One task, as screen and editor hold it. The defaults are those of an empty new record.
 struct Task {
     std::int32_t key = store::kNewRecord;
-    Words task;
-    Words note;
+    WipedText task;
+    WipedText note;
     bool isPrivate = false;
     std::uint8_t userNumber = 0;
     bool hasNote = false;
@@ -90,8 +90,8 @@ std::int32_t UnpackPriority(std::int32_t fR1);
 
 /// What the editor's controls hold.
 struct EditorValues {
-    Words task;
-    Words note;
+    WipedText task;
+    WipedText note;
     std::optional<std::int32_t> priority;  ///< the option that is on, if any
     bool isPrivate = false;
     std::optional<Day> due;

@@ -138,7 +138,7 @@ std::string DateText(Day day, const LocaleFacts& locale) {
 }
 
 /// Asks the question of a delete.
-bool Confirmed(Session& session, int number, std::string text) {
+bool Confirmed(Session& session, int number, WipedText text) {
     return session.ports.prompter.Ask(ConfirmDelete(number, std::move(text))) == Answer::Ok;
 }
 
@@ -265,7 +265,7 @@ DeleteOutcome DeleteItem(Session& session, std::optional<std::int32_t> key, std:
         session.ports.prompter.Ask(MessageBox(18));
         return {};
     }
-    if (!Confirmed(session, 29, Msg(29) + " \r\n\r\n   " + std::string(task))) return {};
+    if (!Confirmed(session, 29, Joined(Msg(29), " \r\n\r\n   ", task))) return {};
     return Deleted(session, store::DeleteRow(session, *key));
 }
 

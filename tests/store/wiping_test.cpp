@@ -1,54 +1,23 @@
 #include <gtest/gtest.h>
-#include <malloc.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include "confidential/confidential.h"
 #include "crypto/cry.h"
 #include "custody/users.h"
 #include "store/words.h"
+#include "support/freed.h"
 #include "support/sitting.h"
-
-namespace {
-
-constexpr std::string_view kSecret = "a password that nobody may find";
-std::atomic<bool> g_watching = false;
-std::atomic<int> g_found = 0;
-
-}  // namespace
-
-// Every block of this program that is given back is searched while a test watches.
-void* operator new(std::size_t size) {
-    if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-    throw std::bad_alloc();
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return std::malloc(size == 0 ? 1 : size);
-}
-void operator delete(void* memory) noexcept {
-    if (memory != nullptr && g_watching) {
-        const std::string_view block(static_cast<const char*>(memory), malloc_usable_size(memory));
-        if (block.find(kSecret) != std::string_view::npos) ++g_found;
-    }
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    operator delete(memory);
-}
 
 namespace bmr::store {
 namespace {
 
+constexpr std::string_view kSecret = "a password that nobody may find";
+
 /// How many blocks with the secret in them `work` gives back.
-template <class Work>
-int LeftBehind(Work work) {
-    g_found = 0;
-    g_watching = true;
-    work();
-    g_watching = false;
-    return g_found;
+int LeftBehind(const std::function<void()>& work) {
+    return test::CountFreed(
+        [](const char* block, std::size_t size) {
+            return std::string_view(block, size).find(kSecret) != std::string_view::npos;
+        },
+        work);
 }
 
 TEST(Wiping, TheSearchFindsWhatAnOrdinaryTextLeaves) {

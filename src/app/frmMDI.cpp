@@ -66,6 +66,7 @@ frmMDI::frmMDI(Parts parts)
     connect(splash_, &frmSplash::OpenChosen, this, &frmMDI::mnuFileOpen_Click);
     for (const auto& [code, factory] : parts_.sections)
         column_->SetAvailable(code, true);
+    qApp->installEventFilter(this);  // locking works from every dialog
 
     resize(QSize(1180, 760).boundedTo(screen()->availableSize() * 0.96));  // a scaled screen has less room
     ShowWithoutDatabase();
@@ -155,6 +156,7 @@ void frmMDI::ConnectMenus() {
     on(menus_.mnuFileOpen, &frmMDI::mnuFileOpen_Click);
     on(menus_.mnuFileCloseSection, [this] { optSection_Click(0); });
     on(menus_.mnuFileCloseDB, &frmMDI::mnuFileCloseDB_Click);
+    on(menus_.mnuFileLock, &frmMDI::LockNow);
     on(menus_.mnuFileQuit, &frmMDI::QuitProgram);
     on(menus_.mnuEditSearch, [this] {
         search_->setFocus(Qt::ShortcutFocusReason);
@@ -213,6 +215,14 @@ void frmMDI::ShowClipboardCountdown(int seconds) {
 }
 
 bool frmMDI::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && session_.DatabaseOpen) {
+        // Comes here only from a window that the menu's shortcut does not reach.
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (key.key() == Qt::Key_L && key.modifiers() == Qt::ControlModifier) {
+            QMetaObject::invokeMethod(this, &frmMDI::LockNow, Qt::QueuedConnection);
+            return true;
+        }
+    }
     if (watched == search_ && event->type() == QEvent::KeyPress && form_) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape || key == Qt::Key_Down || key == Qt::Key_Return) {
@@ -257,9 +267,9 @@ void frmMDI::EnableCommands() {
     for (QMenu* menu : {menus_.mnuEdit, menus_.mnuView, menus_.mnuTools})
         menu->menuAction()->setEnabled(open);
     if (sectionMenu_) sectionMenu_->menuAction()->setEnabled(section);
-    for (QAction* action :
-         {menus_.mnuFileCloseDB, menus_.mnuViewShowPrivate, menus_.mnuViewStart, menus_.mnuViewToolbarText,
-          menus_.mnuViewFold, menus_.mnuToolsPassphrase, menus_.mnuDbRepair, menus_.mnuToolsPreferences})
+    for (QAction* action : {menus_.mnuFileCloseDB, menus_.mnuFileLock, menus_.mnuViewShowPrivate,
+                            menus_.mnuViewStart, menus_.mnuViewToolbarText, menus_.mnuViewFold,
+                            menus_.mnuToolsPassphrase, menus_.mnuDbRepair, menus_.mnuToolsPreferences})
         action->setEnabled(open);
     for (QAction* action : {menus_.mnuFileCloseSection, menus_.mnuEditSearch})
         action->setEnabled(section);

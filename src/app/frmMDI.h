@@ -62,6 +62,9 @@ class frmMDI final : public QMainWindow {
     void mnuViewShowPrivate_Switch();
     /// Section, settings, keys: all closed and wiped; the window stands without a database.
     void CloseDatabase();
+    /// Closes the database as the end of the program does, through whatever dialogs are open, and asks for
+    /// its passphrase. Nothing without an open database.
+    void LockNow();
     /// Closes the database and ends the program, whatever dialogs are open: they unwind as cancelled.
     void QuitProgram();
 
@@ -119,9 +122,16 @@ class frmMDI final : public QMainWindow {
     void Opened();
     void ShowWithoutDatabase();
     void CloseAll();
+    /// Waits until nothing stands on the locked database any more, then asks for its passphrase.
+    void AwaitUnlocking();
+    void Unlock();
 
     /// Takes what stands half-written, while the dialogs that hold it are still there.
     void CollectDrafts();
+    /// What the form and those that were closed for it hold; nothing of it is left here.
+    std::vector<custody::Draft> TakeBegun();
+    /// Stores it where nobody ends: at a closing that the user chose.
+    void KeepBegun();
     void OfferDrafts();
     void OfferDraft(custody::Draft& draft);
     void ContinueDraft(const custody::Draft& draft);
@@ -168,6 +178,8 @@ class frmMDI final : public QMainWindow {
     bool opened_ = false;                 ///< a database was opened whose drafts were not offered yet
     std::vector<custody::Draft> drafts_;  ///< collected for the end
     std::int32_t continuing_ = 0;         ///< id of the draft that is worked on
+    std::map<std::uint8_t, std::vector<custody::Draft>> left_;  ///< begun in sections that are closed
+    std::filesystem::path locked_;                              ///< to be opened again; empty unless locked
 };
 
 }  // namespace bmr::app

@@ -1,5 +1,7 @@
 // The main window's part in what was left half-written: kept when the program ends, offered after the login.
 #include <QLocale>
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "app/frmMDI.h"
@@ -11,10 +13,22 @@
 namespace bmr::app {
 
 void frmMDI::CollectDrafts() {
-    // Who quits with no editor open has chosen to; at every other end nobody is asked.
-    if (quitting_ || !session_.DatabaseOpen || !form_ || !(session_.ending || form_->Editing())) return;
-    drafts_ = form_->Drafts();
-    if (continuing_ != 0 && !drafts_.empty()) drafts_.front().id = continuing_;
+    if (!quitting_ && session_.DatabaseOpen) drafts_ = TakeBegun();
+}
+
+std::vector<custody::Draft> frmMDI::TakeBegun() {
+    std::vector<custody::Draft> begun;
+    if (form_) begun = form_->Drafts();
+    if (continuing_ != 0 && !begun.empty() && form_->Editing()) begun.front().id = continuing_;
+    for (auto& [code, drafts] : left_)
+        std::ranges::move(drafts, std::back_inserter(begun));
+    left_.clear();
+    return begun;
+}
+
+void frmMDI::KeepBegun() {
+    kit::TellFailure(session_, custody::StoreDrafts(session_, TakeBegun()),
+                     tr("What you had begun to write could not be kept."));
 }
 
 void frmMDI::OfferDrafts() {

@@ -1,5 +1,6 @@
 // The main window's half that has to do with the database and its sections.
 #include <QApplication>
+#include <QDialog>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -14,6 +15,7 @@
 #include "app/frmMenuDB.h"
 #include "app/frmOptions.h"
 #include "app/frmSplash.h"
+#include "app/hardening.h"
 #include "app/helpwindow.h"
 #include "app/sectioncolumn.h"
 #include "app/start.h"
@@ -26,6 +28,7 @@
 #include "kit/listpane.h"
 #include "kit/recordlistview.h"
 #include "kit/steps.h"
+#include "kit/words.h"
 #include "shell/navigator.h"
 
 namespace bmr::app {
@@ -185,11 +188,15 @@ void frmMDI::ShowForm(std::uint8_t code) {
     ShowActions(form_->ToolActions());
     search_->setPlaceholderText(tr("Search in %1").arg(SectionName(code)));
     search_->setAccessibleName(search_->placeholderText());
+    if (const auto left = left_.extract(code)) form_->Resume(left.mapped());
     form_->setFocus(Qt::OtherFocusReason);
 }
 
 void frmMDI::CloseForm() {
     if (!form_) return;
+    // With an editor open the database goes, and what it holds has been taken already.
+    if (auto begun = form_->Editing() ? std::vector<custody::Draft>() : form_->Drafts(); !begun.empty())
+        left_[session_.SectionCode] = std::move(begun);
     {
         const QSignalBlocker quiet(search_);
         search_->clear();
@@ -203,6 +210,7 @@ void frmMDI::CloseForm() {
     std::unique_ptr<SectionForm> form(std::exchange(form_, nullptr));
     ShowActions(placeholders_);
     form->disconnect(status_);
+    kit::EmptyControls(*form);
     if (!DialogsUnwinding() && !form->Editing()) return;
     form->hide();
     menuBar()->removeAction(form->SectionMenu()->menuAction());
@@ -251,11 +259,14 @@ void frmMDI::PrivateSwitched() {
 
 void frmMDI::CloseDatabase() {
     if (session_.DatabaseOpen) {
+        KeepBegun();
         CloseForm();
+        left_.clear();
         std::ignore = custody::CloseDatabase(session_);  // it tells what it could not write
         emit DatabaseClosed();
     }
     ShowWithoutDatabase();
+    SweepFreed();
 }
 
 void frmMDI::NameSteps() {
@@ -326,7 +337,9 @@ void frmMDI::mnuToolsPassphrase_Click() {
 void frmMDI::mnuDbRepair_Click() {
     if (flows_ > 0 || !session_.DatabaseOpen) return;
     RunFlow([this] {
+        KeepBegun();
         CloseForm();
+        left_.clear();
         HideShow(false);
         splash_->ShowOpening();
         const int error = custody::RepairAndCompact(session_);
@@ -378,8 +391,46 @@ void frmMDI::CloseAll() {
     // Nobody can be asked any more: what a failed write loses, a draft or the settings, is lost.
     std::ignore = custody::StoreDrafts(session_, std::exchange(drafts_, {}));
     CloseForm();
+    left_.clear();
     std::ignore = custody::CloseDatabase(session_);
     emit DatabaseClosed();
+    SweepFreed();
+}
+
+void frmMDI::LockNow() {
+    if (!session_.DatabaseOpen || session_.ending) return;
+    locked_ = session_.DatabasePath;
+    CollectDrafts();
+    session_.ending = true;  // what stands open unwinds as cancelled and stores nothing
+    if (flows_ == 0) CloseAll();
+    AwaitUnlocking();
+}
+
+void frmMDI::AwaitUnlocking() {
+    if (quitting_) return;  // the idle end came first
+    if (flows_ == 0 && !DialogsUnwinding()) return Unlock();
+    QWidget* popup = QApplication::activePopupWidget();
+    QWidget* modal = QApplication::activeModalWidget();
+    if (popup)
+        popup->close();
+    else if (auto* dialog = qobject_cast<QDialog*>(modal))
+        dialog->done(QDialog::Rejected);  // not close(), which some refuse
+    else if (modal)
+        modal->close();
+    constexpr int kLook = 5;  // ms
+    QTimer::singleShot(kLook, this, &frmMDI::AwaitUnlocking);
+}
+
+void frmMDI::Unlock() {
+    session_.ending = false;
+    leaving_.reset();
+    ShowWithoutDatabase();
+    SweepFreed();
+    RunFlow([this] {
+        splash_->ShowOpening();
+        const StartOutcome outcome = OpenNamed(session_, std::exchange(locked_, {}));
+        Settle(outcome == StartOutcome::ShowMenuDB ? StartOutcome::Empty : outcome);
+    });
 }
 
 }  // namespace bmr::app

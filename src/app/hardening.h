@@ -7,4 +7,12 @@ namespace bmr::app {
 /// passed over.
 void HardenProcess();
 
+/// From now on memory that the program gives back is overwritten at once, the toolkit's included, where the C
+/// library can do that. Part of `HardenProcess`.
+void OverwriteFreed();
+
+/// Overwrites what `OverwriteFreed` passes over: the small blocks that the C library keeps at hand for this
+/// thread, and the part of the stack that nobody stands on. For the moment at which a database has closed.
+void SweepFreed();
+
 }  // namespace bmr::app

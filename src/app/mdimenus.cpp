@@ -58,6 +58,8 @@ void BuildFile(MdiMenus& m, QMenuBar& bar) {
                                      QKeySequence(Qt::CTRL | Qt::Key_W));
     m.mnuFileCloseDB = file.Add("mnuFileCloseDB", QObject::tr("Close &Database"), "document-close",
                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W));
+    m.mnuFileLock = file.Add("mnuFileLock", QObject::tr("&Lock Now"), "object-locked",
+                             QKeySequence(Qt::CTRL | Qt::Key_L));
     file.Line();
     m.mnuFileQuit =
         file.Add("mnuFileQuit", QObject::tr("&Quit"), "application-exit", QKeySequence(Qt::CTRL | Qt::Key_Q));

@@ -21,6 +21,7 @@ struct MdiMenus {
     QAction* mnuFileOpen;
     QAction* mnuFileCloseSection;
     QAction* mnuFileCloseDB;
+    QAction* mnuFileLock;
     QAction* mnuFileQuit;
 
     QAction* mnuEditUndo;

@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "confidential/frmEditConfidential.h"
-#include "crypto/cry.h"
 #include "kit/dateentry.h"
 #include "kit/failure.h"
 #include "kit/formparts.h"
@@ -205,7 +204,7 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     if (!record.readable && !kit::AskToOverwrite(session_, tr("record"))) return WipeRecord(record);
     const std::int32_t keyBefore = record.key;
     const std::int32_t shown = ListSelect->SelectedKey();
-    Bytes nameBefore = record.n[0];
+    const WipedText nameBefore = record.n[0];
     frmEditConfidential editor(session_, record, this);
     if (padFrame->isVisible()) editor.Cover(*padFrame->parentWidget());
     const EditEnd end = round_.EditUntilStored(editor, draft, tr("The record was not stored."), [&] {
@@ -216,7 +215,6 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     const std::int32_t key = record.key;
     // A row that was deleted behind the editor has come back under another key.
     const bool moved = key != keyBefore || nameBefore != record.n[0];
-    cry::WipeString(nameBefore);
     WipeRecord(record);
     if (end == EditEnd::Closed) return;
     if (end == EditEnd::Stored && moved)

@@ -13,6 +13,7 @@
 #include "confidential/frmClassified.h"
 #include "kit/formparts.h"
 #include "kit/recordlistview.h"
+#include "kit/words.h"
 #include "shell/helpers.h"
 
 // What the keys do in the confidential section, and what can be done with a field.
@@ -117,7 +118,7 @@ void frmClassified::mnuCopy_Click() {
 
 void frmClassified::OpenField(std::size_t i) {
     if (session_.ports.desktop)
-        shell::OpenWebsite(session_.ports.prompter, *session_.ports.desktop, FieldText(i).toStdString());
+        shell::OpenWebsite(session_.ports.prompter, *session_.ports.desktop, kit::TakeWords(FieldText(i)));
 }
 
 kit::FieldUse frmClassified::UseOf(std::size_t i) const {
@@ -126,7 +127,7 @@ kit::FieldUse frmClassified::UseOf(std::size_t i) const {
     use.masked = IsMasked(i);
     if (use.masked) return use;
     const std::string_view caption = CurrentKind()->captions[i];
-    std::string text = use.whole->toStdString();
+    WipedText text = kit::TakeWords(*use.whole);
     use.web = IsUrlCaption(caption) || text.starts_with("www.") || text.find("://") != std::string::npos;
     use.mail = IsMailCaption(caption) || shell::ValidEmail(text);
     use.dial = IsPhoneCaption(caption);

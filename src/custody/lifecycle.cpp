@@ -39,7 +39,6 @@ void ForgetDatabase(Session& session) {
     cry::WipeBytes(session.cipher.Keystring);
     cry::WipeBytes(session.cipher.FieldPlain);
     WipeHashes(session);
-    session.quickTask.Wipe();
     session.user = CurrentUser();
     session.pin = PinRecord();
     session.settings = Settings();

@@ -4,7 +4,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include "crypto/cry.h"
 #include "kit/categoryfield.h"
 #include "kit/drafttext.h"
 #include "kit/formparts.h"
@@ -34,7 +33,7 @@ QWidget* EditorFields::Text::Control() const {
     return line ? static_cast<QWidget*>(line) : block;
 }
 
-QString EditorFields::Text::Typed() const {
+WipedLetters EditorFields::Text::Typed() const {
     return line ? line->text() : PlainText(*block);
 }
 
@@ -43,16 +42,16 @@ void EditorFields::Text::Put(const QString& text) const {
     block->setPlainText(text);
 }
 
-std::string EditorFields::Text::Taken() const {
-    const QString typed = Typed();
-    const QString before = line ? ShowWords(*member) : ShowLines(*member);
+WipedText EditorFields::Text::Taken() const {
+    const WipedLetters typed = Typed();
+    const WipedLetters before = line ? ShowWords(*member) : ShowLines(*member);
     if (!touched || typed == before) return *member;
     return line ? TakeWords(typed) : TakeLines(typed, *member);
 }
 
 EditorFields::~EditorFields() {
     for (const Text& text : texts_)
-        cry::WipeString(*text.member);
+        WipeText(*text.member);
 }
 
 template <class Control>
@@ -104,8 +103,7 @@ void EditorFields::Show() {
 
 void EditorFields::Take() {
     for (Text& text : texts_) {
-        std::string taken = text.Taken();
-        cry::WipeString(*text.member);
+        WipedText taken = text.Taken();
         text.member->swap(taken);
     }
     if (private_) *private_->member = private_->control->isChecked();
@@ -113,10 +111,7 @@ void EditorFields::Take() {
 }
 
 bool EditorFields::Tell(const Text& text) {
-    std::string taken = text.Taken();
-    const bool fits = kit::Tell(*text.error, TooLongOf(taken));
-    cry::WipeString(taken);
-    return fits;
+    return kit::Tell(*text.error, TooLongOf(text.Taken()));
 }
 
 bool EditorFields::Judge() {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "custody/drafts.h"
+#include "kit/words.h"
 
 class QCheckBox;
 class QLabel;
@@ -68,9 +69,9 @@ class EditorFields final : public QObject {
         bool touched = false;  ///< since the record was shown
 
         QWidget* Control() const;
-        QString Typed() const;
+        WipedLetters Typed() const;
         void Put(const QString& text) const;
-        std::string Taken() const;
+        WipedText Taken() const;
     };
     struct Mark {
         std::uint8_t number;

@@ -5,6 +5,7 @@
 #include <QMenu>
 
 #include "kit/icons.h"
+#include "kit/words.h"
 #include "shell/helpers.h"
 #include "store/session.h"
 
@@ -18,8 +19,8 @@ QString Tr(const char* text) {
 /// A text field of either sort as the menu finds it. The selection is kept: the field may lose it with the
 /// focus.
 struct FieldState {
-    QString selected;
-    QString content;  ///< what web, mail and dial take
+    WipedLetters selected;
+    WipedLetters content;  ///< what web, mail and dial take
     bool writable = true;
     bool secret = false;
     bool empty = false;
@@ -70,7 +71,7 @@ void AddUses(QMenu& menu, const FieldState& state, const Outward& to) {
     if (!to.prompter || !to.desktop || (!use.web && !use.mail && !use.dial)) return;
     Prompter& prompter = *to.prompter;
     Desktop& desktop = *to.desktop;
-    const std::string content = state.content.toStdString();
+    const WipedText content = TakeWords(state.content);
     const bool any = !content.empty();
     menu.addSeparator();
     if (use.web) {
@@ -96,8 +97,7 @@ void Show(Field& field, const QPoint& at, const Outward& to) {
     if (!state.writable && state.empty) return;
     const FieldUse& use = to.use;
     if (use.whole && (use.masked || state.selected.isEmpty())) state.selected = state.content = *use.whole;
-    const auto allowed =
-        shell::SetMenuForSelection(state.selected.toStdString(), state.writable, state.secret);
+    const auto allowed = shell::SetMenuForSelection(TakeWords(state.selected), state.writable, state.secret);
     QMenu menu(&field);
     menu.setObjectName("mnuAddressBoxRC");
     Add(menu, "mnuCut", "Cu&t", "edit-cut", allowed.cut, [&field] { field.cut(); });
@@ -105,7 +105,7 @@ void Show(Field& field, const QPoint& at, const Outward& to) {
         [&state] { QApplication::clipboard()->setText(state.selected); });
     Add(menu, "mnuCopyNoSpaces", "Copy (&no spaces)", "edit-copy", allowed.copyNoSpaces, [&state] {
         QApplication::clipboard()->setText(
-            QString::fromStdString(shell::WithoutBlanks(state.selected.toStdString())));
+            ShowWords(WipedText(shell::WithoutBlanks(TakeWords(state.selected)))));
     });
     Add(menu, "mnuPaste", "&Paste", "edit-paste", allowed.paste, [&field] { field.paste(); });
     menu.addSeparator();

@@ -20,6 +20,7 @@
 #include "kit/frmInputbox.h"
 #include "kit/frmPW.h"
 #include "kit/theme.h"
+#include "kit/words.h"
 
 namespace bmr::kit {
 
@@ -197,7 +198,7 @@ Answer QtPrompter::Ask(const Box& box) {
     form.setWindowTitle(box.title.empty() ? QApplication::applicationDisplayName()
                                           : QString::fromStdString(box.title));
     form.setTextFormat(Qt::PlainText);  // a record's own words may stand in it
-    form.setText(QString::fromStdString(box.text).replace("\r\n", "\n"));
+    form.setText(ShowLines(box.text));
     form.setIcon(IconOf(box.icon));
     form.setProperty("number", box.number);
     for (const Answer answer : answers)
@@ -218,7 +219,7 @@ std::optional<std::string> QtPrompter::InputBox(const std::string& title, const 
     frmInputbox form(QString::fromStdString(title), QString::fromStdString(prompt),
                      QString::fromStdString(initial), Over());
     if (form.exec() != QDialog::Accepted || Ending()) return std::nullopt;
-    return form.Text().toStdString();
+    return TakeWords(form.Text());
 }
 
 bool QtPrompter::AskSecret(const PassphraseRequest& request, Secret& typed) {

@@ -49,6 +49,9 @@ class RecordListModel : public QAbstractTableModel {
     /// -1 when the key has no row.
     int RowOf(std::int32_t key) const { return rows_.value(key, -1); }
 
+    /// Overwrites the texts that are kept; the next look at a row reads it anew.
+    void ForgetAll();
+
     /// How many rows were deciphered since the counter was last set to 0.
     int deciphered = 0;
 
@@ -58,7 +61,6 @@ class RecordListModel : public QAbstractTableModel {
 
     const CellTexts& TextsOf(int row) const;
     void Forget(std::int32_t key);
-    void ForgetAll();
 
     /// Between beginResetModel and endResetModel.
     void SetKeys(std::vector<std::int32_t> keys);

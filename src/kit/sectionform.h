@@ -50,8 +50,11 @@ class SectionForm : public QWidget {
     virtual bool Editing() const { return false; }
 
     /// What the open editor holds that is not stored, and behind it what else was begun. Asked for when the
-    /// program ends and nobody can be: shows nothing and changes nothing.
+    /// form closes or the program ends and nobody can be: shows nothing and changes nothing.
     virtual std::vector<custody::Draft> Drafts() const { return {}; }
+
+    /// Puts back what `Drafts` told of this section when its form was closed for another's.
+    virtual void Resume(const std::vector<custody::Draft>&) {}
 
     /// Opens the editor filled with a draft of this section, whose record stands if it has a key. Returns
     /// when the editor has closed.

@@ -1,11 +1,16 @@
 #include "kit/words.h"
 
 #include <QCoreApplication>
+#include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
+#include <QPlainTextEdit>
+#include <QSignalBlocker>
+#include <QStringEncoder>
 #include <QStringList>
 #include <algorithm>
 
-#include "crypto/cry.h"
+#include "kit/recordlistmodel.h"
 #include "store/words.h"
 
 namespace bmr::kit {
@@ -25,11 +30,11 @@ QString Counted(std::size_t count, bool inBytes) {
 }  // namespace
 
 QString ToQString(std::string_view bytes) {
-    return QString::fromStdString(ToUtf8(bytes));
+    return ShowWords(WipedText(ToUtf8(bytes)));
 }
 
 Bytes FromQString(const QString& text) {
-    if (auto bytes = ToBytes(text.toStdString())) return std::move(*bytes);
+    if (auto bytes = ToBytes(TakeWords(text))) return std::move(*bytes);
     Bytes bytes;
     for (const char32_t character : text.toUcs4())
         bytes += ToBytes(QString::fromUcs4(&character, 1).toStdString()).value_or("?");
@@ -37,7 +42,7 @@ Bytes FromQString(const QString& text) {
 }
 
 QString RefusalOf(const QString& text) {
-    const auto bad = FindUnmappable(text.toStdString());
+    const auto bad = FindUnmappable(TakeWords(text));
     if (bad.empty()) return {};
     QStringList named;
     for (const Unmappable& one : bad) {
@@ -56,18 +61,38 @@ QString ShowWords(std::string_view words) {
     return QString::fromUtf8(words.data(), static_cast<qsizetype>(words.size()));
 }
 
-Words TakeWords(const QString& text) {
-    return text.toStdString();
+WipedText TakeWords(const QString& text) {
+    // Straight into its place: the toolkit's own way leaves a copy behind.
+    QStringEncoder encoder(QStringEncoder::Utf8);
+    WipedText words;
+    words.resize(static_cast<std::size_t>(encoder.requiredSpace(text.size())));
+    const char* end = encoder.appendToBuffer(words.data(), text);
+    words.resize(static_cast<std::size_t>(end - words.data()));
+    return words;
 }
 
 QString ShowLines(std::string_view words) {
-    return ShowWords(words).replace("\r\n", "\n").replace('\r', '\n');
+    WipedText lines;
+    lines.reserve(words.size());
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const bool inPair = words[i] == '\r' && i + 1 < words.size() && words[i + 1] == '\n';
+        if (!inPair) lines.push_back(words[i] == '\r' ? '\n' : words[i]);
+    }
+    return ShowWords(lines);
 }
 
-Words TakeLines(const QString& text, std::string_view before) {
+WipedText TakeLines(const QString& text, std::string_view before) {
     const bool ours =
         before.find("\r\n") != std::string_view::npos || before.find('\n') == std::string_view::npos;
-    return TakeWords(ours ? QString(text).replace("\n", "\r\n") : text);
+    WipedText words = TakeWords(text);
+    if (!ours) return words;
+    WipedText lines;
+    lines.reserve(words.size() + static_cast<std::size_t>(std::ranges::count(words, '\n')));
+    for (const char c : words) {
+        if (c == '\n') lines.push_back('\r');
+        lines.push_back(c);
+    }
+    return lines;
 }
 
 QString LengthOf(std::string_view words) {
@@ -84,22 +109,31 @@ QString TooLongOf(std::string_view words) {
 }
 
 Secret ToSecret(const QString& text) {
-    std::string utf8 = text.toStdString();
-    Secret secret(utf8);
-    cry::WipeString(utf8);
-    return secret;
+    return Secret(TakeWords(text));
 }
 
 Secret ToLatinSecret(const QString& text) {
-    Bytes bytes = FromQString(text);
-    Secret secret(bytes);
-    cry::WipeString(bytes);
-    return secret;
+    return Secret(WipedText(FromQString(text)));
 }
 
 void WipeQString(QString& text) {
     if (!text.isEmpty() && text.isDetached()) text.fill(QChar(u'\0'));
     text.clear();
+}
+
+void EmptyControls(QWidget& form) {
+    for (auto* edit : form.findChildren<QLineEdit*>()) {
+        const QSignalBlocker quiet(edit);
+        edit->clear();
+    }
+    for (auto* edit : form.findChildren<QPlainTextEdit*>()) {
+        const QSignalBlocker quiet(edit);
+        edit->clear();  // its steps to undo go with it
+    }
+    for (auto* label : form.findChildren<QLabel*>())
+        label->clear();
+    for (auto* model : form.findChildren<RecordListModel*>())
+        model->ForgetAll();
 }
 
 }  // namespace bmr::kit

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <QString>
+#include <utility>
 
 #include "base/bytes.h"
+#include "base/wiped.h"
 #include "crypto/secret.h"
+
+class QWidget;
 
 namespace bmr::kit {
 
@@ -19,12 +23,12 @@ QString RefusalOf(const QString& text);
 
 /// A text of a record for a widget, and back.
 QString ShowWords(std::string_view words);
-Words TakeWords(const QString& text);
+WipedText TakeWords(const QString& text);
 
 /// The same for a field of many lines, where a line ends in "\n". In a record it ends in two characters; one
 /// that was written otherwise (`before`) keeps its own ends.
 QString ShowLines(std::string_view words);
-Words TakeLines(const QString& text, std::string_view before);
+WipedText TakeLines(const QString& text, std::string_view before);
 
 /// How long a record's text is, in words: "1,234 characters".
 QString LengthOf(std::string_view words);
@@ -39,5 +43,21 @@ Secret ToLatinSecret(const QString& text);
 
 /// Overwrites the characters of a string that nobody shares, then empties it.
 void WipeQString(QString& text);
+
+/// A string of ours that is overwritten when it goes, unless a control shares it.
+struct WipedLetters : QString {
+    WipedLetters() = default;
+    WipedLetters(QString text) : QString(std::move(text)) {}
+    WipedLetters(const WipedLetters&) = default;
+    WipedLetters(WipedLetters&&) noexcept = default;
+    WipedLetters& operator=(const WipedLetters&) = default;
+    WipedLetters& operator=(WipedLetters&&) noexcept = default;
+    ~WipedLetters() { WipeQString(*this); }
+};
+
+/// Empties every field and label of a form that goes, and of the dialogs over it, and what its lists have
+/// read, without a word to anybody: it is not to lie in memory until the toolkit needs that for something
+/// else.
+void EmptyControls(QWidget& form);
 
 }  // namespace bmr::kit

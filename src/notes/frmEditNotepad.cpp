@@ -8,7 +8,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-#include "crypto/cry.h"
 #include "kit/categoryfield.h"
 #include "kit/failure.h"
 #include "kit/fieldmenu.h"
@@ -108,9 +107,8 @@ void frmEditNotepad::Fill(const custody::Draft& draft) {
 
 void frmEditNotepad::Changed() {
     recordChanged = true;
-    std::string body = kit::TakeLines(kit::PlainText(*ctlNote), memo_.body);
-    length_->setText(kit::LengthOf(body));
-    cry::WipeString(body);
+    const kit::WipedLetters body = kit::PlainText(*ctlNote);
+    length_->setText(kit::LengthOf(kit::TakeLines(body, memo_.body)));
 }
 
 void frmEditNotepad::cmdOK_Click() {

@@ -92,10 +92,10 @@ void frmNotepad::ShowMemo(std::int32_t key) {
 
 void frmNotepad::cmdAdd_Click() {
     if (round_.Open()) return;
-    const auto subject = session_.ports.prompter.InputBox("Memo", "Enter subject:", {});
+    auto subject = session_.ports.prompter.InputBox("Memo", "Enter subject:", {});
     if (session_.ending || !subject || subject->empty()) return;
     Memo memo = ClearRecord(session_, cboCategories->Number());
-    memo.subject = *subject;
+    memo.subject = std::move(*subject);
     EditRecord(std::move(memo));
 }
 

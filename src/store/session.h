@@ -78,7 +78,6 @@ struct Session {
     bool ShowPrivate = false;
     std::uint8_t SectionCode = Section::None;
     std::int32_t PinPassed = 0;      ///< bit k: the PIN of section 11 + k was given in this sitting
-    Secret quickTask;                ///< begun in the line below the task list, while another section is open
     bool CalendarDirty = false;      ///< a task changed: the calendar's task pane is to be redrawn
     bool DefaultPathChosen = false;  ///< the default file is being made: ask for no name
     bool ending = false;             ///< the program is going down: no question, no store any more

@@ -205,6 +205,10 @@ custody::Draft frmEditTodo::DraftOf(const QString& task, std::int32_t category) 
     return draft;
 }
 
+QString frmEditTodo::TaskIn(const custody::Draft& draft) {
+    return kit::TextOf(draft, kTask);
+}
+
 std::optional<custody::Draft> frmEditTodo::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
     std::optional<custody::Draft> draft = fields_.HalfWritten(store::Section::Todo, key_);

@@ -39,6 +39,8 @@ class frmEditTodo final : public QDialog {
 
     /// A draft of a new task of which only the first words are there.
     static custody::Draft DraftOf(const QString& task, std::int32_t category);
+    /// Those words.
+    static QString TaskIn(const custody::Draft& draft);
     /// What the controls hold; nothing when nothing was changed.
     std::optional<custody::Draft> HalfWritten() const;
     /// Puts a draft into the controls, as if it had been typed.

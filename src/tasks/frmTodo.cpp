@@ -33,9 +33,7 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
     TodoList->SelectFirst();
 }
 
-frmTodo::~frmTodo() {
-    if (session_.DatabaseOpen) session_.quickTask = kit::ToSecret(quickAdd_->text());
-}
+frmTodo::~frmTodo() = default;
 
 QList<QAction*> frmTodo::ToolActions() {
     return {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, nullptr, complete_};
@@ -48,7 +46,7 @@ void frmTodo::showListitems() {
 int frmTodo::ReadTasks(const QString& search) {
     TodoList->header()->setSortIndicator(-1, Qt::AscendingOrder);  // each build is in standard order
     return model_->Rebuild({.showCompleted = ShowCompleted->isChecked(), .category = cboCategories->Number()},
-                           search.toStdString());
+                           kit::TakeWords(search));
 }
 
 kit::Emptiness frmTodo::WhyEmpty() const {
@@ -118,6 +116,10 @@ std::vector<custody::Draft> frmTodo::Drafts() const {
     if (const QString begun = quickAdd_->text().trimmed(); !begun.isEmpty())
         drafts.push_back(frmEditTodo::DraftOf(begun, store::RealCategory(cboCategories->Number())));
     return drafts;
+}
+
+void frmTodo::Resume(const std::vector<custody::Draft>& begun) {
+    if (!begun.empty()) quickAdd_->setText(frmEditTodo::TaskIn(begun.back()));
 }
 
 void frmTodo::OpenDraft(const custody::Draft& draft) {
@@ -206,9 +208,9 @@ void frmTodo::ShowDeleted(const DeleteOutcome& outcome, const QString& failure) 
 void frmTodo::mnuTodoDeleteItem_Click() {
     if (TodoList->SelectedCount() > 1) return pane_->DeleteSelected(29);
     const auto key = Selected();
-    Bytes text = key ? kit::TakeWords(model_->TaskText(TodoList->SelectedRow())) : Bytes();
+    const int row = TodoList->SelectedRow();
+    const WipedText text = key ? kit::TakeWords(model_->TaskText(row)) : WipedText();
     const auto outcome = DeleteItem(session_, key, text);
-    cry::WipeString(text);
     ShowDeleted(outcome, tr("The task was not deleted."));
 }
 

@@ -34,6 +34,7 @@ class frmTodo final : public SectionForm {
     kit::ListPane* Pane() const override { return pane_; }
     bool Editing() const override { return round_.Open() || cboCategories->Editing(); }
     std::vector<custody::Draft> Drafts() const override;
+    void Resume(const std::vector<custody::Draft>& begun) override;
     void OpenDraft(const custody::Draft& draft) override;
 
     /// Rebuilds the list from the store; nothing is selected afterwards.

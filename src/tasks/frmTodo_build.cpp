@@ -130,8 +130,6 @@ void frmTodo::BuildFilter() {
     quickAdd_->setPlaceholderText(tr("Type a task and press Return"));
     quickAdd_->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
     kit::GiveFieldMenu(*quickAdd_, session_);
-    quickAdd_->setText(QString::fromUtf8(session_.quickTask.view()));
-    session_.quickTask.Wipe();
     connect(quickAdd_, &QLineEdit::returnPressed, this, &frmTodo::AddQuickly);
 }
 

@@ -45,6 +45,9 @@ class FakePad final : public SectionForm {
         Edit(QString::fromStdString(std::string(draft.Text(1))));
         if (!session_.ending) emit DraftSettled();
     }
+    void Resume(const std::vector<custody::Draft>& drafts) override {
+        begun = QString::fromStdString(std::string(drafts.back().Text(1)));
+    }
     void Edit(const QString& text) {
         QDialog editor(this);
         editor.setObjectName("frmFakeEditor");
@@ -186,20 +189,61 @@ TEST_F(FrameDrafts, AnEndInTheMiddleOfADraftKeepsTheNewerState) {
     EXPECT_EQ(Kept(), (Strings{"one and more", "other"}));
 }
 
-TEST_F(FrameDrafts, ALineThatWasBegunIsKeptAtTheIdleEndAndNotWhenTheUserQuits) {
-    for (const bool byUser : {true, false}) {
-        Program program(home.file);
-        program.Start();
-        program.frame->optSection_Click(Section::Todo);
-        program.Pad().begun = "buy";
-        program.UntilTheEnd([&] { byUser ? program.frame->QuitProgram() : program.Idle(); });
-    }
-    EXPECT_EQ(Kept(), Strings{"buy"});
+TEST_F(FrameDrafts, ALineThatWasBegunIsKeptHoweverTheDatabaseCloses) {
+    struct Way {
+        const char* name;
+        std::function<void(Program&)> close;
+    };
+    const Way ways[] = {
+        {"idle end", [](Program& program) { program.Idle(); }},
+        {"quit", [](Program& program) { program.frame->QuitProgram(); }},
+        {"close", [](Program& program) { test::Named<QAction>(*program.frame, "mnuFileCloseDB").trigger(); }},
+    };
+    for (const Way& way : ways)
+        for (const bool elsewhere : {false, true}) {
+            {
+                Program program(home.file);
+                program.Start();
+                program.frame->optSection_Click(Section::Todo);
+                program.Pad().begun = "buy";
+                if (elsewhere) program.frame->optSection_Click(Section::Memo);
+                way.close(program);
+                EXPECT_FALSE(program.sitting.session.DatabaseOpen);
+            }
+            EXPECT_EQ(Kept(), Strings{"buy"}) << way.name << (elsewhere ? " in another section" : "");
+            Program program(home.file);
+            program.sitting.prompter.Expect(0, Answer::No);
+            program.Start();
+            program.frame->CloseDatabase();
+            EXPECT_EQ(Kept(), Strings{}) << "discarded";
+        }
+}
+
+TEST_F(FrameDrafts, ALineThatWasBegunIsOfferedOnceTheFileIsRepaired) {
     Program program(home.file);
-    program.sitting.prompter.Expect(0, Answer::No);
     program.Start();
+    program.frame->optSection_Click(Section::Todo);
+    program.Pad().begun = "buy";
+    program.frame->optSection_Click(Section::Memo);
+    program.sitting.prompter.Type(test::kPassphrase).Expect(166).Expect(0, Answer::Yes);
+    program.InEditor([](QLineEdit& line) { EXPECT_EQ(line.text(), "buy"); });
+    test::Named<QAction>(*program.frame, "mnuDbRepair").trigger();
+    EXPECT_EQ(program.saved, Strings{"buy"});
     program.frame->CloseDatabase();
-    EXPECT_EQ(Kept(), Strings{}) << "discarded";
+}
+
+TEST_F(FrameDrafts, ALineThatWasBegunStandsThereAgainWhenItsSectionDoes) {
+    Program program(home.file);
+    program.Start();
+    program.frame->optSection_Click(Section::Todo);
+    program.Pad().begun = "buy";
+    program.frame->optSection_Click(Section::Memo);
+    EXPECT_EQ(program.Pad().begun, "");
+    program.frame->optSection_Click(Section::Todo);
+    EXPECT_EQ(program.Pad().begun, "buy");
+    program.Pad().begun.clear();
+    program.frame->CloseDatabase();
+    EXPECT_EQ(Kept(), Strings{}) << "it was used";
 }
 
 TEST_F(FrameDrafts, ALineBegunBehindAPromptIsKeptOnceThePromptHasGone) {

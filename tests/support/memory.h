@@ -57,7 +57,7 @@ struct Findings {
     std::string where;
 };
 
-/// Looks for the marker in everything that this process can read, its stacks and what the allocator has got
+/// Looks for the marker in everything that this process can write, its stacks and what the allocator has got
 /// back included.
 class MemorySearch {
   public:
@@ -73,7 +73,7 @@ class MemorySearch {
             int name = 0;
             if (std::sscanf(line, "%" SCNx64 "-%" SCNx64 " %4s %*s %*s %*s %n", &region.begin, &region.end,
                             rights, &name) >= 3 &&
-                rights[0] == 'r') {
+                rights[0] == 'r' && rights[1] == 'w') {
                 region.name.assign(line + name, std::strcspn(line + name, "\n"));
                 regions.push_back(region);
             }

@@ -280,11 +280,13 @@ TEST_F(FormTodo, SelectRecordFindsItsWayThroughEveryFilter) {
     EXPECT_EQ(list->SelectedKey(), key);
 }
 
-TEST_F(FormTodo, WhatWasBegunInTheQuickLineIsKept) {
+TEST_F(FormTodo, WhatWasBegunInTheQuickLineCanBePutBack) {
     test::TypeText(Named(*form, "txtQuickAdd"), "łódź");
+    const auto begun = form->Drafts();
     Open();
-    EXPECT_EQ(Named<QLineEdit>(*form, "txtQuickAdd").text(), "łódź") << "kept while the section is closed";
-    EXPECT_TRUE(db.session.quickTask.empty());
+    EXPECT_EQ(Named<QLineEdit>(*form, "txtQuickAdd").text(), "");
+    form->Resume(begun);
+    EXPECT_EQ(Named<QLineEdit>(*form, "txtQuickAdd").text(), "łódź");
 }
 
 TEST_F(FormTodo, TheListDeciphersOnlyWhatIsSeen) {

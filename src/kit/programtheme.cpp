@@ -13,6 +13,8 @@ namespace bmr::kit {
 
 namespace {
 
+constexpr int kArrow = 10;  ///< of a sorted column
+
 /// Fusion, with what it lacks on dark grounds.
 class BmrStyle final : public QProxyStyle {
   public:
@@ -27,8 +29,33 @@ class BmrStyle final : public QProxyStyle {
         DrawOutline(element, *option, *painter);
     }
 
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (entry && (element == CE_MenuItem || element == CE_MenuBarItem)) {
+            // The entry under the pointer is marked as a selected row is: words and icon keep their inks.
+            QStyleOptionMenuItem tinted = *entry;
+            const QPalette& palette = entry->palette;
+            tinted.palette.setColor(QPalette::Highlight, SelectionTint(palette));
+            tinted.palette.setColor(QPalette::HighlightedText,
+                                    palette.color(QPalette::Active, QPalette::Text));
+            return QProxyStyle::drawControl(element, &tinted, painter, widget);
+        }
+        const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
+        if (header && element == CE_Header && header->sortIndicator != QStyleOptionHeader::None)
+            return DrawSortedHeader(*header, *painter, widget);
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override {
+        if (const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
+            header && type == CT_HeaderSection && header->sortIndicator != QStyleOptionHeader::None) {
+            QStyleOptionHeader plain = *header;
+            plain.sortIndicator = QStyleOptionHeader::None;
+            return QProxyStyle::sizeFromContents(type, &plain, size, widget) +
+                   QSize(kArrow + Space::Tight, 0);
+        }
         QSize whole = QProxyStyle::sizeFromContents(type, option, size, widget);
         const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
         if (type == CT_PushButton && button && !button->icon.isNull()) whole.rwidth() += Space::Margin;
@@ -97,6 +124,21 @@ class BmrStyle final : public QProxyStyle {
                             contrast && focused ? 2 : 1));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
+    }
+
+    // The arrow stands behind the words, never over them: the words end before it.
+    void DrawSortedHeader(const QStyleOptionHeader& header, QPainter& painter, const QWidget* widget) const {
+        drawControl(CE_HeaderSection, &header, &painter, widget);
+        QStyleOptionHeader part = header;
+        const QRect inside = header.rect.adjusted(Space::Row, 0, -Space::Row, 0);
+        const QRect arrow(inside.right() - kArrow + 1, inside.center().y() - kArrow / 2, kArrow, kArrow);
+        part.rect = visualRect(header.direction, header.rect, arrow);
+        drawPrimitive(PE_IndicatorHeaderArrow, &part, &painter, widget);
+        const QRect words(inside.topLeft(), QPoint(arrow.left() - Space::Tight, inside.bottom()));
+        part.rect = visualRect(header.direction, header.rect, words);
+        part.sortIndicator = QStyleOptionHeader::None;
+        part.text = part.fontMetrics.elidedText(header.text, Qt::ElideRight, words.width());
+        drawControl(CE_HeaderLabel, &part, &painter, widget);
     }
 
     // The same goes for the marks in the rows of a dark list.

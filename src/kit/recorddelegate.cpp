@@ -14,13 +14,16 @@ namespace {
 constexpr int kRowHeight = 28;
 constexpr int kSymbol = 16;
 
-/// A selected row whose window is not in front has a pale ground: its icons must keep their own ink.
-QIcon InOwnInk(const QIcon& icon, QSize size, double ratio) {
-    QIcon same;
-    const QPixmap pixmap = icon.pixmap(size, ratio);
-    same.addPixmap(pixmap, QIcon::Normal);
-    same.addPixmap(pixmap, QIcon::Selected);
-    return same;
+constexpr int kBar = 3;
+
+/// The ground of a selected row, and the bar at its left end.
+void PaintSelection(QPainter& painter, const QStyleOptionViewItem& cell) {
+    const QPalette& palette = cell.palette;
+    painter.fillRect(cell.rect, SelectionTint(palette, cell.state & QStyle::State_Active));
+    using Option = QStyleOptionViewItem;
+    if (cell.viewItemPosition != Option::Beginning && cell.viewItemPosition != Option::OnlyOne) return;
+    const QRect bar(cell.rect.left(), cell.rect.top(), kBar, cell.rect.height());
+    painter.fillRect(QStyle::visualRect(cell.direction, cell.rect, bar), InkOf(Ink::Accent, palette));
 }
 
 }  // namespace
@@ -33,20 +36,24 @@ QSize RecordDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelI
 void RecordDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     const int marks = index.data(RecordRole::Marks).toInt();
-    const bool selected = option->state & QStyle::State_Selected;
-    const bool active = option->state & QStyle::State_Active;
-    const auto group = active ? QPalette::Active : QPalette::Inactive;
-    const auto role = selected ? QPalette::HighlightedText : QPalette::Text;
+    // A selected row keeps its inks, and so its icons: its ground tells that it is selected.
+    option->state &= ~QStyle::State_Selected;
+    const QPalette& palette = option->palette;
+    const QColor ink = palette.color(QPalette::Active, QPalette::Text);
+    const QColor base = palette.color(QPalette::Active, QPalette::Base);
+    const auto paint = [option](const QColor& colour) { option->palette.setColor(QPalette::Text, colour); };
     if (marks & RowMark::Completed) {
         if (index.column() == 0) option->font.setStrikeOut(true);
-        const QColor ground = option->palette.color(group, selected ? QPalette::Highlight : QPalette::Base);
-        option->palette.setColor(group, role, Blend(ground, option->palette.color(group, role), 0.6));
+        paint(Blend(base, ink, 0.6));
+    } else if (marks & RowMark::Overdue) {
+        paint(InkOf(Ink::Alarm, palette));
+    } else if (marks & RowMark::Faint) {
+        paint(Blend(base, ink, 0.4));
     }
-    if ((marks & RowMark::Overdue) && !selected && index.column() <= 1)
-        option->palette.setColor(group, role, InkOf(Ink::Alarm, option->palette));
-    if (selected && !active && !option->icon.isNull()) {
-        const double ratio = option->widget ? option->widget->devicePixelRatioF() : 1;
-        option->icon = InOwnInk(option->icon, option->decorationSize, ratio);
+    if (index.column() == 0 && option->text.isEmpty()) {
+        option->text = tr("(no name)");
+        option->features |= QStyleOptionViewItem::HasDisplay;
+        paint(palette.color(QPalette::PlaceholderText));
     }
     option->textElideMode = Qt::ElideRight;
     if (index.column() == 0) option->rect.setLeft(option->rect.left() + Space::Tight);
@@ -59,21 +66,15 @@ void RecordDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     initStyleOption(&cell, index);
     const QWidget* widget = cell.widget;
     QStyle* style = widget ? widget->style() : QApplication::style();
-    if (index.column() == 0) {
-        // The first cell stands off the edge; the ground of a selected row does not.
-        QStyleOptionViewItem ground = cell;
-        ground.rect = option.rect;
-        style->drawPrimitive(QStyle::PE_PanelItemViewItem, &ground, painter, widget);
-    }
+    if (option.state & QStyle::State_Selected) PaintSelection(*painter, option);
     if (!symbol.isNull()) cell.text.clear();
     style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, widget);
     if (symbol.isNull()) return;
     QRect box(0, 0, kSymbol, kSymbol);
     box.moveCenter(cell.rect.center());
-    const bool inverted = (cell.state & QStyle::State_Selected) && (cell.state & QStyle::State_Active);
     painter->save();
     if (index.data(RecordRole::Marks).toInt() & RowMark::Completed) painter->setOpacity(0.6);
-    symbol.paint(painter, box, Qt::AlignCenter, inverted ? QIcon::Selected : QIcon::Normal);
+    symbol.paint(painter, box, Qt::AlignCenter, QIcon::Normal);
     painter->restore();
 }
 

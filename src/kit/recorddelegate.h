@@ -4,8 +4,9 @@
 
 namespace bmr::kit {
 
-/// Paints a record's row: 28 pixels at the least, overdue in red, completed struck through and paler, symbols
-/// in the middle of their cell.
+/// Paints a record's row: 28 pixels at the least, what is overdue in red, completed struck through and paler,
+/// symbols in the middle of their cell. A selected row stands on a tint, with a bar at its left. A first cell
+/// without words shows that there is no name, in a paler ink; the model knows nothing of it.
 class RecordDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 

@@ -23,8 +23,8 @@ struct CellTexts {
     std::vector<QString> texts;
 };
 
-/// Marks of a row that the delegate shows.
-enum RowMark : std::uint8_t { Completed = 1, Overdue = 2 };
+/// Marks of a cell that the delegate shows: struck through and paler, in red, or hardly there.
+enum RowMark : std::uint8_t { Completed = 1, Overdue = 2, Faint = 4 };
 
 /// Roles beyond Qt's own.
 struct RecordRole {
@@ -51,6 +51,9 @@ class RecordListModel : public QAbstractTableModel {
 
     /// Overwrites the texts that are kept; the next look at a row reads it anew.
     void ForgetAll();
+    /// True when a column is known to hold nothing in any row. Where room is short such a column gives way;
+    /// what would have to be deciphered to know is not looked at.
+    virtual bool ColumnEmpty(int) const { return false; }
 
     /// How many rows were deciphered since the counter was last set to 0.
     int deciphered = 0;

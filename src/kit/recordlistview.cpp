@@ -9,12 +9,12 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
-#include <QVariantMap>
 #include <algorithm>
 
 #include "kit/categorydrop.h"
 #include "kit/recorddelegate.h"
 #include "kit/recordlistmodel.h"
+#include "kit/remembered.h"
 
 namespace bmr::kit {
 
@@ -22,7 +22,7 @@ namespace {
 
 /// Type-ahead looks at no more rows than this: each may cost a decipherment.
 constexpr int kSearched = 1000;
-constexpr const char* kColumnsProperty = "bmrColumns";
+constexpr int kWidest = 4000;  ///< a wider column is nobody's choice
 
 }  // namespace
 
@@ -46,7 +46,9 @@ RecordListView::RecordListView(QWidget* parent) : QTreeView(parent) {
     header()->setHighlightSections(false);
     header()->setMinimumSectionSize(32);
     connect(header(), &QWidget::customContextMenuRequested, this, &RecordListView::HeaderMenu);
-    connect(header(), &QHeaderView::sectionResized, this, &RecordListView::SaveColumns);
+    header()->setStretchLastSection(false);
+    connect(header(), &QHeaderView::sectionResized, this,
+            [this](int column, int, int width) { ColumnResized(column, width); });
     connect(header(), &QHeaderView::sectionMoved, this, &RecordListView::SaveColumns);
 }
 
@@ -55,6 +57,14 @@ void RecordListView::SetModel(RecordListModel* model) {
     setModel(model);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { emit KeySelected(SelectedKey()); });
+    for (int column = 0; column < model->columnCount(); ++column) {
+        widths_ << header()->sectionSize(column);
+        hidden_ << false;
+    }
+    SetTextColumn(0, 0);
+    // A column may have become empty, or the first row have come.
+    connect(model, &QAbstractItemModel::modelReset, this, &RecordListView::FitColumns);
+    connect(model, &QAbstractItemModel::dataChanged, this, &RecordListView::FitColumns);
 }
 
 int RecordListView::SelectedRow() const {
@@ -220,30 +230,93 @@ void RecordListView::HeaderMenu(const QPoint& at) {
     for (int column = 1; column < model_->columnCount(); ++column) {
         QAction* show = menu.addAction(model_->headerData(column, Qt::Horizontal).toString());
         show->setCheckable(true);
-        show->setChecked(!isColumnHidden(column));
-        connect(show, &QAction::toggled, this, [this, column](bool on) { setColumnHidden(column, !on); });
+        show->setChecked(!hidden_[column]);
+        connect(show, &QAction::toggled, this, [this, column](bool on) {
+            hidden_[column] = !on;
+            FitColumns();
+        });
     }
     menu.exec(header()->mapToGlobal(at));
     SaveColumns();
 }
 
-void RecordListView::KeepColumns(const QString& name) {
-    const QVariantMap all = qApp->property(kColumnsProperty).toMap();
-    const QByteArray kept = all.value(name).toByteArray();
-    if (!kept.isEmpty()) {
-        const int sorted = header()->sortIndicatorSection();
-        const auto order = header()->sortIndicatorOrder();
-        header()->restoreState(kept);
-        header()->setSortIndicator(sorted, order);
-    }
-    columnsName_ = name;
+void RecordListView::SetTextColumn(int column, int least) {
+    textColumn_ = column;
+    least_ = least;
+    header()->setSectionResizeMode(QHeaderView::Interactive);
+    header()->setSectionResizeMode(column, QHeaderView::Fixed);
+    FitColumns();
 }
 
-void RecordListView::SaveColumns() const {
-    if (columnsName_.isEmpty()) return;
-    QVariantMap all = qApp->property(kColumnsProperty).toMap();
-    all.insert(columnsName_, header()->saveState());
-    qApp->setProperty(kColumnsProperty, all);
+void RecordListView::SetColumnWidth(int column, int width) {
+    header()->resizeSection(column, qMax(width, header()->sectionSizeHint(column)));
+}
+
+void RecordListView::ColumnResized(int column, int width) {
+    if (fitting_ || column == textColumn_ || width == 0 || column >= widths_.size()) return;
+    widths_[column] = width;
+    FitColumns();
+    SaveColumns();
+}
+
+void RecordListView::FitColumns() {
+    if (fitting_ || !model_) return;
+    fitting_ = true;
+    QList<bool> hidden = hidden_;
+    int room = viewport()->width() - least_;
+    for (int column = 0; column < hidden.size(); ++column)
+        if (column != textColumn_ && !hidden[column]) room -= widths_[column];
+    for (int place = static_cast<int>(hidden.size()) - 1; place >= 0 && room < 0; --place) {
+        const int column = header()->logicalIndex(place);
+        if (column == textColumn_ || hidden[column] || !model_->ColumnEmpty(column)) continue;
+        hidden[column] = true;
+        room += widths_[column];
+    }
+    for (int column = 0; column < hidden.size(); ++column)
+        if (column != textColumn_ && isColumnHidden(column) != hidden[column])
+            setColumnHidden(column, hidden[column]);
+    const int width = qMax(header()->minimumSectionSize(), least_ + qMax(0, room));
+    if (header()->sectionSize(textColumn_) != width) header()->resizeSection(textColumn_, width);
+    fitting_ = false;
+}
+
+void RecordListView::resizeEvent(QResizeEvent* event) {
+    QTreeView::resizeEvent(event);
+    FitColumns();
+}
+
+void RecordListView::RememberColumns(Registry& registry, const std::string& name) {
+    columns_ = new Remembered(registry, "Columns/" + name, this);
+    // Of each column in turn: its place, its width, and whether it is shown.
+    const QList<int> kept = columns_->Numbers();
+    const auto count = widths_.size();
+    QList<bool> taken(count, false);
+    bool good = kept.size() == 3 * count;
+    for (qsizetype at = 0; good && at < count; ++at) {
+        const int place = kept[3 * at];
+        good = place >= 0 && place < count && !taken[place] && kept[3 * at + 1] <= kWidest;
+        if (good) taken[place] = true;
+    }
+    if (!good) return;
+    fitting_ = true;
+    for (int place = 0; place < count; ++place)
+        for (int column = 0; column < count; ++column)
+            if (kept[3 * column] == place) header()->moveSection(header()->visualIndex(column), place);
+    for (int column = 0; column < count; ++column) {
+        widths_[column] = qMax(header()->minimumSectionSize(), kept[3 * column + 1]);
+        hidden_[column] = kept[3 * column + 2] == 0 && column != 0;
+        if (column != textColumn_) header()->resizeSection(column, widths_[column]);
+    }
+    fitting_ = false;
+    FitColumns();
+}
+
+void RecordListView::SaveColumns() {
+    if (!columns_ || fitting_) return;
+    QList<int> numbers;
+    for (int column = 0; column < widths_.size(); ++column)
+        numbers << header()->visualIndex(column) << widths_[column] << (hidden_[column] ? 0 : 1);
+    columns_->Keep(numbers);
 }
 
 }  // namespace bmr::kit

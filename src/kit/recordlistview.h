@@ -3,11 +3,17 @@
 #include <QElapsedTimer>
 #include <QTreeView>
 #include <functional>
+#include <string>
 #include <vector>
+
+namespace bmr {
+class Registry;
+}
 
 namespace bmr::kit {
 
 class RecordListModel;
+class Remembered;
 
 /// A section's list: rows that can be selected together, rows of even height, columns that can be hidden and
 /// moved. Selection and scroll position hang on keys, not on row numbers, so that they survive sorting and
@@ -44,9 +50,14 @@ class RecordListView final : public QTreeView {
     /// Runs something that resets the model, keeping the scroll position. The selection is gone afterwards.
     void Rebuild(const std::function<void()>& rebuild);
 
-    /// Widths, order and visibility of the columns for as long as the program runs, under this name. Call
-    /// once the model is set and the first widths are given.
-    void KeepColumns(const QString& name);
+    /// One column takes the room that the others leave, and has `least` pixels whatever they need: then empty
+    /// columns give way first (`RecordListModel::ColumnEmpty`), and in the end the list scrolls sideways.
+    void SetTextColumn(int column, int least);
+    /// Gives a column that width, or what its caption needs beside the sort arrow if that is more.
+    void SetColumnWidth(int column, int width);
+    /// Widths, order and visibility of the columns are found again under this name, at the next start too.
+    /// Call once the model is set and the first widths are given.
+    void RememberColumns(Registry& registry, const std::string& name);
 
     void keyboardSearch(const QString& letters) override;
 
@@ -66,14 +77,22 @@ class RecordListView final : public QTreeView {
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     std::vector<int> SelectedRows() const;
     void HeaderMenu(const QPoint& at);
-    void SaveColumns() const;
+    void ColumnResized(int column, int width);
+    void SaveColumns();
+    void FitColumns();
 
     RecordListModel* model_ = nullptr;
-    QString columnsName_;
+    int textColumn_ = -1;
+    int least_ = 0;
+    bool fitting_ = false;  ///< what changes now is no choice of the person
+    QList<int> widths_;     ///< of the columns while they are shown
+    QList<bool> hidden_;    ///< by the person
+    Remembered* columns_ = nullptr;
     QString typed_;  ///< by type-ahead, until a pause
     QElapsedTimer sinceLetter_;
 };

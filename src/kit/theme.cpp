@@ -132,6 +132,12 @@ Tint CategoryTint(int category, const QPalette& palette) {
     return {QColor(row.lightGround), QColor(row.lightStripe)};
 }
 
+QColor SelectionTint(const QPalette& palette, bool active) {
+    const double strength = IsContrast(palette) ? 0.28 : IsDark(palette) ? 0.34 : 0.16;
+    return Blend(palette.color(QPalette::Active, QPalette::Base),
+                 palette.color(QPalette::Active, QPalette::Highlight), active ? strength : strength * 0.6);
+}
+
 QColor InkOf(Ink ink, const QPalette& palette) {
     const bool dark = IsDark(palette);
     switch (ink) {
@@ -140,7 +146,7 @@ QColor InkOf(Ink ink, const QPalette& palette) {
         case Ink::Warning:
             return dark ? "#f2b25a" : "#a04a07";
         case Ink::Good:
-            return dark ? "#7fd28c" : "#2e7d32";
+            return dark ? "#7fd28c" : "#276c2b";
         case Ink::Accent:
             return IsContrast(palette) ? "#ffe600" : dark ? "#6fc3cf" : "#14697a";
         case Ink::Pale:

@@ -41,6 +41,10 @@ Tint CategoryTint(int category, const QPalette& palette);
 /// An ink that is readable (4.5:1 and more, Pale apart) on the palette's base.
 QColor InkOf(Ink ink, const QPalette& palette);
 
+/// The ground of what is selected: pale enough for every ink that is readable on the palette's base. Paler
+/// still while the list does not have the focus.
+QColor SelectionTint(const QPalette& palette, bool active = true);
+
 /// `mix` of 0 gives `a`, 1 gives `b`.
 QColor Blend(const QColor& a, const QColor& b, double mix);
 

@@ -156,24 +156,21 @@ void frmTodo::BuildList() {
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmTodo::StatusChanged);
     setFocusProxy(pane_);
     QHeaderView* header = TodoList->header();
-    header->setStretchLastSection(false);
-    header->setSectionResizeMode(QHeaderView::Interactive);
-    header->setSectionResizeMode(SubItem::Task, QHeaderView::Stretch);
     header->setSortIndicator(-1, Qt::AscendingOrder);
     // Told widths at the least; a column must show its caption and, where it holds dates, a wide one.
     constexpr int kUnitsPerPixel = 15;
     const QFontMetrics metrics = header->fontMetrics();
     const std::string longest =
         FormatShortDate(Day{69030}, kit::FactsOf(QLocale()).shortDate);  // 28 December 2088
-    const int date = metrics.horizontalAdvance(QString::fromStdString(longest));
+    const int date = metrics.horizontalAdvance(QString::fromStdString(longest)) + 2 * kit::Space::Margin;
     for (int column = 1; column < SubItem::SortKey; ++column) {
         const Column& told = kColumns[static_cast<std::size_t>(column)];
         const bool holdsDates = column == SubItem::DueDate || column == SubItem::ExecDate;
-        const int words = std::max(metrics.horizontalAdvance(told.header), holdsDates ? date : 0);
         const int scaled = told.width / kUnitsPerPixel * metrics.height() / 16;
-        header->resizeSection(column, std::max(scaled, words + 2 * kit::Space::Margin + kit::Space::Tight));
+        TodoList->SetColumnWidth(column, std::max(scaled, holdsDates ? date : 0));
     }
-    TodoList->KeepColumns("tasks");
+    TodoList->SetTextColumn(SubItem::Task, metrics.averageCharWidth() * 26);
+    TodoList->RememberColumns(session_.ports.registry, "tasks");
     connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
     connect(TodoList, &kit::RecordListView::KeySelected, pane_, &kit::ListPane::TellStatus);
     connect(TodoList, &kit::RecordListView::TickWanted, this, [this] {

@@ -100,6 +100,22 @@ int TodoModel::CountOverdue() const {
         std::count_if(tasks_.begin(), tasks_.end(), [](const TaskRow& row) { return row.Overdue(); }));
 }
 
+bool TodoModel::ColumnEmpty(int column) const {
+    const auto none = [this](auto&& has) { return std::ranges::none_of(tasks_, has); };
+    switch (column) {
+        case SubItem::DueDate:
+            return none([](const TaskRow& row) { return row.hasDueDate; });
+        case SubItem::Private:
+            return !session_.ShowPrivate;
+        case SubItem::Note:
+            return none([](const TaskRow& row) { return row.hasNote; });
+        case SubItem::ExecDate:
+            return none([](const TaskRow& row) { return row.completed; });
+        default:
+            return false;
+    }
+}
+
 int TodoModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : SubItem::SortKey;  // the sort key is no column: the rows lie in its order
 }
@@ -108,6 +124,14 @@ QVariant TodoModel::Text(int row, int subItem) const {
     if (subItem == SubItem::Task) return TaskText(row);
     if (subItem == SubItem::Private) return IsPrivate(row) ? QString("P") : QString();
     return QString::fromStdString(SubItemText(RowAt(row), subItem, categories_, locale_));
+}
+
+int TodoModel::MarksOf(const TaskRow& task, int column) {
+    if (task.completed) return kit::RowMark::Completed;
+    if (column == SubItem::DueDate && task.Overdue()) return kit::RowMark::Overdue;
+    // What most tasks have is said quietly, so that the high ones are seen.
+    if (column == SubItem::Priority && task.priority != Priority::High) return kit::RowMark::Faint;
+    return 0;
 }
 
 QVariant TodoModel::data(const QModelIndex& index, int role) const {
@@ -138,8 +162,7 @@ QVariant TodoModel::data(const QModelIndex& index, int role) const {
         case kit::RecordRole::Key:
             return task.fPK;
         case kit::RecordRole::Marks:
-            return (task.completed ? kit::RowMark::Completed : 0) |
-                   (task.Overdue() ? kit::RowMark::Overdue : 0);
+            return MarksOf(task, column);
         case kit::RecordRole::Symbol:
             if (column == SubItem::Private && IsPrivate(row)) return kit::Icon("object-locked");
             if (column == SubItem::Note && task.hasNote) return kit::Icon("view-pim-notes");

@@ -34,6 +34,7 @@ class TodoModel final : public kit::RecordListModel {
 
     int CountOverdue() const;
 
+    bool ColumnEmpty(int column) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
@@ -49,6 +50,7 @@ class TodoModel final : public kit::RecordListModel {
 
   private:
     QVariant Text(int row, int subItem) const;
+    static int MarksOf(const TaskRow& task, int column);
     bool IsPrivate(int row) const;
     /// A number that the list no longer has counts as unfiled.
     std::int32_t ListedCategory(std::int32_t number) const;

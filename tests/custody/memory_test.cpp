@@ -72,7 +72,7 @@ void WorkInTasks(store::Session& session) {
         values.note = View(Long('g', !foreign));
         tasks::EditorToRecord(values, task);
         ASSERT_EQ(tasks::WriteRecord(session, task).error, 0);
-        ASSERT_EQ(tasks::SetPriority(session, task.key, tasks::Priority::High), 0);
+        ASSERT_EQ(tasks::SetPriority(session, {&task.key, 1}, tasks::Priority::High).error, 0);
         EXPECT_EQ(tasks::SetCompleted(session, task.key, true).error, 0);
     }
     auto rows = tasks::ListRecords(session, {.showCompleted = true});

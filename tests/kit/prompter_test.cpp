@@ -185,7 +185,9 @@ TEST(Theme, InksAndTintsAreReadableInEveryPalette) {
         for (const Ink ink : {Ink::Alarm, Ink::Warning, Ink::Good, Ink::Accent}) {
             EXPECT_GE(contrast(InkOf(ink, palette), base), 4.5) << int(ink);
             EXPECT_GE(contrast(InkOf(ink, palette), window), 4.5) << int(ink);
+            EXPECT_GE(contrast(InkOf(ink, palette), SelectionTint(palette)), 4.5) << int(ink);
         }
+        EXPECT_GE(contrast(palette.color(QPalette::Text), SelectionTint(palette)), 7);
         for (int category = 0; category < 16; ++category) {
             const Tint tint = CategoryTint(category, palette);
             EXPECT_GE(contrast(palette.color(QPalette::Text), tint.ground), 7) << category;

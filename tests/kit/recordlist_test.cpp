@@ -4,12 +4,17 @@
 #include <QSignalSpy>
 #include <algorithm>
 #include <numeric>
+#include <set>
 
 #include "kit/emptystate.h"
+#include "kit/icons.h"
+#include "kit/programtheme.h"
 #include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
 #include "kit/strip.h"
+#include "kit/theme.h"
 #include "support/forms.h"
+#include "support/ports.h"
 
 namespace bmr::kit {
 namespace {
@@ -44,6 +49,8 @@ class CountingModel final : public RecordListModel {
         return role == Qt::DisplayRole ? QVariant(QString("Column %1").arg(section)) : QVariant();
     }
     void sort(int, Qt::SortOrder) override { Turn(); }
+    bool ColumnEmpty(int column) const override { return empty.contains(column); }
+    std::set<int> empty;
 
   protected:
     CellTexts ReadTexts(int row) const override {
@@ -128,22 +135,190 @@ TEST_F(RecordList, KeysAndMenusSayWhatIsWanted) {
     EXPECT_EQ(view.SelectedKey(), 1014);
 }
 
-TEST_F(RecordList, HiddenColumnsStayHiddenWhenTheSectionIsOpenedAgain) {
-    view.KeepColumns("test");
-    QTimer::singleShot(50, [] {
-        auto* menu = dynamic_cast<QMenu*>(QApplication::activePopupWidget());
-        ASSERT_TRUE(menu);
-        EXPECT_EQ(menu->actions().size(), 2) << "the first column always stays";
-        menu->actions()[1]->trigger();
-        menu->close();
-    });
-    emit view.header()->customContextMenuRequested(QPoint(5, 5));
-    EXPECT_TRUE(view.isColumnHidden(2));
+TEST_F(RecordList, ColumnsAreFoundAgainAsThePersonLeftThem) {
+    test::MapRegistry registry;
+    const auto open = [&](RecordListView& list, const std::string& kept) {
+        if (!kept.empty()) registry.values["Window/Columns/test"] = kept;
+        list.resize(600, 400);
+        list.SetModel(&model);
+        list.RememberColumns(registry, "test");
+        list.show();
+    };
+    {
+        RecordListView first;
+        open(first, "");
+        QTimer::singleShot(50, [] {
+            auto* menu = dynamic_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_TRUE(menu);
+            EXPECT_EQ(menu->actions().size(), 2) << "the first column always stays";
+            menu->actions()[1]->trigger();
+            menu->close();
+        });
+        emit first.header()->customContextMenuRequested(QPoint(5, 5));
+        EXPECT_TRUE(first.isColumnHidden(2));
+        first.header()->resizeSection(1, 77);
+        first.header()->moveSection(1, 0);
+    }
     RecordListView again;
-    again.SetModel(&model);
-    again.KeepColumns("test");
+    open(again, "");
     EXPECT_TRUE(again.isColumnHidden(2));
     EXPECT_FALSE(again.isColumnHidden(1));
+    EXPECT_EQ(again.columnWidth(1), 77);
+    EXPECT_EQ(again.header()->visualIndex(1), 0);
+    EXPECT_EQ(model.index(0, 1).data().toString(), "b") << "a place on the screen is no other number";
+
+    for (const char* wrong :
+         {"0,90,1", "0,90,1,0,90,1,2,90,1", "0,90,1,1,99999,1,2,90,1", "x", "0,90,1,1,,1,2,90,1"}) {
+        RecordListView list;
+        open(list, wrong);
+        EXPECT_FALSE(list.isColumnHidden(1)) << wrong;
+        EXPECT_LT(list.columnWidth(1), 600) << wrong;
+        EXPECT_EQ(list.header()->visualIndex(1), 1) << wrong;
+    }
+}
+
+TEST_F(RecordList, EmptyColumnsGiveWayToTheWords) {
+    const auto shape = [&](int width) {
+        view.resize(width, 400);
+        QCoreApplication::processEvents();
+        return std::vector<bool>{!view.isColumnHidden(1), !view.isColumnHidden(2)};
+    };
+    using Shown = std::vector<bool>;
+    view.header()->resizeSection(1, 100);
+    view.header()->resizeSection(2, 100);
+    view.SetTextColumn(0, 200);
+    model.empty = {1};
+    EXPECT_EQ(shape(600), (Shown{true, true}));
+    EXPECT_EQ(view.columnWidth(0), view.viewport()->width() - 200) << "the words take what is left";
+    EXPECT_EQ(shape(360), (Shown{false, true}));
+    EXPECT_EQ(view.columnWidth(0), view.viewport()->width() - 100);
+    EXPECT_EQ(shape(250), (Shown{false, true})) << "a column with something in it stays";
+    EXPECT_EQ(view.columnWidth(0), 200);
+    EXPECT_GT(view.horizontalScrollBar()->maximum(), 0);
+    model.empty = {};
+    model.Fill(50);
+    EXPECT_EQ(shape(360), (Shown{true, true})) << "it is not empty any more";
+    EXPECT_EQ(shape(600), (Shown{true, true}));
+    EXPECT_EQ(view.columnWidth(1), 100) << "and as wide as it was";
+}
+
+/// How many points of a picture have about that colour.
+int CountNear(const QImage& image, const QColor& colour) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor at = image.pixelColor(x, y);
+            count += std::abs(at.red() - colour.red()) + std::abs(at.green() - colour.green()) +
+                         std::abs(at.blue() - colour.blue()) <
+                     24;
+        }
+    return count;
+}
+
+/// The program's own style for one test.
+struct Themed {
+    Themed() : theme(*qApp) { theme.Choose(ThemeChoice::Light); }
+    ~Themed() {
+        QApplication::setStyle("Fusion");
+        QApplication::setPalette(before);
+    }
+    QPalette before = QApplication::palette();
+    Theme theme;
+};
+
+TEST_F(RecordList, TheSortArrowStandsBehindTheWords) {
+    const Themed themed;
+    RecordListView list;
+    list.resize(600, 400);
+    list.SetModel(&model);
+    list.header()->setSortIndicator(-1, Qt::AscendingOrder);
+    list.SetColumnWidth(1, 10);
+    list.show();
+    const auto header = [&](int end) {
+        QHeaderView& shown = *list.header();
+        const int left = shown.sectionViewportPosition(1);
+        return shown.viewport()->grab(QRect(left, 0, shown.sectionSize(1) - end, shown.height())).toImage();
+    };
+    const QImage whole = header(0), words = header(22);
+    ASSERT_GT(CountNear(words, QApplication::palette().color(QPalette::Text)), 20);
+    list.header()->setSortIndicator(1, Qt::DescendingOrder);
+    EXPECT_EQ(header(22), words) << "nothing of the words is covered or left out";
+    EXPECT_NE(header(0), whole) << "the arrow is there";
+}
+
+TEST(MenuLooks, TheEntryUnderThePointerKeepsItsInks) {
+    const Themed themed;
+    const QPalette palette = QApplication::palette();
+    QMenu menu;
+    QAction* entry = menu.addAction(Icon("edit-delete"), "Delete");
+    menu.popup({50, 50});
+    const QImage before = menu.grab(menu.actionGeometry(entry)).toImage();
+    menu.setActiveAction(entry);
+    const QImage active = menu.grab(menu.actionGeometry(entry)).toImage();
+    menu.close();
+    const QColor ink = palette.color(QPalette::Text);
+    EXPECT_GT(CountNear(active, SelectionTint(palette)), active.width() * active.height() / 2);
+    EXPECT_GT(CountNear(before, ink), 20);
+    EXPECT_NEAR(CountNear(active, ink), CountNear(before, ink), CountNear(before, ink) / 5);
+}
+
+/// One row whose words and marks a test chooses.
+class OneRow final : public RecordListModel {
+  public:
+    OneRow() { SetKeys({1, 2}); }
+    int columnCount(const QModelIndex& = {}) const override { return 1; }
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (role == RecordRole::Marks) return index.row() == 0 ? marks : 0;
+        return role == Qt::DisplayRole && index.row() == 0 ? QVariant(words) : QVariant();
+    }
+    QString words = "MMMMMMMM";
+    int marks = 0;
+
+  protected:
+    CellTexts ReadTexts(int) const override { return {}; }
+};
+
+TEST(RecordDelegateTest, SelectionIsATintAndABarUnderTheSameInk) {
+    OneRow model;
+    RecordListView view;
+    view.setPalette(LightPalette());
+    view.resize(300, 200);
+    view.setHeaderHidden(true);
+    QFont large = view.font();
+    large.setPixelSize(18);
+    large.setBold(true);  // or the ink of thin letters is mixed with the ground
+    view.setFont(large);
+    view.SetModel(&model);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    const auto row = [&] { return view.viewport()->grab(view.visualRect(model.index(0, 0))).toImage(); };
+    const QPalette palette = view.palette();
+    const QColor ink = palette.color(QPalette::Text), base = palette.color(QPalette::Base);
+    const QImage plain = row();
+    ASSERT_GT(CountNear(plain, ink), 20);
+    view.setCurrentIndex(model.index(0, 0));
+    view.clearFocus();  // its frame is another thing, and the tint paler
+    const QImage selected = row();
+    EXPECT_NEAR(CountNear(selected, ink), CountNear(plain, ink), 40) << "the words keep their ink";
+    EXPECT_EQ(selected.pixelColor(1, 5).name(), InkOf(Ink::Accent, palette).name());
+    EXPECT_EQ(selected.pixelColor(selected.width() - 8, 5).name(), SelectionTint(palette, false).name());
+    EXPECT_NE(SelectionTint(palette), base);
+
+    const std::pair<int, QColor> marks[] = {{RowMark::Overdue, InkOf(Ink::Alarm, palette)},
+                                            {RowMark::Faint, Blend(base, ink, 0.4)},
+                                            {RowMark::Completed, Blend(base, ink, 0.6)}};
+    view.setCurrentIndex(model.index(1, 0));
+    for (const auto& [mark, colour] : marks) {
+        model.marks = mark;
+        const QImage marked = row();
+        EXPECT_GT(CountNear(marked, colour), 20) << mark;
+        EXPECT_EQ(CountNear(marked, ink), 0) << mark;
+    }
+    model.marks = 0;
+    model.words.clear();
+    EXPECT_GT(CountNear(row(), palette.color(QPalette::PlaceholderText)), 5)
+        << "a record without a name shows so";
+    EXPECT_EQ(model.index(0, 0).data().toString(), "");
 }
 
 TEST(EmptyStateTest, OffersTheActionsOfTheMoment) {

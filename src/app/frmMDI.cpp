@@ -27,8 +27,8 @@ namespace {
 
 constexpr int kSearchDelay = 150;  ///< ms after the last key, so that a word is one search
 
-constexpr int kSearchLeast = 280;
-constexpr int kSearchMost = 500;
+constexpr int kSearchLeast = 220;
+constexpr int kSearchMost = 420;
 
 }  // namespace
 
@@ -104,9 +104,6 @@ void frmMDI::BuildSearch() {
     search_->setObjectName("txtSearch");
     search_->setClearButtonEnabled(true);
     search_->addAction(kit::Icon("edit-find"), QLineEdit::LeadingPosition);
-    search_->setMinimumWidth(kSearchLeast);
-    search_->setMaximumWidth(kSearchMost);
-    search_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     search_->installEventFilter(this);
     searchEntry_ = toolbar_->addWidget(search_);
 
@@ -134,6 +131,9 @@ void frmMDI::BuildStatusBar() {
     autoshutoff_->setText(shell::kIdlePanelText);
     autoshutoff_->setToolTip(shell::kIdlePanelTip);
     autoshutoff_->setAccessibleName(autoshutoff_->toolTip());
+    // What stands beside it does not move with every digit.
+    autoshutoff_->setMinimumWidth(fontMetrics().horizontalAdvance(tr("closes in %1").arg("00:00")));
+    autoshutoff_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     private_ = new QToolButton(this);
     private_->setObjectName("cmdShowPrivate");
     private_->setAutoRaise(true);
@@ -206,7 +206,7 @@ void frmMDI::ShowComment(const QString& text) {
 }
 
 void frmMDI::ShowIdleCountdown(const QString& text) {
-    autoshutoff_->setText(text);
+    autoshutoff_->setText(text.isEmpty() ? QString() : tr("closes in %1").arg(text));
 }
 
 void frmMDI::ShowClipboardCountdown(int seconds) {
@@ -237,6 +237,8 @@ bool frmMDI::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmMDI::FitToolbar() {
+    // The same in every section, whatever stands beside it.
+    search_->setFixedWidth(qBound(kSearchLeast, width() * 3 / 10, kSearchMost));
     toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     if (!menus_.mnuViewToolbarText->isChecked() || toolbar_->sizeHint().width() > width())
         toolbar_->setToolButtonStyle(Qt::ToolButtonIconOnly);

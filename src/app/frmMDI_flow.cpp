@@ -180,6 +180,11 @@ void frmMDI::ShowForm(std::uint8_t code) {
     connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
     if (const auto* pane = form_->Pane())
         connect(pane, &kit::ListPane::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
+    connect(form_, &SectionForm::SearchEnded, this, [this] {
+        const QSignalBlocker quiet(search_);
+        search_->clear();
+        searchDelay_->stop();
+    });
     connect(form_, &SectionForm::DraftSettled, this, &frmMDI::ForgetDraft);
     stack_->addWidget(form_);
     stack_->setCurrentWidget(form_);
@@ -373,6 +378,7 @@ void frmMDI::mnuHelpContents_Click() {
     }
     auto* open = findChild<HelpWindow*>();
     auto* help = open ? open : new HelpWindow(this);
+    help->Open(form_ ? form_->HelpPage() : "index");
     help->show();
     help->raise();
     help->activateWindow();

@@ -7,6 +7,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include "kit/formparts.h"
 #include "kit/icons.h"
 
 // Outside every namespace, as the macro asks.
@@ -62,6 +63,11 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     browser_->setFocus();
 }
 
+void HelpWindow::Open(const QString& page) {
+    const QString path = "/help/" + page + ".md";
+    browser_->setSource(QUrl("qrc:" + (QFile::exists(":" + path) ? path : QString("/help/index.md"))));
+}
+
 void ShowAbout(QWidget* parent, const QString& more) {
     QMessageBox box(parent);
     box.setObjectName("frmAbout");
@@ -72,6 +78,8 @@ void ShowAbout(QWidget* parent, const QString& more) {
         QMessageBox::tr("A personal information manager whose data lives in one encrypted file.\n\n"
                         "It works offline and keeps nothing elsewhere."));
     if (!more.isEmpty()) box.setInformativeText(box.informativeText() + "\n\n" + more);
+    box.setStandardButtons(QMessageBox::Ok);
+    kit::FinishBox(box);
     box.exec();
 }
 

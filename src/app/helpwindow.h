@@ -15,6 +15,8 @@ class HelpWindow final : public QWidget {
 
     /// False when the program was built without the guide.
     static bool Available();
+    /// Shows a page by its name ("tasks"); the first one where there is no such page.
+    void Open(const QString& page);
 
   private:
     QTextBrowser* browser_;

@@ -17,6 +17,7 @@
 #include "kit/failure.h"
 #include "kit/formparts.h"
 #include "kit/namedlistmodel.h"
+#include "kit/pad.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 
@@ -131,7 +132,7 @@ void frmClassified::ShowRecord(std::int32_t key) {
     WipeRecord(record_);
     record_ = std::move(*record);
     ShowFields();
-    ctlPrivate->setChecked(record_.isPrivate);
+    ctlPrivate->setVisible(record_.isPrivate);
     padFrame->show();
     for (QAction* action : {editRecord_, deleteRecord_})
         action->setEnabled(true);
@@ -155,6 +156,7 @@ void frmClassified::ShowFields() {
         rows_[i].txtCtl->setText(filled && IsMasked(i) ? kMask : FieldText(i));
         rows_[i].txtCtl->setCursorPosition(0);
         rows_[i].txtCtl->setVisible(i != 1 || height == 1);
+        kit::SetMonospaced(*rows_[i].txtCtl, kind && IsMaskedCaption(kind->captions[i]));
         rows_[i].copy->setVisible(filled);
         rows_[i].open->setVisible(filled && IsUrlCaption(kind->captions[i]));
     }

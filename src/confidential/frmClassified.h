@@ -22,6 +22,7 @@ class QToolButton;
 
 namespace bmr::kit {
 class NamedListModel;
+class PrivateMark;
 class RecordListView;
 }  // namespace bmr::kit
 
@@ -39,6 +40,7 @@ class frmClassified final : public SectionForm {
 
     QMenu* SectionMenu() override { return menu_; }
     QList<QAction*> ToolActions() override;
+    QString HelpPage() const override { return "confidential"; }
     void Refresh() override;
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
@@ -114,7 +116,7 @@ class frmClassified final : public SectionForm {
     QLabel* lblCategory;
     QLabel* damaged_;
     QLabel* lblLastModified;
-    QCheckBox* ctlPrivate;
+    kit::PrivateMark* ctlPrivate;
     std::array<Row, 5> rows_{};
     QPlainTextEdit* txtTall_;  ///< the second field where it is several lines high
     QLabel* lblNotes;

@@ -16,6 +16,7 @@
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/namedlistmodel.h"
+#include "kit/pad.h"
 #include "kit/recordlistview.h"
 #include "kit/theme.h"
 #include "store/record_put.h"
@@ -196,7 +197,7 @@ QWidget* frmClassified::BuildPad() {
     padFrame = new QFrame;
     padFrame->setObjectName("padFrame");
     lblCategory = kit::MakeHeading("lblCategory");
-    ctlPrivate = kit::MakePrivateMark();
+    ctlPrivate = new kit::PrivateMark;
     auto* form = new QFormLayout;
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
     form->setHorizontalSpacing(Space::Row);
@@ -246,7 +247,8 @@ QWidget* frmClassified::BuildPad() {
     right->viewport()->setBackgroundRole(QPalette::Base);
     right->setWidget(padFrame);
     padFrame->setAutoFillBackground(false);
-    return right;
+    return new kit::PadPane(padFrame, right, "object-locked",
+                            tr("The record that you choose at the left is shown here."));
 }
 
 }  // namespace bmr::confidential

@@ -64,6 +64,7 @@ void frmEditConfidential::BuildFields() {
                                      .dial = IsPhoneCaption(caption)};
             });
         if (!IsMaskedCaption(kind.captions[i])) continue;
+        kit::SetMonospaced(*txtCtl[i]);
         dice_[i] = kit::MakeIconButton(QString("dice%1").arg(i), "password-generate", tr("Make a password"));
         dice_[i]->installEventFilter(this);
         connect(dice_[i], &QToolButton::clicked, this, [this, i] { Generate(i); });
@@ -185,7 +186,7 @@ void frmEditConfidential::cmdOK_Click() {
 }
 
 void frmEditConfidential::reject() {
-    if (recordChanged && !session_.ending && !kit::AskDiscard(session_, true) && !session_.ending) return;
+    if (recordChanged && !session_.ending && !kit::AskDiscardOrStay(session_) && !session_.ending) return;
     recordChanged = false;
     QDialog::reject();
 }

@@ -2,7 +2,6 @@
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
-#include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -12,6 +11,7 @@
 #include <QSpinBox>
 
 #include "kit/fieldmenu.h"
+#include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/icons.h"
 #include "kit/theme.h"
@@ -50,7 +50,7 @@ frmGenerate::frmGenerate(RandomSource& random, QWidget* parent) : QDialog(parent
     txtPassword->setReadOnly(true);
     kit::GiveFieldMenu(*txtPassword);
     txtPassword->setAccessibleName(tr("Password"));
-    txtPassword->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    kit::SetMonospaced(*txtPassword);
     lblEntropy = new QLabel;
     lblEntropy->setObjectName("lblEntropy");
     lblEntropy->setForegroundRole(QPalette::PlaceholderText);

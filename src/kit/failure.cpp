@@ -9,6 +9,14 @@
 
 namespace bmr::kit {
 
+namespace {
+
+std::string KeepEditing() {
+    return QCoreApplication::translate("failure", "Keep editing").toStdString();
+}
+
+}  // namespace
+
 void TellFailure(store::Session& session, int error, const QString& what) {
     if (error == 0 || error == MessageNumber::Cancelled) return;
     if (error < 0) {
@@ -38,13 +46,26 @@ bool AskToOverwrite(store::Session& session, const QString& record) {
     return session.ports.prompter.Ask(box) == Answer::Yes;
 }
 
-bool AskDiscard(store::Session& session, bool stays) {
+Leaving AskDiscard(store::Session& session) {
+    Box box = MessageBox(20, BoxIcon::Question);
+    box.buttons = Buttons::YesNoCancel;
+    box.standard = Answer::No;
+    box.words[2] = KeepEditing();
+    switch (session.ports.prompter.Ask(box)) {
+        case Answer::Yes:
+            return Leaving::Discard;
+        case Answer::No:
+            return Leaving::Store;
+        default:
+            return Leaving::Stay;
+    }
+}
+
+bool AskDiscardOrStay(store::Session& session) {
     Box box = MessageBox(20, BoxIcon::Question);
     box.buttons = Buttons::YesNo;
     box.standard = Answer::No;
-    if (stays)
-        box.words = {QCoreApplication::translate("failure", "Discard changes").toStdString(),
-                     QCoreApplication::translate("failure", "Keep editing").toStdString()};
+    box.words[1] = KeepEditing();
     return session.ports.prompter.Ask(box) == Answer::Yes;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 
 namespace bmr::store {
 struct Session;
@@ -16,8 +17,12 @@ void TellFailure(store::Session& session, int error, const QString& what);
 /// saved by other means. True when the person wants that; the default answer does not.
 bool AskToOverwrite(store::Session& session, const QString& record);
 
-/// Whether the changes of an editor are to be given up; the default answer keeps them. `stays`: No goes on
-/// editing, and the buttons say so.
-bool AskDiscard(store::Session& session, bool stays = false);
+/// What is to become of the changes of an editor that is being left.
+enum class Leaving : std::uint8_t { Discard, Store, Stay };
+
+/// Asks for it; the default answer keeps the changes, and Esc goes back to the editor.
+Leaving AskDiscard(store::Session& session);
+/// The same of an editor where No goes on editing, and stores nothing: whether they are to be given up.
+bool AskDiscardOrStay(store::Session& session);
 
 }  // namespace bmr::kit

@@ -3,7 +3,10 @@
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QGridLayout>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QShortcut>
 #include <QToolButton>
@@ -116,12 +119,11 @@ QCheckBox* MakePrivateBox() {
     return box;
 }
 
-QCheckBox* MakePrivateMark() {
-    auto* box = new QCheckBox(QCoreApplication::translate("formparts", "Private"));
-    box->setObjectName("ctlPrivate");
-    box->setAttribute(Qt::WA_TransparentForMouseEvents);
-    box->setFocusPolicy(Qt::NoFocus);
-    return box;
+void SetMonospaced(QWidget& field, bool on) {
+    if (!on) return field.setFont({});
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSizeF(field.font().pointSizeF());
+    field.setFont(font);
 }
 
 SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save) {
@@ -138,6 +140,37 @@ SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save) {
     }
     QObject::connect(cmdOK, &QPushButton::clicked, &editor, std::move(save));
     return {box, cmdOK, cmdEsc};
+}
+
+void GiveLetters(const QList<QAbstractButton*>& buttons) {
+    QString taken;
+    const auto letterOf = [](const QString& text) {
+        const QKeySequence keys = QKeySequence::mnemonic(text);
+        return keys.isEmpty() ? QChar() : QChar(keys[0].key()).toLower();
+    };
+    for (const QAbstractButton* button : buttons)
+        if (const QChar letter = letterOf(button->text()); !letter.isNull()) taken += letter;
+    for (QAbstractButton* button : buttons) {
+        const QString text = button->text();
+        if (!letterOf(text).isNull()) continue;
+        for (qsizetype at = 0; at < text.size(); ++at) {
+            const QChar letter = text[at].toLower();
+            if (!letter.isLetter() || taken.contains(letter)) continue;
+            button->setText(QString(text).insert(at, '&'));
+            taken += letter;
+            break;
+        }
+    }
+}
+
+void FinishBox(QMessageBox& box) {
+    GiveLetters(box.buttons());
+    box.layout()->setContentsMargins(Space::Margin, Space::Margin, Space::Margin, Space::Margin);
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    grid->setVerticalSpacing(Space::Margin);
+    grid->setHorizontalSpacing(Space::Tight);  // a spacer of its own stands behind the icon
+    if (auto* text = box.findChild<QLabel*>("qt_msgbox_label"))
+        text->setAlignment(Qt::AlignVCenter | Qt::AlignLeading);
 }
 
 void SetTabOrder(std::initializer_list<QWidget*> order) {

@@ -8,10 +8,12 @@
 #include <functional>
 #include <initializer_list>
 
+class QAbstractButton;
 class QCheckBox;
 class QDialog;
 class QDialogButtonBox;
 class QLineEdit;
+class QMessageBox;
 class QPushButton;
 class QToolButton;
 
@@ -57,8 +59,9 @@ QLineEdit* MakeLineField(const char* name, const QString& accessibleName);
 QPlainTextEdit* MakeTextField(const char* name, const QString& accessibleName);
 /// The mark of a private record, in an editor.
 QCheckBox* MakePrivateBox();
-/// The same in a pad, which shows and does not change.
-QCheckBox* MakePrivateMark();
+
+/// A field for a secret: in letters of one width, so that an l is no I.
+void SetMonospaced(QWidget& field, bool on = true);
 
 /// The foot of an editor. Cancel rejects; Ctrl+Return saves from anywhere in the editor.
 struct SaveCancel {
@@ -67,6 +70,12 @@ struct SaveCancel {
     QPushButton* cmdEsc;
 };
 SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save);
+
+/// Gives each button that lacks one a letter of its own to be pressed by.
+void GiveLetters(const QList<QAbstractButton*>& buttons);
+
+/// The last touch to a message box: room around its text, and a letter for each button.
+void FinishBox(QMessageBox& box);
 
 /// Tab goes from each to the next.
 void SetTabOrder(std::initializer_list<QWidget*> order);

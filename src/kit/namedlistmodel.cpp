@@ -1,8 +1,20 @@
 #include "kit/namedlistmodel.h"
 
+#include "kit/icons.h"
 #include "kit/words.h"
+#include "store/session.h"
 
 namespace bmr::kit {
+
+namespace {
+
+// Columns, and places in the cached texts.
+constexpr int kName = 0;
+constexpr int kLock = 1;
+constexpr int kDate = 2;
+constexpr int kColumns = 3;
+
+}  // namespace
 
 NamedListModel::NamedListModel(const QString& caption, List list, NameOf nameOf, QObject* parent)
     : RecordListModel(parent), caption_(caption), list_(std::move(list)), nameOf_(std::move(nameOf)) {}
@@ -15,21 +27,52 @@ int NamedListModel::Rebuild(const QString& search) {
     return keys ? 0 : keys.error().number;
 }
 
+void NamedListModel::SetDetails(store::Session& session, DetailsOf detailsOf) {
+    session_ = &session;
+    detailsOf_ = std::move(detailsOf);
+}
+
 CellTexts NamedListModel::ReadTexts(int row) const {
-    return CellTexts({ShowWords(nameOf_(KeyAt(row)))});
+    Details details = detailsOf_ ? detailsOf_(KeyAt(row)) : Details();
+    return CellTexts({ShowWords(nameOf_(KeyAt(row))), details.isPrivate ? QString("P") : QString(),
+                      std::move(details.date)});
 }
 
 QString NamedListModel::Name(int row) const {
-    return TextsOf(row).texts.front();
+    return TextsOf(row).texts[kName];
+}
+
+bool NamedListModel::ColumnEmpty(int column) const {
+    return column == kLock && session_ && !session_->ShowPrivate;
 }
 
 int NamedListModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : 1;
+    if (parent.isValid()) return 0;
+    return detailsOf_ ? kColumns : 1;
 }
 
 QVariant NamedListModel::data(const QModelIndex& index, int role) const {
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return Name(index.row());
-    if (role == RecordRole::Key) return KeyAt(index.row());
+    const int row = index.row();
+    switch (role) {
+        case Qt::DisplayRole:
+            return TextsOf(row).texts[static_cast<std::size_t>(index.column())];
+        case Qt::ToolTipRole:
+            if (index.column() == kName) return Name(row);
+            if (index.column() == kLock && !TextsOf(row).texts[kLock].isEmpty()) return tr("Private");
+            break;
+        case Qt::TextAlignmentRole:
+            if (index.column() == kDate) return static_cast<int>(Qt::AlignVCenter | Qt::AlignRight);
+            break;
+        case RecordRole::Key:
+            return KeyAt(row);
+        case RecordRole::Marks:
+            return index.column() == kDate ? RowMark::Quiet : 0;
+        case RecordRole::Symbol:
+            if (index.column() == kLock && !TextsOf(row).texts[kLock].isEmpty()) return Icon("object-locked");
+            break;
+        default:
+            break;
+    }
     return {};
 }
 

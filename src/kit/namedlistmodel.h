@@ -8,10 +8,14 @@
 #include "base/wiped.h"
 #include "kit/recordlistmodel.h"
 
+namespace bmr::store {
+struct Session;
+}
+
 namespace bmr::kit {
 
 /// The rows of a section that lists its records by name: one column of names, deciphered for the rows that
-/// are seen.
+/// are seen, and where a section wants them a lock and a date.
 class NamedListModel final : public RecordListModel {
     Q_OBJECT
 
@@ -23,11 +27,22 @@ class NamedListModel final : public RecordListModel {
 
     NamedListModel(const QString& caption, List list, NameOf nameOf, QObject* parent = nullptr);
 
+    /// What a row tells beside its name.
+    struct Details {
+        bool isPrivate = false;
+        QString date;
+    };
+    using DetailsOf = std::function<Details(std::int32_t fPK)>;
+    /// Two columns more, a lock and a date, read for the rows that are seen. While private records are hidden
+    /// the one of the lock is empty.
+    void SetDetails(store::Session& session, DetailsOf detailsOf);
+
     /// Reads the rows anew; 0 or an error number, with the list empty.
     [[nodiscard]] int Rebuild(const QString& search);
 
     QString Name(int row) const;
 
+    bool ColumnEmpty(int column) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
@@ -37,6 +52,8 @@ class NamedListModel final : public RecordListModel {
 
   private:
     QString caption_;
+    store::Session* session_ = nullptr;
+    DetailsOf detailsOf_;
     List list_;
     NameOf nameOf_;
 };

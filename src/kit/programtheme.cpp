@@ -58,7 +58,8 @@ class BmrStyle final : public QProxyStyle {
         }
         QSize whole = QProxyStyle::sizeFromContents(type, option, size, widget);
         const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
-        if (type == CT_PushButton && button && !button->icon.isNull()) whole.rwidth() += Space::Margin;
+        if (type == CT_PushButton && button)
+            whole.rwidth() += button->icon.isNull() ? Space::Row : Space::Margin;
         return whole;
     }
 

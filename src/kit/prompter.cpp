@@ -17,6 +17,7 @@
 #include <array>
 
 #include "crypto/secret.h"
+#include "kit/formparts.h"
 #include "kit/frmInputbox.h"
 #include "kit/frmPW.h"
 #include "kit/theme.h"
@@ -113,7 +114,7 @@ void NameButtons(QMessageBox& form, const Box& box, const std::vector<Answer>& a
     for (const Verbs& verbs : kVerbs) {
         if (verbs.number != box.number || answers.size() < 2) continue;
         form.button(ButtonOf(yes))->setText(QMessageBox::tr(verbs.yes));
-        if (verbs.no) form.button(ButtonOf(answers.back()))->setText(QMessageBox::tr(verbs.no));
+        if (verbs.no) form.button(ButtonOf(answers[1]))->setText(QMessageBox::tr(verbs.no));
     }
     for (std::size_t i = 0; i < answers.size(); ++i)
         if (!box.words[i].empty())
@@ -204,6 +205,7 @@ Answer QtPrompter::Ask(const Box& box) {
     for (const Answer answer : answers)
         form.addButton(ButtonOf(answer));
     NameButtons(form, box, answers);
+    FinishBox(form);
     form.setDefaultButton(ButtonOf(box.standard));
     form.setEscapeButton(ButtonOf(answers.back()));
     const int pressed = form.exec();

@@ -49,6 +49,8 @@ void RecordDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelI
         paint(InkOf(Ink::Alarm, palette));
     } else if (marks & RowMark::Faint) {
         paint(Blend(base, ink, 0.4));
+    } else if (marks & RowMark::Quiet) {
+        paint(palette.color(QPalette::PlaceholderText));
     }
     if (index.column() == 0 && option->text.isEmpty()) {
         option->text = tr("(no name)");

@@ -23,8 +23,8 @@ struct CellTexts {
     std::vector<QString> texts;
 };
 
-/// Marks of a cell that the delegate shows: struck through and paler, in red, or hardly there.
-enum RowMark : std::uint8_t { Completed = 1, Overdue = 2, Faint = 4 };
+/// Marks of a cell that the delegate shows: struck through and paler, in red, hardly there, or paler alone.
+enum RowMark : std::uint8_t { Completed = 1, Overdue = 2, Faint = 4, Quiet = 8 };
 
 /// Roles beyond Qt's own.
 struct RecordRole {

@@ -40,6 +40,9 @@ class SectionForm : public QWidget {
     /// Narrows the list to rows that hold `text` in what the list shows; empty shows all again.
     virtual void SetSearch(const QString& text) = 0;
 
+    /// The section's page in the user guide: its file without ".md".
+    virtual QString HelpPage() const { return "index"; }
+
     /// Selects a record of the section by its key, changing the category filter where that is needed.
     virtual void SelectRecord(std::int32_t fPK) = 0;
 
@@ -64,6 +67,8 @@ class SectionForm : public QWidget {
     /// An editor has closed, and its record was stored or the user has discarded it: a draft that it was
     /// opened with is done with.
     void DraftSettled();
+    /// The list shows all again, though the search field was not emptied.
+    void SearchEnded();
     /// The words at the left of the status bar: count and selection.
     void StatusChanged(const QString& text);
 };

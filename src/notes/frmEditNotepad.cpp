@@ -117,10 +117,11 @@ void frmEditNotepad::cmdOK_Click() {
 
 void frmEditNotepad::reject() {
     if (!recordChanged || session_.ending) return QDialog::reject();
-    if (kit::AskDiscard(session_)) {
+    const kit::Leaving leaving = kit::AskDiscard(session_);
+    if (leaving == kit::Leaving::Discard) {
         recordChanged = false;
         QDialog::reject();
-    } else if (!session_.ending) {
+    } else if (leaving == kit::Leaving::Store && !session_.ending) {
         cmdOK_Click();  // No stores, as the button does that says so
     }
 }

@@ -1,6 +1,5 @@
 #include "notes/frmNotepad.h"
 
-#include <QCheckBox>
 #include <QFrame>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -8,7 +7,7 @@
 #include "base/languageus.h"
 #include "kit/dateentry.h"
 #include "kit/failure.h"
-#include "kit/namedlistmodel.h"
+#include "kit/pad.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 #include "notes/frmEditNotepad.h"
@@ -29,6 +28,7 @@ frmNotepad::frmNotepad(store::Session& session, QWidget* parent)
       round_(session, *this) {
     setObjectName("frmNotepad");
     setWindowTitle("Memo");
+    model_->SetDetails(session_, [this](std::int32_t key) { return DetailsOf(key); });
     BuildActions();
     BuildMenu();
     BuildList();
@@ -74,12 +74,18 @@ void frmNotepad::HidePad() {
     mnuMemoDeleteSelected->setEnabled(false);
 }
 
+kit::NamedListModel::Details frmNotepad::DetailsOf(std::int32_t key) const {
+    auto memo = FetchRecord(session_, key);
+    if (!memo) return {};
+    WipeRecord(*memo);
+    return {.isPrivate = memo->isPrivate, .date = kit::ShortDate(memo->dateLastModified)};
+}
+
 void frmNotepad::ShowMemo(std::int32_t key) {
     auto memo = key == kit::RecordListView::kNoKey ? std::nullopt : FetchRecord(session_, key);
     if (!memo) return HidePad();
     txtSubject->setText(memo->readable ? kit::ShowWords(memo->subject) : tr("(cannot be read)"));
     txtInput->setPlainText(kit::ShowLines(memo->body));
-    ctlPrivate->setChecked(memo->isPrivate);
     ctlPrivate->setVisible(memo->isPrivate);
     cboCategory->setText(kit::ToQString(store::CategoryName(cboCategories->Entries(), memo->category)));
     ctlDateCreated->setText(kit::ShortDate("Date created: ", memo->dateCreated));

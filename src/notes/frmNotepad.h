@@ -3,16 +3,16 @@
 #include "kit/categoryfield.h"
 #include "kit/editround.h"
 #include "kit/listpane.h"
+#include "kit/namedlistmodel.h"
 #include "kit/sectionform.h"
 #include "notes/memo.h"
 
-class QCheckBox;
 class QFrame;
 class QLabel;
 class QPlainTextEdit;
 
 namespace bmr::kit {
-class NamedListModel;
+class PrivateMark;
 class RecordListView;
 }  // namespace bmr::kit
 
@@ -28,6 +28,7 @@ class frmNotepad final : public SectionForm {
 
     QMenu* SectionMenu() override { return menu_; }
     QList<QAction*> ToolActions() override;
+    QString HelpPage() const override { return "memos"; }
     void Refresh() override;
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
@@ -50,6 +51,7 @@ class frmNotepad final : public SectionForm {
     void Lay();
 
     kit::Emptiness WhyEmpty() const;
+    kit::NamedListModel::Details DetailsOf(std::int32_t key) const;
     void ShowMemo(std::int32_t key);
     void HidePad();
     /// With a draft the editor comes up filled with it.
@@ -72,7 +74,7 @@ class frmNotepad final : public SectionForm {
     QFrame* padFrame;
     QLabel* txtSubject;
     QPlainTextEdit* txtInput;
-    QCheckBox* ctlPrivate;
+    kit::PrivateMark* ctlPrivate;
     QLabel* cboCategory;
     QLabel* ctlDateCreated;
     QLabel* ctlLastModified;

@@ -1,4 +1,3 @@
-#include <QCheckBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -7,11 +6,13 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 
+#include "kit/dateentry.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
-#include "kit/namedlistmodel.h"
+#include "kit/pad.h"
 #include "kit/recordlistview.h"
+#include "kit/remembered.h"
 #include "kit/theme.h"
 #include "notes/frmNotepad.h"
 
@@ -85,6 +86,9 @@ void frmNotepad::BuildList() {
     listSelect = pane_->List();
     menu_->insertActions(menu_->actions().constLast(), pane_->RowActions());
     listSelect->setHeaderHidden(true);
+    listSelect->SetColumnWidth(1, Space::Group + Space::Row);
+    listSelect->SetColumnWidth(2, fontMetrics().horizontalAdvance(kit::ShortDate({36525.0})) + Space::Group);
+    listSelect->SetTextColumn(0, fontMetrics().averageCharWidth() * 16);
     connect(listSelect, &kit::RecordListView::KeySelected, this, &frmNotepad::ShowMemo);
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmNotepad::StatusChanged);
     setFocusProxy(pane_);
@@ -100,9 +104,9 @@ void frmNotepad::BuildPad() {
     txtInput = kit::MakeTextField("txtInput", tr("Text of the memo"));
     txtInput->setReadOnly(true);
     txtInput->setFrameShape(QFrame::NoFrame);
+    txtInput->document()->setDocumentMargin(0);  // in line with the subject
     kit::GiveFieldMenu(*txtInput, session_);
-    ctlPrivate = kit::MakePrivateMark();
-    ctlPrivate->setIcon(kit::Icon("object-locked"));
+    ctlPrivate = new kit::PrivateMark;
     cboCategory = new QLabel;
     cboCategory->setObjectName("cboCategory");
     cboCategory->setTextFormat(Qt::PlainText);
@@ -147,12 +151,8 @@ void frmNotepad::Lay() {
     column->addWidget(cboCategories);
     column->addWidget(pane_, 1);
     column->addLayout(buttons);
-    auto* right = new QWidget;
-    right->setBackgroundRole(QPalette::Base);
-    right->setAutoFillBackground(true);
-    auto* pad = new QVBoxLayout(right);
-    pad->setContentsMargins(0, 0, 0, 0);
-    pad->addWidget(padFrame);
+    auto* right = new kit::PadPane(padFrame, padFrame, "view-pim-notes",
+                                   tr("The memo that you choose at the left is shown here."));
 
     auto* splitter = new QSplitter;
     splitter->setChildrenCollapsible(false);
@@ -163,6 +163,7 @@ void frmNotepad::Lay() {
     splitter->setStretchFactor(0, 35);
     splitter->setStretchFactor(1, 65);
     splitter->setSizes({350, 650});
+    kit::RememberSplitter(*splitter, session_.ports.registry, "memos");
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(splitter);

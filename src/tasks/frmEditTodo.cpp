@@ -268,10 +268,12 @@ void frmEditTodo::cmdOK_Click() {
 void frmEditTodo::reject() {
     another = false;
     const bool dates = session_.ending || CommitDates();  // a date that is still being typed is a change too
-    if (!recordChanged || session_.ending || kit::AskDiscard(session_)) {
+    const auto leaving =
+        !recordChanged || session_.ending ? kit::Leaving::Discard : kit::AskDiscard(session_);
+    if (leaving == kit::Leaving::Discard) {
         recordChanged = false;
         QDialog::reject();
-    } else if (session_.ending || (dates && fields_.Judge())) {
+    } else if (session_.ending || (leaving == kit::Leaving::Store && dates && fields_.Judge())) {
         QDialog::reject();  // No stores, and is held to the same rules as the button that says so
     }
 }

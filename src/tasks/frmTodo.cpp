@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <utility>
 
 #include "kit/failure.h"
@@ -27,13 +28,16 @@ frmTodo::frmTodo(store::Session& session, QWidget* parent)
     BuildPopup();
     BuildFilter();
     BuildList();
+    BuildNote();
     Lay();
     cboCategories->FillLastUsed();
     showListitems();
     TodoList->SelectFirst();
 }
 
-frmTodo::~frmTodo() = default;
+frmTodo::~frmTodo() {
+    HideNote();
+}
 
 QList<QAction*> frmTodo::ToolActions() {
     return {mnuTodoNew, mnuTodoEdit, mnuTodoDeleteSelected, nullptr, complete_};
@@ -44,9 +48,13 @@ void frmTodo::showListitems() {
 }
 
 int frmTodo::ReadTasks(const QString& search) {
+    HideNote();
     TodoList->header()->setSortIndicator(-1, Qt::AscendingOrder);  // each build is in standard order
-    return model_->Rebuild({.showCompleted = ShowCompleted->isChecked(), .category = cboCategories->Number()},
-                           kit::TakeWords(search));
+    const int error =
+        model_->Rebuild({.showCompleted = ShowCompleted->isChecked(), .category = cboCategories->Number()},
+                        kit::TakeWords(search));
+    notePane_->setVisible(!model_->ColumnEmpty(SubItem::Note));
+    return error;
 }
 
 kit::Emptiness frmTodo::WhyEmpty() const {
@@ -205,6 +213,12 @@ void frmTodo::ShowDeleted(const DeleteOutcome& outcome, const QString& failure) 
     pane_->TellStep();
 }
 
+void frmTodo::SetDue(std::optional<int> days) {
+    std::optional<Day> due;
+    if (days) due = Day{session_.ports.clock.Today().serial + *days};
+    pane_->ChangeSelected([&](store::Keys keys) { return SetDueDate(session_, keys, due); });
+}
+
 void frmTodo::mnuTodoDeleteItem_Click() {
     if (TodoList->SelectedCount() > 1) return pane_->DeleteSelected(29);
     const auto key = Selected();
@@ -220,6 +234,19 @@ void frmTodo::mnuTodoDeleteCompleted_Click() {
 
 void frmTodo::mnuTodoDeleteAll_Click() {
     ShowDeleted(DeleteAll(session_, model_->rowCount() == 0), tr("The tasks were not deleted."));
+}
+
+void frmTodo::ShowNote(std::int32_t key) {
+    const int row = model_->RowOf(key);
+    if (row < 0 || !model_->RowAt(row).hasNote) return HideNote();
+    auto task = FetchRecord(session_, key);
+    if (!task) return HideNote();
+    note_->setPlainText(kit::ShowLines(task->note));
+    store::WipeFields(*task, kTaskFields);
+}
+
+void frmTodo::HideNote() {
+    note_->clear();
 }
 
 void frmTodo::ColumnClick(int column) {

@@ -8,6 +8,7 @@
 
 class QCheckBox;
 class QLineEdit;
+class QPlainTextEdit;
 
 namespace bmr::kit {
 class RecordListView;
@@ -28,6 +29,7 @@ class frmTodo final : public SectionForm {
 
     QMenu* SectionMenu() override { return menu_; }
     QList<QAction*> ToolActions() override;
+    QString HelpPage() const override { return "tasks"; }
     void Refresh() override;
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
@@ -50,17 +52,23 @@ class frmTodo final : public SectionForm {
     void mnuTodoPriority_Click(int Index);
     /// Carries no action: the entries for the due date change nothing.
     void mnuTodoDueDate_Click() {}
+    /// Due in that many days, or at no date.
+    void SetDue(std::optional<int> days);
 
   private:
     void BuildActions();
     void BuildMenu();
     void BuildPopup();
+    void AddDueEntries(QMenu& menu, const QByteArray& name);
     void BuildFilter();
     void BuildList();
+    void BuildNote();
     void Lay();
 
     void ShowCompleted_Click();
     void ColumnClick(int column);
+    void ShowNote(std::int32_t key);
+    void HideNote();
     void ShowPopup(const QPoint& at);
     void Tick(std::int32_t key, bool checked);
     void ShowDeleted(const DeleteOutcome& outcome, const QString& failure);
@@ -92,6 +100,8 @@ class frmTodo final : public SectionForm {
     kit::CategoryField* cboCategories;
     QCheckBox* ShowCompleted;
     kit::RecordListView* TodoList;
+    QPlainTextEdit* note_;  ///< of the selected task
+    QWidget* notePane_;     ///< there while any listed task has a note
     QLineEdit* quickAdd_;
     kit::Strip* strip_;
 };

@@ -5,7 +5,9 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 #include "base/shortdate.h"
@@ -14,6 +16,7 @@
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recordlistview.h"
+#include "kit/remembered.h"
 #include "kit/strip.h"
 #include "kit/theme.h"
 #include "tasks/frmTodo.h"
@@ -76,6 +79,7 @@ void frmTodo::BuildMenu() {
     QMenu* priority = AddMenu(*menu_, "mnuTodoPriority", tr("&Priority"));
     for (int i = 0; i < 3; ++i)
         priority->addAction(tr(kPriorities[i]), this, [this, i] { mnuTodoPriority_Click(i); });
+    AddDueEntries(*AddMenu(*menu_, "mnuTodoDue", tr("D&ue")), "mnuTodoDue");
     menu_->addSeparator();
     QAction* categories = menu_->addAction(kit::Icon("tag"), tr("Edit Cate&gories…"), this,
                                            [this] { cboCategories->EditCategories(); });
@@ -110,9 +114,24 @@ void frmTodo::BuildPopup() {
     for (const auto& [name, text] :
          {std::pair{"mnuTodoRCDueDateNoDate", "No Date"}, {"mnuTodoRCDueDateChooseDate", "Choose..."}})
         add(*due, name, text, [this] { mnuTodoDueDate_Click(); });
+    due->addSeparator();
+    AddDueEntries(*due, "mnuTodoRCDue");
     add(*mnuTodoRC, "mnuTodoRCDeleteItem", "&Delete", [this] {
         mnuTodoDeleteItem_Click();
     })->setIcon(kit::Icon("edit-delete"));
+}
+
+void frmTodo::AddDueEntries(QMenu& menu, const QByteArray& name) {
+    struct Entry {
+        const char* name;
+        QString text;
+        std::optional<int> days;
+    };
+    for (const auto& [which, text, days] : {Entry{"Today", tr("Due &today"), 0},
+                                            {"Tomorrow", tr("Due to&morrow"), 1},
+                                            {"NextWeek", tr("Due next &week"), 7},
+                                            {"None", tr("Due &none"), std::nullopt}})
+        menu.addAction(text, this, [this, days = days] { SetDue(days); })->setObjectName(name + which);
 }
 
 void frmTodo::BuildFilter() {
@@ -173,6 +192,7 @@ void frmTodo::BuildList() {
     TodoList->RememberColumns(session_.ports.registry, "tasks");
     connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
     connect(TodoList, &kit::RecordListView::KeySelected, pane_, &kit::ListPane::TellStatus);
+    connect(TodoList, &kit::RecordListView::KeySelected, this, &frmTodo::ShowNote);
     connect(TodoList, &kit::RecordListView::TickWanted, this, [this] {
         if (TodoList->SelectedCount() > 1) return mnuCompleted_Click();
         if (const auto key = Selected()) Tick(*key, !model_->RowAt(TodoList->SelectedRow()).completed);
@@ -183,6 +203,31 @@ void frmTodo::BuildList() {
                             pane_->RowActions());
     // The view is still in the click that ticks: rebuild when it has come back from it.
     connect(model_, &TodoModel::Ticked, this, &frmTodo::Tick, Qt::QueuedConnection);
+}
+
+void frmTodo::BuildNote() {
+    note_ = kit::MakeTextField("txtNote", tr("Note of the task"));
+    note_->setReadOnly(true);
+    note_->setUndoRedoEnabled(false);
+    note_->setFrameShape(QFrame::NoFrame);
+    note_->setPlaceholderText(tr("No note"));
+    note_->setMinimumHeight(kit::HeightOfLines(*note_, 2));
+    kit::GiveFieldMenu(*note_, session_);
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setForegroundRole(QPalette::Mid);
+    line->setFrameShadow(QFrame::Plain);
+    notePane_ = new QWidget;
+    notePane_->setBackgroundRole(QPalette::Base);
+    notePane_->setAutoFillBackground(true);
+    auto* column = new QVBoxLayout(notePane_);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(line);
+    auto* inside = new QVBoxLayout;
+    inside->setContentsMargins(kit::Space::Row, kit::Space::Tight, 0, kit::Space::Tight);
+    inside->addWidget(note_);
+    column->addLayout(inside);
 }
 
 void frmTodo::Lay() {
@@ -210,10 +255,18 @@ void frmTodo::Lay() {
     column->setSpacing(0);
     column->addLayout(filter);
     column->addWidget(strip_);
-    column->addWidget(pane_, 1);
+    auto* splitter = new QSplitter(Qt::Vertical);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(pane_);
+    splitter->addWidget(notePane_);
+    splitter->setStretchFactor(0, 1);
+    pane_->setMinimumHeight(fontMetrics().lineSpacing() * 6);
+    splitter->setSizes({1000, kit::HeightOfLines(*note_, 4)});
+    kit::RememberSplitter(*splitter, session_.ports.registry, "tasks");
+    column->addWidget(splitter, 1);
     column->addLayout(bottom);
-    kit::SetTabOrder({cboCategories->Combo(), cboCategories->Button(), ShowCompleted, TodoList, quickAdd_,
-                      cmdAdd, cmdEdit, cmdDelete});
+    kit::SetTabOrder({cboCategories->Combo(), cboCategories->Button(), ShowCompleted, TodoList, note_,
+                      quickAdd_, cmdAdd, cmdEdit, cmdDelete});
 }
 
 }  // namespace bmr::tasks

@@ -209,4 +209,21 @@ store::SeveralOutcome DeleteSeveral(Session& session, store::Keys keys) {
     return store::DeleteSeveral(session, kVerbs, keys);
 }
 
+store::SeveralOutcome SetDueDate(Session& session, store::Keys keys, std::optional<Day> due) {
+    bool kept = false;
+    const auto outcome = store::ForSeveral(
+        session, kVerbs, keys, {},
+        [&](Task& task) {
+            kept = kept || task.completed;
+            const bool same = task.hasDueDate == due.has_value() && task.dueDate == due.value_or(Day{});
+            if (task.completed || same) return Result<RowChange>(RowChange::Same);
+            task.hasDueDate = due.has_value();
+            task.dueDate = due.value_or(Day{});
+            return Stored(session, task);
+        },
+        true);
+    if (kept && outcome.error == 0) session.ports.prompter.Ask(MessageBox(23));
+    return outcome;
+}
+
 }  // namespace bmr::tasks

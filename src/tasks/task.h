@@ -118,6 +118,9 @@ store::SeveralOutcome CompleteSeveral(store::Session& session, store::Keys keys)
 /// `mnuTodoPriority`: loads, sets, stores, those that it changes.
 store::SeveralOutcome SetPriority(store::Session& session, store::Keys keys, std::int32_t priority);
 
+/// Sets the due date, or takes it away. Completed tasks keep theirs, and Msg 23 says so.
+store::SeveralOutcome SetDueDate(store::Session& session, store::Keys keys, std::optional<Day> due);
+
 /// The same with other sections' verbs: category, flag, delete.
 store::SeveralOutcome MoveSeveral(store::Session& session, store::Keys keys, std::int32_t category);
 store::SeveralOutcome HideSeveral(store::Session& session, store::Keys keys, bool isPrivate);

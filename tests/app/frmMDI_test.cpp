@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QToolBar>
 
@@ -38,7 +39,10 @@ class FakeSection final : public SectionForm {
     }
     ~FakeSection() override { Tell("close"); }
     QMenu* SectionMenu() override { return &menu_; }
-    QList<QAction*> ToolActions() override { return {&edit_, nullptr}; }
+    QList<QAction*> ToolActions() override {
+        return code_ == Section::Todo ? QList<QAction*>{&edit_, nullptr, &wide_} : QList<QAction*>{&edit_};
+    }
+    QString HelpPage() const override { return code_ == Section::Todo ? "tasks" : "not there"; }
     void Refresh() override { Tell("refresh"); }
     void SetSearch(const QString& text) override { Tell("search " + text.toStdString()); }
     void SelectRecord(std::int32_t) override {}
@@ -57,6 +61,7 @@ class FakeSection final : public SectionForm {
     Journal& journal_;
     QMenu menu_;
     QAction edit_;
+    QAction wide_{"Something that takes a lot of room", this};
 };
 
 class MainWindow : public testing::Test {
@@ -256,6 +261,40 @@ TEST_F(MainWindow, SearchesWhenTheTypingRests) {
     QTest::keyClick(&field, Qt::Key_Escape);
     EXPECT_EQ(Lines(), Strings{"search  15"});
     EXPECT_TRUE(frame->Form()->hasFocus());
+}
+
+TEST_F(MainWindow, TheSearchFieldKeepsItsPlaceAndAnEndedSearchEmptiesIt) {
+    frame->resize(1180, 760);
+    Start();
+    auto& field = test::Named<QLineEdit>(*frame, "txtSearch");
+    const auto place = [&](int code) {
+        frame->optSection_Click(code);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return field.isVisible() && field.x() > 100; }));
+        return field.geometry();
+    };
+    EXPECT_EQ(place(Section::Todo), place(Section::Address));
+    field.setText("milk");
+    emit frame->Form()->SearchEnded();
+    EXPECT_EQ(field.text(), "");
+    Lines();
+    QTest::qWait(300);
+    EXPECT_EQ(Lines(), Strings{}) << "the list shows all already";
+}
+
+TEST_F(MainWindow, HelpOpensAtThePageOfTheSection) {
+    Start();
+    const auto page = [&](int code) {
+        frame->optSection_Click(code);
+        Action("mnuHelpContents").trigger();
+        auto& guide = test::Named<QWidget>(*frame, "frmHelp");
+        const QString shown = guide.findChild<QTextBrowser*>()->source().toString();
+        guide.close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return shown;
+    };
+    EXPECT_EQ(page(Section::Todo), "qrc:/help/tasks.md");
+    EXPECT_EQ(page(Section::Address), "qrc:/help/index.md");
+    EXPECT_EQ(page(Section::None), "qrc:/help/index.md");
 }
 
 TEST_F(MainWindow, ClosesTheSectionThenTheFileThenEnds) {

@@ -47,10 +47,10 @@ TEST_F(WatchTest, EndsAtTheLimitThroughAnOpenEditorWithNothingStored) {
         QDialog editor(&frame);
         QTimer::singleShot(0, &editor, [&] {
             watch.Idle().timerTimeout_Tick();
-            EXPECT_EQ(Text("autoshutoff"), "05:00");
+            EXPECT_EQ(Text("autoshutoff"), "closes in 05:00");
             sitting.clock.monotonic += 299'999;
             watch.Idle().timerTimeout_Tick();
-            EXPECT_EQ(Text("autoshutoff"), "00:01");
+            EXPECT_EQ(Text("autoshutoff"), "closes in 00:01");
             EXPECT_TRUE(sitting.session.DatabaseOpen);
 
             sitting.clock.monotonic += 1;
@@ -72,7 +72,7 @@ TEST_F(WatchTest, TouchingTheWindowSetsTheCountBackAndTheSettingRules) {
     Start(1);
     sitting.clock.monotonic += 50'000;
     watch.Idle().timerTimeout_Tick();
-    EXPECT_EQ(Text("autoshutoff"), "00:10");
+    EXPECT_EQ(Text("autoshutoff"), "closes in 00:10");
     QTest::keyClick(frame.windowHandle(), Qt::Key_Down);
     sitting.clock.monotonic += 59'999;
     watch.Idle().timerTimeout_Tick();
@@ -104,7 +104,7 @@ TEST_F(WatchTest, StoredPreferencesRuleAtOnce) {
     emit frame.PreferencesStored();
     EXPECT_FALSE(clipboard.alsoForeign);
     watch.Idle().timerTimeout_Tick();
-    EXPECT_EQ(Text("autoshutoff"), "02:00");
+    EXPECT_EQ(Text("autoshutoff"), "closes in 02:00");
 }
 
 TEST_F(WatchTest, SleepEndsTheProgram) {

@@ -9,6 +9,8 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDialog>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -78,6 +80,7 @@ TEST_F(Classified, NothingIsShownUntilAKindIsChosen) {
     EXPECT_FALSE(Find<QPushButton>("cmdAdd").isEnabled());
     EXPECT_FALSE(Find<kit::RecordListView>("ListSelect").isEnabled());
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+    EXPECT_TRUE(Find<QWidget>("padHint").isVisible()) << "the empty pad says what to do";
 }
 
 TEST_F(Classified, TheKeyboardAloneChoosesKindsAndKeepsTheFocus) {
@@ -108,6 +111,9 @@ TEST_F(Classified, APasswordIsMaskedOnThePadCopiedAsItIsAndOpenInTheDialog) {
     EXPECT_EQ(Names(), (QStringList{"Allotment", "Library"}));
     auto& password = Find<QLineEdit>("txtCtl3");
     EXPECT_EQ(password.text(), QString(10, '?'));
+    EXPECT_TRUE(QFontInfo(password.font()).fixedPitch() ||
+                password.font().family() == QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
+    EXPECT_EQ(Find<QLineEdit>("txtCtl2").font(), form->font()) << "only the secret";
     Find<QToolButton>("copy3").click();
     EXPECT_EQ(copied, "rosebud");
     Find<QToolButton>("open1").click();

@@ -3,7 +3,9 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include "crypto/secret.h"
@@ -38,8 +40,8 @@ TEST(QtPrompter, GivesTheButtonThatWasPressed) {
     for (const Answer answer : {Answer::Yes, Answer::No, Answer::Cancel})
         EXPECT_EQ(prompter.Ask(three), answer);
     visitor.Meet("boxMsg", [](QWidget& box) {
-        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->text(), "Go on");
-        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Cancel)->text(), "Later");
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->text(), "&Go on");
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Cancel)->text(), "&Later");
         QTest::keyClick(&box, Qt::Key_Escape);
     });
     EXPECT_EQ(prompter.Ask(three), Answer::Cancel);
@@ -51,7 +53,7 @@ TEST(QtPrompter, BoxSaysWhatItsButtonsDoAndReturnAndEscapeAreSafe) {
     const auto press = [](Qt::Key key) {
         return [key](QWidget& window) {
             const auto& box = dynamic_cast<const QMessageBox&>(window);
-            EXPECT_EQ(box.button(QMessageBox::Ok)->text(), "Delete");
+            EXPECT_EQ(box.button(QMessageBox::Ok)->text(), "&Delete");
             EXPECT_EQ(box.text(), "Confirm\n\n   <b>x</b>");
             EXPECT_EQ(box.textFormat(), Qt::PlainText);
             QTest::keyClick(&window, key);
@@ -62,6 +64,29 @@ TEST(QtPrompter, BoxSaysWhatItsButtonsDoAndReturnAndEscapeAreSafe) {
         EXPECT_EQ(prompter.Ask(ConfirmDelete(29, "Confirm\r\n\r\n   <b>x</b>")), Answer::Cancel);
     visitor.Meet("boxMsg", [](QWidget& box) { box.close(); });
     EXPECT_EQ(prompter.Ask({20, "", Buttons::YesNo, BoxIcon::Question, Answer::Yes, ""}), Answer::No);
+}
+
+TEST(QtPrompter, BoxesHaveRoomAndALetterForEveryButton) {
+    QtPrompter prompter;
+    Visitor visitor;
+    const auto judge = [](const QSet<QString>& texts) {
+        return [texts](QWidget& window) {
+            auto& box = dynamic_cast<QMessageBox&>(window);
+            QSet<QString> shown;  // in which order depends on the desktop
+            for (const QAbstractButton* button : box.buttons())
+                shown << button->text();
+            EXPECT_EQ(shown, texts);
+            const QMargins room = box.layout()->contentsMargins();
+            EXPECT_GE(std::min({room.left(), room.top(), room.right(), room.bottom()}), 12);
+            box.close();
+        };
+    };
+    visitor.Meet("boxMsg", judge({"&OK"}))
+        .Meet("boxMsg", judge({"&Discard changes", "&Save changes", "&Cancel"}));
+    visitor.Meet("boxMsg", judge({"D&elete", "De&lete all", "&Delete"}));
+    prompter.Ask(MessageBox(16));
+    prompter.Ask({.number = 20, .buttons = Buttons::YesNoCancel});
+    prompter.Ask({.buttons = Buttons::YesNoCancel, .words = {"Delete", "Delete all", "&Delete"}});
 }
 
 TEST(QtPrompter, AsksNothingOnceTheSessionEnds) {

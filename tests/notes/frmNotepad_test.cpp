@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
+#include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
 #include "store/categories.h"
 #include "support/forms.h"
@@ -99,6 +100,30 @@ TEST_F(Notepad, ComesUpWithTheCategoryThatThePreferencesSay) {
     }
 }
 
+TEST_F(Notepad, RowsTellTheDayAndALockAndThePadWhatToDo) {
+    auto& hint = Find<QWidget>("padHint");
+    EXPECT_TRUE(hint.isVisible());
+    Add("Open", "body");
+    EXPECT_FALSE(hint.isVisible());
+    auto memo = ClearRecord(store.session, 0);
+    memo.subject = "Secret";
+    memo.isPrivate = true;
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
+    form->Refresh();
+    const auto* model = list().model();
+    const auto cell = [&](int row, int column, int role) { return model->index(row, column).data(role); };
+    ASSERT_EQ(model->rowCount(), 2);
+    EXPECT_EQ(cell(0, 2, Qt::DisplayRole), "21/11/2026");
+    EXPECT_TRUE(cell(0, 1, kit::RecordRole::Symbol).isNull());
+    EXPECT_FALSE(cell(1, 1, kit::RecordRole::Symbol).isNull());
+    EXPECT_FALSE(Find<QWidget>("ctlPrivate").isVisible());
+    list().SelectKey(memo.key);
+    EXPECT_TRUE(Find<QWidget>("ctlPrivate").isVisible());
+    list().SelectKey(kit::RecordListView::kNoKey);
+    EXPECT_TRUE(hint.isVisible());
+    EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+}
+
 TEST_F(Notepad, CancellingTheInputBoxAddsNothing) {
     store.prompter.inputs.push_back(std::nullopt);
     form->cmdAdd_Click();
@@ -109,12 +134,14 @@ TEST_F(Notepad, CancellingTheInputBoxAddsNothing) {
 TEST_F(Notepad, NothingIsStoredWhileATextIsTooLong) {
     Add("Long", "short");
     list().SelectFirst();
-    store.prompter.Expect(20, Answer::No);
+    store.prompter.Expect(20, Answer::Cancel).Expect(20, Answer::No);
     OnDialog([&](QDialog& editor) {
         auto* note = editor.findChild<QPlainTextEdit*>("ctlNote");
         auto* error = editor.findChild<QLabel*>("lblNoteError");
         note->setPlainText(QString(40000, 'x') + "\n" + QString(25010, 'x'));
         editor.findChild<QPushButton*>("cmdOK")->click();
+        editor.findChild<QPushButton*>("cmdEsc")->click();  // goes on editing
+        EXPECT_TRUE(editor.isVisible());
         editor.findChild<QPushButton*>("cmdEsc")->click();  // No stores, by the same rule
         EXPECT_TRUE(editor.isVisible());
         EXPECT_EQ(error->text(), "Too long by 12 characters: 65,000 fit.") << "a line ends in two";

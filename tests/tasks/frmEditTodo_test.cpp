@@ -73,6 +73,16 @@ TEST_F(FormEditTodo, EscapeStoresOnNoAndDiscardsOnYes) {
         EXPECT_EQ(form->recordChanged, stores);
     }
     EXPECT_EQ(db.prompter.shown[0].standard, Answer::No) << "the default loses nothing";
+
+    db.prompter.Expect(20, Answer::Cancel).Expect(20, Answer::No);
+    Show({.task = "a", .priority = 1});
+    QTest::keyClicks(&Named(*form, "ctlTask"), "b");
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible()) << "the third way goes on editing";
+    EXPECT_EQ(db.prompter.shown.back().words[2], "Keep editing");
+    EXPECT_EQ(form->Values().task, "b");
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
 }
 
 TEST_F(FormEditTodo, ADueDateIsJudged) {

@@ -136,6 +136,62 @@ TEST_F(FormTodo, PopupSetsPrioritiesAndItsDueDatesDoNothing) {
     Entry("mnuTodoRCEdit").trigger();  // an empty list: nothing opens
 }
 
+TEST_F(FormTodo, DueEntriesBesideTheToldOnes) {
+    const auto key = Add("a");
+    const auto done = Add("b", [&](Task& t) { t.completed = true, t.completedDate = today; });
+    db.session.settings.TodoShowCompleted = 1;
+    Open();
+    const auto due = [&] {
+        const Task task = Stored(key);
+        return task.hasDueDate ? task.dueDate.serial - today.serial : -1;
+    };
+    for (const std::string menu : {"mnuTodoRCDue", "mnuTodoDue"})
+        for (const auto& [entry, days] :
+             {std::pair{"Today", 0}, {"Tomorrow", 1}, {"NextWeek", 7}, {"None", -1}}) {
+            list->SelectKey(key);
+            Entry((menu + entry).c_str()).trigger();
+            EXPECT_EQ(due(), days) << menu << entry;
+            EXPECT_EQ(list->SelectedKey(), key);
+        }
+    list->SelectKey(done);
+    db.prompter.Expect(23);
+    Entry("mnuTodoDueTomorrow").trigger();
+    EXPECT_FALSE(Stored(done).hasDueDate) << "a completed task keeps its due date";
+}
+
+TEST_F(FormTodo, TheNoteOfTheSelectedTaskStandsBelowTheList) {
+    const auto plain = Add("plain");
+    Open();
+    auto& note = Named<QPlainTextEdit>(*form, "txtNote");
+    EXPECT_FALSE(note.isVisible()) << "no task has a note";
+    const auto noted = Add("noted", [](Task& t) { t.note = "one\ntwo", t.hasNote = true; });
+    form->Refresh();
+    EXPECT_TRUE(note.isVisible());
+    list->SelectKey(noted);
+    EXPECT_EQ(note.toPlainText(), "one\ntwo");
+    list->SelectKey(plain);
+    EXPECT_EQ(note.toPlainText(), "");
+    list->SelectKey(noted);
+    form->SetSearch("plain");
+    EXPECT_EQ(note.toPlainText(), "") << "its task is not listed any more";
+    EXPECT_FALSE(note.isVisible());
+}
+
+TEST_F(FormTodo, RedIsTheDateAloneAndPaleWhatIsNormal) {
+    Add("late", [&](Task& t) { t.hasDueDate = true, t.dueDate = Day{today.serial - 2}; });
+    Add("urgent", [&](Task& t) { t.priority = Priority::High; });
+    Open();
+    const auto mark = [&](int row, int column) {
+        return model->index(row, column).data(kit::RecordRole::Marks).toInt();
+    };
+    EXPECT_EQ(Shown(), (QStringList{"late", "urgent"}));
+    EXPECT_EQ(mark(0, SubItem::Task), 0);
+    EXPECT_EQ(mark(0, SubItem::DueDate), kit::RowMark::Overdue);
+    EXPECT_EQ(mark(0, SubItem::Priority), kit::RowMark::Faint);
+    EXPECT_EQ(mark(1, SubItem::Priority), 0);
+    EXPECT_EQ(mark(1, SubItem::DueDate), 0);
+}
+
 TEST_F(FormTodo, DeletesGoBeyondWhatTheFilterShows) {
     Add("open");
     Add("done here", [](Task& t) { t.completed = true; });

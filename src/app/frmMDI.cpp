@@ -27,6 +27,8 @@ namespace {
 
 constexpr int kSearchDelay = 150;  ///< ms after the last key, so that a word is one search
 
+constexpr int kNarrow = 900;  ///< the list and its pad need what the names of the sections take
+
 constexpr int kSearchLeast = 220;
 constexpr int kSearchMost = 420;
 
@@ -246,6 +248,7 @@ void frmMDI::FitToolbar() {
 
 void frmMDI::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
+    column_->SetNarrow(width() < kNarrow);
     FitToolbar();
 }
 

@@ -7,6 +7,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "kit/icons.h"
 #include "kit/theme.h"
@@ -35,6 +36,7 @@ SectionButton::SectionButton(std::uint8_t code, const QString& name, QWidget* pa
     setIcon(kit::SectionIcon(code));
     setFocusPolicy(Qt::StrongFocus);
     setCheckable(true);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     setAttribute(Qt::WA_Hover);
 }
 
@@ -187,6 +189,13 @@ void SectionColumn::SetFolded(bool folded) {
     fold_->setAccessibleName(fold_->toolTip());
     UpdateWidth();
     emit FoldChanged(folded);
+}
+
+void SectionColumn::SetNarrow(bool narrow) {
+    if (narrow == narrow_) return;
+    narrow_ = narrow;
+    const bool before = std::exchange(otherwise_, folded_);
+    SetFolded(before);
 }
 
 void SectionColumn::UpdateWidth() {

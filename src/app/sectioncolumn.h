@@ -22,7 +22,10 @@ class SectionButton final : public QAbstractButton {
     void SetFolded(bool folded);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return {kIcon + 2 * kEdge, sizeHint().height()}; }
+    /// On a low screen the rows move together.
+    QSize minimumSizeHint() const override {
+        return {kIcon + 2 * kEdge, qMax(kIcon, fontMetrics().height()) + 4};
+    }
 
     static constexpr int kIcon = 24;
     static constexpr int kEdge = 8;
@@ -54,8 +57,13 @@ class SectionColumn final : public QWidget {
     void SetLocked(const std::function<bool(std::uint8_t)>& locked);
     /// No section can be chosen, as when no database is open.
     void SetOpenable(bool openable);
+    /// What the person wants, for a wide window or a narrow one, whichever it is now.
     void SetFolded(bool folded);
     bool Folded() const { return folded_; }
+    /// Folded in a wide window.
+    bool FoldedWhenWide() const { return narrow_ ? otherwise_ : folded_; }
+    /// In a narrow window the column is folded until the person unfolds it, and comes back in a wide one.
+    void SetNarrow(bool narrow);
 
   signals:
     /// A button was pressed by the person. It shows as pressed only after SetCurrent.
@@ -77,6 +85,8 @@ class SectionColumn final : public QWidget {
     std::uint8_t current_ = 0;
     bool openable_ = false;
     bool folded_ = false;
+    bool narrow_ = false;
+    bool otherwise_ = true;  ///< folded when the window is not as it is now: narrow or wide
 };
 
 /// The section's name as the column and the menus show it.

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScrollArea>
+#include <QSplitter>
 #include <QToolButton>
 #include <algorithm>
 #include <utility>
@@ -19,6 +20,7 @@
 #include "kit/namedlistmodel.h"
 #include "kit/pad.h"
 #include "kit/recordlistview.h"
+#include "kit/remembered.h"
 #include "kit/words.h"
 
 namespace bmr::confidential {
@@ -49,8 +51,15 @@ frmClassified::frmClassified(store::Session& session, std::function<void(const Q
     columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(0);
     columns->addWidget(BuildKinds());
-    columns->addWidget(BuildList(), 35);
-    columns->addWidget(BuildPad(), 65);
+    auto* splitter = new QSplitter;
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(BuildList());
+    splitter->addWidget(BuildPad());
+    splitter->setStretchFactor(0, 35);
+    splitter->setStretchFactor(1, 65);
+    splitter->setSizes({350, 650});
+    kit::RememberSplitter(*splitter, session_.ports.registry, "confidential");
+    columns->addWidget(splitter, 1);
     HidePad();
     addRecord_->setEnabled(false);
     setFocusProxy(cat[1]);

@@ -146,10 +146,12 @@ QWidget* frmClassified::BuildList() {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(Space::Row);
     for (QPushButton* button : pane_->MakeButtons()) {
-        button->setIcon({});  // the toolbar has them; here every pixel counts in a small window
+        // The toolbar has them; here every pixel counts in a small window.
+        button->setIcon({});
+        button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+        button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + 2 * Space::Row);
         buttons->addWidget(button);
     }
-    buttons->addStretch();
     auto* panel = new QWidget;
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);

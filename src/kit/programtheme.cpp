@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QPainter>
 #include <QProxyStyle>
+#include <QScreen>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QWidget>
 
 #include "kit/icons.h"
 #include "kit/theme.h"
@@ -191,7 +193,25 @@ class BmrStyle final : public QProxyStyle {
 
 Theme::Theme(QApplication& app) : app_(app), desktop_(QApplication::palette()) {
     QApplication::setStyle(new BmrStyle);
+    app_.installEventFilter(this);
     Choose(ThemeChoice::System);
+}
+
+bool Theme::eventFilter(QObject* watched, QEvent* event) {
+    auto* window =
+        event->type() == QEvent::Show && watched->isWidgetType() ? static_cast<QWidget*>(watched) : nullptr;
+    const bool bounded = window && (window->windowType() == Qt::Window || window->windowType() == Qt::Dialog);
+    if (bounded && !(window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))) {
+        // The frame is known only later: leave what a usual one takes.
+        const QRect room = window->screen()->availableGeometry().adjusted(4, 28, -4, -4);
+        window->resize(window->size().boundedTo(room.size()));
+        if (window->testAttribute(Qt::WA_Moved)) {
+            const QRect wanted(window->pos(), window->size());
+            window->move(qBound(room.left() - 4, wanted.left(), room.right() - wanted.width() + 1),
+                         qBound(room.top() - 28, wanted.top(), room.bottom() - wanted.height() + 1));
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void Theme::Choose(ThemeChoice choice) {

@@ -11,8 +11,8 @@ namespace bmr::kit {
 /// How the windows are coloured. System follows the lightness of the desktop's own window colour.
 enum class ThemeChoice : std::uint8_t { System, Light, Dark, HighContrast };
 
-/// Style and palette of the whole program. One object, made right after the application and before any
-/// window.
+/// Style and palette of the whole program, and a rule for its windows: none is larger than the screen or
+/// comes up beyond its edge. One object, made right after the application and before any window.
 class Theme final : public QObject {
     Q_OBJECT
 
@@ -25,6 +25,9 @@ class Theme final : public QObject {
 
     /// "system", "light", "dark", "contrast"; anything else is System.
     static ThemeChoice FromName(const QString& name);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     QApplication& app_;

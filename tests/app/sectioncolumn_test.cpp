@@ -84,6 +84,26 @@ TEST_F(Column, FoldsToItsIconsAndBack) {
     EXPECT_GE(Button(11).height(), metrics.height());
 }
 
+TEST_F(Column, FoldsByItselfWhereItIsNarrowAndRemembersBothChoices) {
+    std::vector<bool> told;
+    QObject::connect(&column_, &SectionColumn::FoldChanged, [&](bool folded) { told.push_back(folded); });
+    column_.SetNarrow(true);
+    EXPECT_TRUE(column_.Folded());
+    EXPECT_FALSE(column_.FoldedWhenWide());
+    column_.SetFolded(false);  // the person wants the names all the same
+    column_.SetNarrow(true);
+    EXPECT_FALSE(column_.Folded());
+    column_.SetNarrow(false);
+    EXPECT_FALSE(column_.Folded());
+    column_.SetFolded(true);
+    column_.SetNarrow(true);
+    EXPECT_FALSE(column_.Folded());
+    EXPECT_TRUE(column_.FoldedWhenWide());
+    column_.SetNarrow(false);
+    EXPECT_TRUE(column_.Folded());
+    EXPECT_EQ(told, (std::vector<bool>{true, false, false, true, false, true}));
+}
+
 TEST_F(Column, LocksOnlySectionsThatCanBeOpened) {
     column_.SetLocked([](std::uint8_t code) { return code == 13 || code == 14; });
     EXPECT_TRUE(Button(13).Locked());

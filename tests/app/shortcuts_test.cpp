@@ -206,6 +206,10 @@ void Judge(QWidget& window, const std::vector<std::string>& headings = {}) {
     SCOPED_TRACE(name);
     ExpectOneAskerAKey(window);
     ExpectOwnLetters(window);
+    // What a screen of 1600 x 1000 has at twice the size, without the window's frame.
+    const QSize least = window.minimumSizeHint().expandedTo(window.minimumSize());
+    EXPECT_LE(least.width(), 792);
+    EXPECT_LE(least.height(), 464);
     auto page = KeysOfPage();
     Keys told;
     for (const std::string& heading : headings) {

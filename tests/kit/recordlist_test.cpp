@@ -1,5 +1,7 @@
+#include <QDialog>
 #include <QHeaderView>
 #include <QMenu>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <algorithm>
@@ -244,6 +246,23 @@ TEST_F(RecordList, TheSortArrowStandsBehindTheWords) {
     list.header()->setSortIndicator(1, Qt::DescendingOrder);
     EXPECT_EQ(header(22), words) << "nothing of the words is covered or left out";
     EXPECT_NE(header(0), whole) << "the arrow is there";
+}
+
+TEST(Screens, NoWindowIsLargerOrBeyondTheEdge) {
+    const Themed themed;
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    QWidget large;
+    large.resize(screen.size() * 2);
+    QDialog aside;
+    aside.resize(300, 200);
+    aside.move(screen.bottomRight());
+    QWidget inside(&large);
+    inside.resize(5000, 5000);
+    large.show();
+    aside.show();
+    EXPECT_TRUE(screen.contains(QRect(screen.topLeft(), large.size())));
+    EXPECT_TRUE(screen.contains(aside.geometry()));
+    EXPECT_EQ(inside.width(), 5000) << "only windows";
 }
 
 TEST(MenuLooks, TheEntryUnderThePointerKeepsItsInks) {

@@ -9,6 +9,7 @@
 #include "app/registry.h"
 #include "app/start.h"
 #include "app/watch.h"
+#include "app/windowmemory.h"
 #include "crypto/systemrandom.h"
 #include "forms.h"
 #include "kit/clipboardguard.h"
@@ -39,7 +40,6 @@ void TellFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
 
 int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::Theme theme(application);
-    theme.Choose(kit::Theme::FromName(arguments.theme));
     kit::QtPrompter prompter;
     const app::Folders folders = app::SystemFolders();
     app::SingleInstance instance(folders.runtime);
@@ -51,6 +51,8 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     SystemClock clock;
     cry::SystemRandom random;
     app::QtRegistry registry;
+    const QString looks = arguments.theme.isEmpty() ? app::RememberedTheme(registry) : arguments.theme;
+    theme.Choose(kit::Theme::FromName(looks));
     kit::QtDesktop desktop;
     store::Session session({prompter, clock, random, registry, &desktop});
     const auto keyboard = kit::MakeKeyPort();

@@ -17,6 +17,7 @@
 #include "app/frmSplash.h"
 #include "app/helpwindow.h"
 #include "app/sectioncolumn.h"
+#include "app/windowmemory.h"
 #include "kit/icons.h"
 #include "kit/theme.h"
 #include "shell/timeout.h"
@@ -70,13 +71,29 @@ frmMDI::frmMDI(Parts parts)
         column_->SetAvailable(code, true);
     qApp->installEventFilter(this);  // locking works from every dialog
 
-    resize(QSize(1180, 760).boundedTo(screen()->availableSize() * 0.96));  // a scaled screen has less room
+    RecallWindow();
     ShowWithoutDatabase();
 }
 
 frmMDI::~frmMDI() {
     // The form looks at the session and the status bar while it goes, so it goes first.
     delete form_;
+}
+
+void frmMDI::RecallWindow() {
+    const Registry& registry = session_.ports.registry;
+    resize(QSize(1180, 760).boundedTo(screen()->availableSize() * 0.96));  // a scaled screen has less room
+    RecallPlace(registry, *this);
+    menus_.mnuViewFullScreen->setChecked(isFullScreen());
+    column_->SetFolded(RecallSwitch(registry, "Folded", false));
+    menus_.mnuViewToolbarText->setChecked(RecallSwitch(registry, "ToolbarText", true));
+}
+
+void frmMDI::RememberWindow() {
+    Registry& registry = session_.ports.registry;
+    RememberPlace(registry, *this);
+    RememberSwitch(registry, "Folded", column_->FoldedWhenWide());
+    RememberSwitch(registry, "ToolbarText", menus_.mnuViewToolbarText->isChecked());
 }
 
 void frmMDI::BuildToolbar() {
@@ -196,7 +213,9 @@ void frmMDI::ConnectView() {
     connect(menus_.mnuViewFullScreen, &QAction::toggled, this,
             [this](bool on) { setWindowState(windowState().setFlag(Qt::WindowFullScreen, on)); });
     connect(menus_.mnuViewTheme, &QActionGroup::triggered, this, [this](QAction* entry) {
-        if (parts_.theme) parts_.theme->Choose(static_cast<kit::ThemeChoice>(entry->data().toInt()));
+        const auto choice = static_cast<kit::ThemeChoice>(entry->data().toInt());
+        if (parts_.theme) parts_.theme->Choose(choice);
+        RememberTheme(session_.ports.registry, kit::Theme::NameOf(choice));
     });
     const auto choice = parts_.theme ? parts_.theme->Choice() : kit::ThemeChoice::System;
     menus_.mnuViewTheme->actions().at(static_cast<int>(choice))->setChecked(true);

@@ -100,6 +100,9 @@ class frmMDI final : public QMainWindow {
     void ConnectMenus();
     void ConnectView();
     void EnableCommands();
+    /// The window as it was left, or as it is at first.
+    void RecallWindow();
+    void RememberWindow();
 
     void mnuFileNew_Click();
     void mnuFileOpen_Click();

@@ -387,7 +387,10 @@ void frmMDI::mnuHelpContents_Click() {
 void frmMDI::QuitProgram() {
     CollectDrafts();
     session_.ending = true;
-    if (!std::exchange(quitting_, true)) emit Quitting();
+    if (!std::exchange(quitting_, true)) {
+        RememberWindow();
+        emit Quitting();
+    }
     if (flows_ == 0) CloseAll();
     emit Ended();
 }

@@ -48,7 +48,7 @@ QString HelpText() {
            "A personal information manager whose data lives in one encrypted file.\n"
            "\n"
            "FILE                 open this database (.bmr); without it the last one opened\n"
-           "--theme NAME         system, light, dark or contrast\n"
+           "--theme NAME         system, light, dark or contrast, for this time\n"
            "-h, --help           show this text and end\n"
            "-v, --version        show the version and end\n"
            "\n"

@@ -20,7 +20,7 @@ Folders SystemFolders();
 struct Arguments {
     bool help = false;
     bool version = false;
-    QString theme = "system";  ///< light, dark, contrast or system
+    QString theme;  ///< light, dark, contrast or system; empty: as the window was left
     std::optional<std::filesystem::path> file;
     QString error;  ///< one line that says what is wrong; empty when all is well
 };

@@ -146,7 +146,7 @@ class BmrStyle final : public QProxyStyle {
 
     // The same goes for the marks in the rows of a dark list.
     static void DrawMark(const QStyleOption& option, QPainter& painter, bool round) {
-        const QPalette& palette = option.palette;
+        const QPalette palette = QApplication::palette();  // that of a menu's entry is tinted
         const bool enabled = option.state & State_Enabled;
         const bool on = option.state & State_On;
         const bool filled = on || (option.state & State_NoChange);
@@ -161,9 +161,7 @@ class BmrStyle final : public QProxyStyle {
         painter.save();
         painter.setRenderHint(QPainter::Antialiasing);
         const bool hot = !filled && (option.state & (State_MouseOver | State_HasFocus));
-        QPen outline(hot || filled ? accent : line, hot ? 1.6 : 1.2);
-        if (option.state & State_Selected) outline.setColor(palette.color(group, QPalette::HighlightedText));
-        painter.setPen(outline);
+        painter.setPen(QPen(hot || filled ? accent : line, hot ? 1.6 : 1.2));
         painter.setBrush(filled ? accent : base);
         const double radius = round ? box.width() / 2 : 3;
         painter.drawRoundedRect(box, radius, radius);
@@ -233,10 +231,14 @@ void Theme::Choose(ThemeChoice choice) {
 }
 
 ThemeChoice Theme::FromName(const QString& name) {
-    if (name == "light") return ThemeChoice::Light;
-    if (name == "dark") return ThemeChoice::Dark;
-    if (name == "contrast") return ThemeChoice::HighContrast;
+    for (const auto choice : {ThemeChoice::Light, ThemeChoice::Dark, ThemeChoice::HighContrast})
+        if (name == NameOf(choice)) return choice;
     return ThemeChoice::System;
+}
+
+QString Theme::NameOf(ThemeChoice choice) {
+    static constexpr const char* kNames[] = {"system", "light", "dark", "contrast"};
+    return kNames[static_cast<std::size_t>(choice)];
 }
 
 }  // namespace bmr::kit

@@ -25,6 +25,7 @@ class Theme final : public QObject {
 
     /// "system", "light", "dark", "contrast"; anything else is System.
     static ThemeChoice FromName(const QString& name);
+    static QString NameOf(ThemeChoice choice);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

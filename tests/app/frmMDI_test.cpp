@@ -11,6 +11,7 @@
 #include <QToolBar>
 
 #include "app/sectioncolumn.h"
+#include "app/windowmemory.h"
 #include "shell/navigator.h"
 #include "support/forms.h"
 #include "support/sitting.h"
@@ -74,8 +75,12 @@ class MainWindow : public testing::Test {
                 return new FakeSection(code, journal, parent);
             };
         sitting.Close();
+        sections = std::move(table);
+        Build();
+    }
+    void Build() {
         frame = std::make_unique<frmMDI>(
-            frmMDI::Parts{sitting.session, std::move(table), {sitting.folder.Path() / "documents"}});
+            frmMDI::Parts{sitting.session, sections, {sitting.folder.Path() / "documents"}});
         QObject::connect(frame.get(), &frmMDI::Ended, [this] { ++ended; });
     }
     ~MainWindow() override { sitting.session.ending = true; }
@@ -97,6 +102,7 @@ class MainWindow : public testing::Test {
 
     Journal journal;
     test::Sitting sitting;
+    SectionTable sections;
     std::unique_ptr<frmMDI> frame;
     int ended = 0;
 };
@@ -279,6 +285,40 @@ TEST_F(MainWindow, TheSearchFieldKeepsItsPlaceAndAnEndedSearchEmptiesIt) {
     Lines();
     QTest::qWait(300);
     EXPECT_EQ(Lines(), Strings{}) << "the list shows all already";
+}
+
+TEST_F(MainWindow, ComesUpAsItWasLeft) {
+    const QSize first = frame->size();
+    frame->show();
+    frame->resize(641, 480);
+    frame->move(30, 40);
+    Start();
+    Action("mnuViewToolbarText").setChecked(false);
+    Action("mnuViewThemeDark").trigger();
+    frame->QuitProgram();
+    auto& kept = sitting.registry.values;
+    EXPECT_EQ(kept["Window/Folded"], "0") << "it is the narrow window that folds";
+    EXPECT_EQ(RememberedTheme(sitting.registry), "dark");
+
+    sitting.session.ending = false;
+    Build();
+    EXPECT_EQ(frame->size(), QSize(641, 480));
+    EXPECT_FALSE(Action("mnuViewToolbarText").isChecked());
+    frame->resize(1000, 480);
+    frame->show();
+    EXPECT_FALSE(Action("mnuViewFold").isChecked());
+    Action("mnuViewFold").setChecked(true);
+    frame->QuitProgram();
+    sitting.session.ending = false;
+    Build();
+    EXPECT_TRUE(Action("mnuViewFold").isChecked());
+
+    for (const char* name : {"Window/Place", "Window/Folded", "Window/ToolbarText"})
+        kept[name] = "AdnQywADnonsense";
+    Build();
+    EXPECT_EQ(frame->size(), first) << "what is no place counts as absent";
+    EXPECT_FALSE(Action("mnuViewFold").isChecked());
+    EXPECT_TRUE(Action("mnuViewToolbarText").isChecked());
 }
 
 TEST_F(MainWindow, HelpOpensAtThePageOfTheSection) {

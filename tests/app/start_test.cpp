@@ -48,6 +48,7 @@ TEST(ParseArguments, UnderstandsItsOptionsAndRefusesOthers) {
     EXPECT_EQ(all.theme, "dark");
     EXPECT_EQ(all.file, std::filesystem::path("/tmp/a b.bmr"));
     EXPECT_EQ(ParseArguments({"--theme=light"}).theme, "light");
+    EXPECT_EQ(ParseArguments({}).theme, "") << "as the window was left";
     EXPECT_TRUE(ParseArguments({"x.bmr"}).file->is_absolute()) << "the folder of the start may be left later";
     EXPECT_EQ(ParseArguments({"--", "--odd.bmr"}).file->filename(), "--odd.bmr");
     EXPECT_TRUE(ParseArguments({"--help"}).help);

@@ -10,6 +10,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSplitter>
 
 #include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
@@ -122,6 +123,30 @@ TEST_F(Notepad, RowsTellTheDayAndALockAndThePadWhatToDo) {
     list().SelectKey(kit::RecordListView::kNoKey);
     EXPECT_TRUE(hint.isVisible());
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+}
+
+TEST_F(Notepad, TheLineBetweenListAndPadIsFoundAgain) {
+    const auto widths = [this] { return form->findChild<QSplitter*>()->sizes(); };
+    const QList<int> before = widths();
+    auto* handle = form->findChild<QSplitter*>()->handle(1);
+    QTest::mousePress(handle, Qt::LeftButton);
+    QTest::mouseMove(handle, QPoint(90, 10));
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, QPoint(90, 10));
+    const QList<int> dragged = widths();
+    ASSERT_GT(dragged[0], before[0] + 50);
+    const auto again = [this] {
+        form.reset();  // a drag is written half a second after it rests, or now
+        form = std::make_unique<frmNotepad>(store.session);
+        form->resize(900, 600);
+        form->show();
+    };
+    again();
+    EXPECT_NEAR(widths()[0], dragged[0], 2);
+    for (const char* wrong : {"5", "1,2,3", "-5,90", "x,y", "99999,1"}) {
+        store.registry.values["Window/Splitter/memos"] = wrong;
+        again();
+        EXPECT_EQ(widths(), before) << wrong;
+    }
 }
 
 TEST_F(Notepad, CancellingTheInputBoxAddsNothing) {

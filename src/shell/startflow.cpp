@@ -36,6 +36,19 @@ StartOutcome MakeDefaultFile(store::Session& session, const Environment& environ
     return OutcomeOf(custody::NewDatabase(session));
 }
 
+/// Msg(160) with the real path below it. Esc is the third button: who has not answered has not asked for a
+/// file.
+Box FirstRunQuestion(const Environment& environment) {
+    Box box = MessageBox(160, BoxIcon::Question);
+    fs::path file = DefaultFile(environment);
+    const std::u8string path = file.make_preferred().u8string();
+    box.text += "\r\n\r\n" + std::string(path.begin(), path.end());
+    box.buttons = Buttons::YesNoCancel;
+    box.standard = Answer::No;
+    box.words[2] = "More ways";
+    return box;
+}
+
 }  // namespace
 
 fs::path DefaultFolder(const Environment& environment) {
@@ -54,10 +67,7 @@ StartOutcome Start(store::Session& session, const Environment& environment) {
 
     std::error_code ignored;  // a folder that cannot be looked at is none of ours
     if (recent.empty() && !fs::exists(DefaultFolder(environment), ignored)) {
-        Box box = MessageBox(160, BoxIcon::Question);
-        box.buttons = Buttons::YesNo;
-        box.standard = Answer::No;
-        const Answer answer = session.ports.prompter.Ask(box);
+        const Answer answer = session.ports.prompter.Ask(FirstRunQuestion(environment));
         if (session.ending) return StartOutcome::Quit;  // the end of the program is no consent
         return answer == Answer::No ? MakeDefaultFile(session, environment) : StartOutcome::ShowMenuDB;
     }

@@ -1,5 +1,6 @@
 #include "shell/startflow.h"
 
+#include "base/languageus.h"
 #include "support/sitting.h"
 
 namespace bmr::shell {
@@ -20,12 +21,20 @@ TEST_F(StartTest, FirstRunMakesTheDefaultFileWithoutADialog) {
     const auto file = sitting.folder.Path() / "documents/Brindlemere/PersonalData.bmr";
     EXPECT_TRUE(std::filesystem::exists(file));
     EXPECT_EQ(sitting.registry.values["MostRecentFiles/1"], file.string());
-    EXPECT_EQ(sitting.prompter.shown[0].buttons, Buttons::YesNo);
+    EXPECT_EQ(sitting.prompter.shown[0].text, Msg(160) + "\r\n\r\n" + file.string()) << "the real path";
+    EXPECT_EQ(sitting.prompter.shown[0].standard, Answer::No);
     sitting.Close();
 
     sitting.prompter.Type(kPassphrase);  // the next start finds it
     EXPECT_EQ(StartNow(), StartOutcome::Open);
     sitting.Close();
+}
+
+TEST_F(StartTest, EscapeAtTheFirstQuestionMakesNoFile) {
+    sitting.prompter.Expect(160, Answer::Cancel);
+    EXPECT_EQ(StartNow(), StartOutcome::ShowMenuDB);
+    EXPECT_EQ(sitting.prompter.shown[0].buttons, Buttons::YesNoCancel) << "Esc needs an answer of its own";
+    EXPECT_FALSE(std::filesystem::exists(DefaultFolder(environment)));
 }
 
 TEST_F(StartTest, OtherPlaceOrCancelledPromptLeadsToTheMenu) {

@@ -18,7 +18,9 @@ constexpr int kTooShort = -MessageNumber::PassphraseTooShort;
 }  // namespace
 
 Sitting::Sitting(int passphraseFd)
-    : input_(passphraseFd), prompter_(input_), session_({prompter_, clock_, random_, registry_}) {}
+    : input_(passphraseFd), prompter_(input_), session_({prompter_, clock_, random_, registry_}) {
+    session_.undo.recording = false;
+}
 
 Sitting::~Sitting() {
     session_.ProgramDb.reset();

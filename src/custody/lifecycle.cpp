@@ -48,7 +48,7 @@ void ForgetDatabase(Session& session) {
     session.PinPassed = 0;
     session.CalendarDirty = false;
     session.bucketOrder.Clear();
-    session.undo = UndoLog();
+    session.undo.Reset();
 }
 
 void Warn(Session& session, const std::string& text) {

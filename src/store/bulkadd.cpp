@@ -72,7 +72,7 @@ int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records
             row.SetField("fR2", BucketKey(records.text(i), random));
         }
         FillColumns(row, kNoise, random);
-        const RowMark after = MarkOf(row, section);
+        const auto after = step.Mark(row);
         if (const int error = row.Update(); error != 0) return error;
         keys[i] = NumberOf(row.Field("fPK"));
         step.Record(keys[i], nullptr, after);

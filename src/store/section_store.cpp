@@ -43,11 +43,11 @@ StoreOutcome StoreRow(Session& session, std::uint8_t section, std::int32_t key,
         return fail(MessageNumber::UpdateImpossible);
     else
         row.Edit();
-    auto before = outcome.added || step.TooLarge() ? nullptr : ImageOf(row);
+    auto before = outcome.added || !step.WantsRows() ? nullptr : ImageOf(row);
     if (const int error = fill(row, outcome.added)) return fail(error);
     row.SetField("fSec", std::int32_t{section});
     MarkChange(row, outcome.added);
-    const RowMark after = MarkOf(row, section);
+    const auto after = step.Mark(row);
     const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
     if (const int error = row.Update(1, 0)) return fail(error);
     outcome.fPK = NumberOf(row.Field("fPK"));
@@ -102,7 +102,7 @@ int DeleteRows(Session& session, std::uint8_t section, const std::string& clause
     {
         auto rows = session.ProgramDb->OpenRecordset("SELECT *" + which);
         if (!rows) return rows.error().number;
-        for (; !(*rows)->Eof() && !step.TooLarge(); (*rows)->MoveNext()) {
+        for (; !(*rows)->Eof() && step.WantsRows(); (*rows)->MoveNext()) {
             auto before = ImageOf(**rows);
             const std::int32_t key = before->fPK;
             step.Record(key, std::move(before), {});
@@ -155,7 +155,7 @@ int StoreSinglePayload(Session& session, std::uint8_t fSec, std::uint8_t fSub, s
     if (const int error = SetPayload(session, row, payload)) return error;
     MarkChange(row, added);
     FillColumns(row, kAllColumns, session.ports.random);
-    const RowMark after = MarkOf(row, fSub);
+    const auto after = step.Mark(row);
     if (const int error = row.Update(1, 0)) return error;
     if (ofCategories) step.Record(NumberOf(row.Field("fPK")), std::move(before), after);
     if (const int error = transaction.Commit()) return error;

@@ -9,6 +9,7 @@ SeveralOutcome ChangeSeveral(Session& session, std::uint8_t section, Keys keys, 
     UndoStep step(session, section, std::move(words));
     engine::Transaction all(*session.ProgramDb);
     if (all.error() != 0) return {.error = all.error()};
+    session.bucketOrder.Clear();  // to look for each of many rows in it costs more than to read it again
     SeveralOutcome outcome;
     for (const std::int32_t key : keys) {
         const auto came = change(key);

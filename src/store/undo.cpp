@@ -131,7 +131,7 @@ class Reversal {
     std::uint8_t section_;
 };
 
-std::vector<UndoRecord>* StackOf(UndoLog& log, std::uint8_t section, UndoWay way) {
+std::deque<UndoRecord>* StackOf(UndoLog& log, std::uint8_t section, UndoWay way) {
     const auto found = log.sections.find(section);
     if (found == log.sections.end()) return nullptr;
     auto* stack = way == UndoWay::Undo ? &found->second.done : &found->second.undone;
@@ -160,12 +160,11 @@ UndoOutcome TakeStep(Session& session, std::uint8_t section, UndoWay way) {
         return {.error = error};
     }
     session.CalendarDirty = true;
+    session.undo.size -= stack->back().size;
     stack->pop_back();
     if (reversal.outcome.written > 0 && reversal.inverse.size <= UndoLog::kMostBytes) {
         UndoStacks& stacks = session.undo.sections[section];
-        reversal.inverse.number = ++session.undo.lastNumber;
-        (way == UndoWay::Undo ? stacks.undone : stacks.done).push_back(std::move(reversal.inverse));
-        session.undo.Trim();
+        session.undo.Push(way == UndoWay::Undo ? stacks.undone : stacks.done, std::move(reversal.inverse));
     }
     return std::move(reversal.outcome);
 }

@@ -22,7 +22,7 @@ struct UndoOutcome {
     int error = 0;                   ///< the engine's number; then nothing was written, and the step stays
     std::size_t written = 0;         ///< rows that are as they were
     std::size_t left = 0;            ///< rows that were changed meanwhile and stay as they are
-    std::vector<std::int32_t> keys;  ///< of the rows that stand again or have changed
+    std::vector<std::int32_t> keys = {};  ///< of the rows that stand again or have changed
 };
 
 /// Takes the section's last step back, or does the one that was taken back again, in one transaction: rows

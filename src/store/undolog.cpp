@@ -2,6 +2,12 @@
 
 namespace bmr::store {
 
+void UndoLog::Reset() {
+    const bool kept = recording;
+    *this = UndoLog();
+    recording = kept;
+}
+
 std::uint64_t UndoLog::StateOf(const PlaceKey& stretch) const {
     const auto found = places.find(stretch);
     return found == places.end() ? 0 : found->second;
@@ -20,28 +26,30 @@ void UndoLog::Close() {
         if (spread.contains(stretch)) change.after = kNever;
     }
     UndoStacks& stacks = sections[step.section];
-    stacks.undone.clear();
-    if (step.tooLarge) stacks.done.clear();
-    step.number = ++lastNumber;
-    stacks.done.push_back(std::move(step));
-    Trim();
+    Clear(stacks.undone);
+    if (step.tooLarge) Clear(stacks.done);
+    Push(stacks.done, std::move(step));
 }
 
-void UndoLog::Trim() {
-    std::size_t size = 0;
-    for (const auto& [section, stacks] : sections)
-        for (const auto* stack : {&stacks.done, &stacks.undone})
-            for (const UndoRecord& step : *stack)
-                size += step.size;
+void UndoLog::Push(std::deque<UndoRecord>& stack, UndoRecord step) {
+    step.number = ++lastNumber;
+    size += step.size;
+    stack.push_back(std::move(step));
     while (size > kMostBytes) {
-        std::vector<UndoRecord>* oldest = nullptr;
+        std::deque<UndoRecord>* oldest = nullptr;
         for (auto& [section, stacks] : sections)
-            for (auto* stack : {&stacks.done, &stacks.undone})
-                if (!stack->empty() && (!oldest || stack->front().number < oldest->front().number))
-                    oldest = stack;
+            for (auto* each : {&stacks.done, &stacks.undone})
+                if (!each->empty() && (!oldest || each->front().number < oldest->front().number))
+                    oldest = each;
         size -= oldest->front().size;
-        oldest->erase(oldest->begin());
+        oldest->pop_front();
     }
+}
+
+void UndoLog::Clear(std::deque<UndoRecord>& stack) {
+    for (const UndoRecord& step : stack)
+        size -= step.size;
+    stack.clear();
 }
 
 std::size_t SizeOf(const UndoEntry& entry) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -71,8 +72,8 @@ struct UndoRecord {
 
 /// The steps of one section.
 struct UndoStacks {
-    std::vector<UndoRecord> done;
-    std::vector<UndoRecord> undone;
+    std::deque<UndoRecord> done;
+    std::deque<UndoRecord> undone;
 };
 
 /// All steps since the file was opened.
@@ -82,7 +83,9 @@ struct UndoLog {
     /// The state of a stretch that it is never in.
     static constexpr std::uint64_t kNever = ~std::uint64_t{0};
 
+    bool recording = true;  ///< false where nobody can take anything back, as on the command line
     std::map<std::uint8_t, UndoStacks> sections;
+    std::size_t size = 0;  ///< of all steps
     std::uint64_t lastNumber = 0;
 
     /// Equal states of a stretch mean that it holds the same rows at the same places. 0 at the opening.
@@ -92,6 +95,8 @@ struct UndoLog {
     std::optional<UndoRecord> open;  ///< the step that is being recorded
     std::set<PlaceKey> spread;       ///< stretches in which it has moved rows that are not its own
 
+    /// Ends all steps, as when the file is closed.
+    void Reset();
     std::uint64_t StateOf(const PlaceKey& stretch) const;
     std::uint64_t NewState(const PlaceKey& stretch) { return places[stretch] = ++lastState; }
     /// Rows that the open step does not concern were moved to make room: older places in the stretch no
@@ -100,8 +105,9 @@ struct UndoLog {
     /// The open step becomes the last of its section, which can then not go forward any more. One that is too
     /// large to be taken back ends what came before it: an older step over its head would be no way back.
     void Close();
-    /// The oldest steps go until the rest fits.
-    void Trim();
+    /// Puts a step on one of its section's stacks; the oldest go until all fit.
+    void Push(std::deque<UndoRecord>& stack, UndoRecord step);
+    void Clear(std::deque<UndoRecord>& stack);
 };
 
 /// Bytes of memory that an entry takes.

@@ -18,9 +18,15 @@ UndoStep::~UndoStep() {
     if (outer_ && !kept_) session_.undo.open.reset();
 }
 
+std::optional<RowMark> UndoStep::Mark(const engine::Recordset& row) const {
+    if (!session_.undo.recording) return std::nullopt;
+    return MarkOf(row, session_.undo.open->section);
+}
+
 void UndoStep::Record(std::int32_t fPK, std::unique_ptr<RowImage> before,
                       const std::optional<RowMark>& after) {
     UndoLog& log = session_.undo;
+    if (!log.recording) return;
     UndoRecord& step = *log.open;
     ++step.rows;
     if (!before) ++step.added;

@@ -22,11 +22,14 @@ class UndoStep {
     UndoStep(const UndoStep&) = delete;
     UndoStep& operator=(const UndoStep&) = delete;
 
+    /// What is to be recorded of the row in hand, in AddNew or Edit with all its columns set.
+    std::optional<RowMark> Mark(const engine::Recordset& row) const;
     /// One row was written. `before`: as it stood, null for one that was added; `after`: as it stands, none
     /// for one that is gone.
     void Record(std::int32_t fPK, std::unique_ptr<RowImage> before, const std::optional<RowMark>& after);
-    /// True once the step has outgrown the memory for all steps: no row need be read for it any more.
-    bool TooLarge() const { return session_.undo.open->tooLarge; }
+    /// False once the step has outgrown the memory for all steps, or where nothing is recorded: no row need
+    /// be read for it.
+    bool WantsRows() const { return session_.undo.recording && !session_.undo.open->tooLarge; }
     void Keep();
 
   private:

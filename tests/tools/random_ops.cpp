@@ -35,7 +35,9 @@ struct Options {
 
 class Player {
   public:
-    Player(store::Session& session, unsigned seed) : session_(session), random_(seed) {}
+    Player(store::Session& session, unsigned seed) : session_(session), random_(seed) {
+        session.undo.recording = true;
+    }
 
     void Play(int operations) {
         for (int done = 0; done < operations;) {

@@ -85,7 +85,7 @@ std::int64_t ReportDisorder(store::Session& session) {
 
 void RunInfo(const Options& options) {
     Sitting sitting(options.passphraseFd);
-    sitting.Open(options.file);
+    sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();
     Json info;
     info["file"] = options.file.string();
@@ -109,7 +109,7 @@ void RunInfo(const Options& options) {
 
 void RunCheck(const Options& options) {
     Sitting sitting(options.passphraseFd);
-    sitting.Open(options.file);
+    sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();
     std::int64_t faults = 0;
     std::int64_t records = 0;

@@ -67,7 +67,7 @@ void PrintRecord(const Json& json, bool plain) {
 void RunList(const Options& options) {
     const store::SectionFacts& section = SectionByName(options.section);
     Sitting sitting(options.passphraseFd);
-    sitting.Open(options.file);
+    sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();
     session.ShowPrivate = session.ShowPrivate || options.showPrivate;
     const store::ListRequest request = RequestOf(session, options, section);
@@ -92,7 +92,7 @@ void RunList(const Options& options) {
 
 void RunShow(const Options& options) {
     Sitting sitting(options.passphraseFd);
-    sitting.Open(options.file);
+    sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();
     CategoryNames names(session);
     bool shown = false;
@@ -111,7 +111,7 @@ void RunShow(const Options& options) {
 
 void RunDump(const Options& options) {
     Sitting sitting(options.passphraseFd);
-    sitting.Open(options.file);
+    sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();
     CategoryNames names(session);
     bool first = true;

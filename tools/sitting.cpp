@@ -15,6 +15,15 @@ namespace {
 constexpr int kWrongPassphrase = -MessageNumber::NoSuchUser;
 constexpr int kTooShort = -MessageNumber::PassphraseTooShort;
 
+/// Whether a save that did not end has left something beside the file.
+bool HasJournal(const std::filesystem::path& path) {
+    auto journal = engine::FollowLinks(path);
+    journal += "-journal";
+    std::error_code none;
+    const auto size = std::filesystem::file_size(journal, none);
+    return !none && size > 0;
+}
+
 }  // namespace
 
 Sitting::Sitting(int passphraseFd)
@@ -37,15 +46,19 @@ void Sitting::Create(const std::filesystem::path& path) {
     Check(custody::NewDatabase(session_));
 }
 
-void Sitting::Open(const std::filesystem::path& path) {
+void Sitting::Open(const std::filesystem::path& path, engine::Access access) {
     session_.DatabasePath = path;
-    const int unusable = custody::TestOpen(session_, path);
+    const bool journal = HasJournal(path);
+    const int unusable = custody::TestOpen(session_, path, access);
+    if (access == engine::Access::Read && journal && !HasJournal(path))
+        std::cerr << "bmr: note: a save that was broken off in " << Printable(path.string())
+                  << " has been taken back." << std::endl;
     if (unusable != 0) {
         const std::string told = prompter_.LastBox().text;
         throw Failure(path.string() + ": " + (told.empty() ? custody::ExplainOpenFailure(unusable) : told));
     }
     session_.DatabasePath = path;
-    const int error = custody::OpenDatabaseFile(session_);
+    const int error = custody::OpenDatabaseFile(session_, access);
     const int told = prompter_.LastBox().number;
     // Nothing shorter than 8 characters ever became a passphrase.
     if (error != 0 && (told == kWrongPassphrase || told == kTooShort))

@@ -32,8 +32,9 @@ class Sitting {
 
     /// Makes a new database, which must not exist yet.
     void Create(const std::filesystem::path& path);
-    /// Tests the file, asks for the passphrase once and opens.
-    void Open(const std::filesystem::path& path);
+    /// Tests the file, asks for the passphrase once and opens. For `Read` the file stays as it is; that a
+    /// journal was played back is told on standard error.
+    void Open(const std::filesystem::path& path, engine::Access access = engine::Access::Write);
     /// Writes the system record and the settings, and closes. What the command was for is done by then, so a
     /// failure is no failure of the command: it, and all other warnings so far, go to standard error.
     void Close();

@@ -17,8 +17,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "base/errors.h"
 #include "custody/keyrecords.h"
 #include "custody/passphrase.h"
+#include "custody/users.h"
 #include "kit/failure.h"
 #include "kit/guards.h"
 #include "kit/secretedit.h"
@@ -152,8 +154,15 @@ void frmOptions::Show(const shell::Preferences& shown) {
 
 void frmOptions::ShowPin() {
     const store::PinRecord& pin = session_.pin;
-    for (std::size_t i = 0; i < PinApp.size(); ++i)
+    for (std::size_t i = 0; i < PinApp.size(); ++i) {
         PinApp[i]->setChecked(((pin.PinApp >> i) & 1) != 0);
+        PinApp[i]->setEnabled(!pin.Unread);
+    }
+    for (QAbstractButton* option : PINeveryaccess->buttons())
+        option->setEnabled(!pin.Unread);
+    cmdPIN->setEnabled(!pin.Unread && PinFrame->isHidden());
+    lblPinUnread->setVisible(pin.Unread);
+    cmdMakePIN->setVisible(pin.Unread);
     Choose(*PINeveryaccess, pin.PINeveryaccess ? 1 : 0);
     txtPIN->SetContent(pin.Pin.Copy());
     txtPIN_Change();
@@ -189,6 +198,7 @@ shell::Preferences frmOptions::Chosen() const {
         const std::int32_t bit = 1 << i;
         chosen.PinApp = PinApp[i]->isChecked() ? chosen.PinApp | bit : chosen.PinApp & ~bit;
     }
+    chosen.PinUnread = session_.pin.Unread;
     chosen.PINeveryaccess = app::Chosen(*PINeveryaccess) == 1;
     chosen.BudgetPrimary = app::Chosen(*BudgetPrimary);
     for (std::size_t budget = 0; budget < BudgetShow.size(); ++budget)
@@ -258,6 +268,16 @@ void frmOptions::cmdPINhide_Click() {
     PinFrame->hide();
     cmdPIN->setEnabled(true);
     cmdPIN->setFocus(Qt::OtherFocusReason);
+}
+
+void frmOptions::cmdMakePIN_Click() {
+    const int error = custody::SetDefaultPin(session_);
+    if (session_.ending || !session_.DatabaseOpen) return;
+    fatal = error == custody::kQuitProgram;
+    if (fatal) return reject();
+    if (error == 0) return ShowPin();
+    if (error != MessageNumber::NoSuchUser)  // that one was told by the prompt
+        kit::TellFailure(session_, error, tr("The new PIN was not stored."));
 }
 
 void frmOptions::cmdPWchange_Click() {

@@ -82,6 +82,7 @@ class frmOptions final : public QDialog {
     void cmdPIN_Click();
     void cmdPINhide_Click();
     void txtPIN_Change();
+    void cmdMakePIN_Click();
     void cmdPWchange_Click();
     void chkShowPrivate_Click();
     void cmdOK_Click();
@@ -112,6 +113,8 @@ class frmOptions final : public QDialog {
     std::array<QCheckBox*, 9> PinApp{};
     QButtonGroup* PINeveryaccess = nullptr;
     QPushButton* cmdPIN = nullptr;
+    QLabel* lblPinUnread = nullptr;
+    QPushButton* cmdMakePIN = nullptr;
     QPushButton* cmdPWchange = nullptr;
     QLabel* lblPWchanged = nullptr;
     QFrame* PinFrame = nullptr;

@@ -105,6 +105,18 @@ void frmOptions::BuildPin(QVBoxLayout& page) {
     grid->setColumnStretch(3, 1);
     group->addLayout(grid);
 
+    lblPinUnread = MakeHint(tr(
+        "The record of the PIN cannot be read. It stays as it is, and every section asks for the passphrase, "
+        "until you make a new PIN."));
+    lblPinUnread->setObjectName("lblPinUnread");
+    cmdMakePIN = new QPushButton(tr("Make a ne&w PIN"));
+    cmdMakePIN->setObjectName("cmdMakePIN");
+    cmdMakePIN->setAutoDefault(false);
+    QHBoxLayout* unread = AddRow(*group);
+    unread->setSpacing(Space::Group);
+    unread->addWidget(lblPinUnread, 1);
+    unread->addWidget(cmdMakePIN);
+
     cmdPIN = new QPushButton(tr("Set P&IN"));
     cmdPIN->setObjectName("cmdPIN");
     cmdPIN->setAutoDefault(false);
@@ -117,6 +129,7 @@ void frmOptions::BuildPin(QVBoxLayout& page) {
     BuildPinFrame();
     group->addWidget(PinFrame);
     connect(cmdPIN, &QPushButton::clicked, this, &frmOptions::cmdPIN_Click);
+    connect(cmdMakePIN, &QPushButton::clicked, this, &frmOptions::cmdMakePIN_Click);
 }
 
 void frmOptions::BuildPinFrame() {

@@ -85,7 +85,7 @@ int RecoverKeystring(Session& session) {
     if (keystring.size() != kKeystringLength) return ShowFatal(session, "106");
     session.cipher.Keystring = keystring.Copy();
     // A database of a later version is refused untouched, so its row is not repaired either.
-    if (ReadDatabaseVersion(session) > kDatabaseVersion) return 0;
+    if (session.ProgramDb->ReadOnly() || ReadDatabaseVersion(session) > kDatabaseVersion) return 0;
     return WriteKeystringRow(session, keystring.view());
 }
 
@@ -175,7 +175,7 @@ PassphraseChange ChangePassphrase(Session& session) {
     if (error == 0) {
         // SetDefaultPin takes the default PIN into the session before the file has it for sure.
         PinRecord old{session.pin.PinKind, session.pin.Pin.Copy(), session.pin.PinApp,
-                      session.pin.PINeveryaccess};
+                      session.pin.PINeveryaccess, session.pin.Unread};
         error = RewriteUser(session);
         if (error != 0) session.pin = std::move(old);
         if (error > 0) TellOpenFailure(session, error);

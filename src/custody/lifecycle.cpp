@@ -66,8 +66,8 @@ int Abandon(Session& session, int error) {
 }
 
 /// Opens the session's one connection, which is held until the close.
-int OpenConnection(Session& session) {
-    auto db = engine::Database::Open(session.DatabasePath);
+int OpenConnection(Session& session, engine::Access access) {
+    auto db = engine::Database::Open(session.DatabasePath, access);
     if (!db) {
         Box box = MessageBox(83, BoxIcon::Critical);
         box.text += "102: " + ExplainOpenFailure(db.error().number);
@@ -97,16 +97,19 @@ int CheckSystemRecord(Session& session) {
         session.ports.prompter.Ask(MessageBox(94, BoxIcon::Critical));
         return kQuitProgram;
     }
-    return WriteMissingSystemRecord(session);
+    return session.ProgramDb->ReadOnly() ? 0 : WriteMissingSystemRecord(session);
 }
 
-/// What follows once the keys are there: the user's preferences, the duplicates, the registry.
+/// What follows once the keys are there: the user's preferences, the duplicates, the registry. Wipes the
+/// hashes once a PIN that was never set has been made from them.
 int FinishOpening(Session& session) {
     session.ports.prompter.Comment("Database Check OK. Opening...", true);
     if (const int error = LoadPin(session)) return error;
+    WipeHashes(session);
     if (const int error = ReadSettings(session)) return error;
     session.userLabels = ReadUserLabels(session, session.user.UserNumber);
-    if (const int removed = RemoveDuplicates(session); removed < 0) return -removed;
+    if (!session.ProgramDb->ReadOnly())
+        if (const int removed = RemoveDuplicates(session); removed < 0) return -removed;
     session.DatabaseOpen = true;
     std::error_code ignored;  // a path that cannot be made absolute is kept as it was given
     const auto absolute = fs::absolute(session.DatabasePath, ignored);
@@ -197,13 +200,13 @@ int Compact(Session& session, const fs::path& given) {
 
 }  // namespace
 
-int TestOpen(Session& session, const fs::path& path) {
+int TestOpen(Session& session, const fs::path& path, engine::Access access) {
     if (path.empty()) return kEmptyPath;
     session.DatabasePath = path;
     int error = 0;
     std::string detail;
     {
-        auto db = engine::Database::Open(session.DatabasePath);
+        auto db = engine::Database::Open(session.DatabasePath, access);
         if (!db) {
             error = db.error().number;
             detail = db.error().detail;
@@ -261,10 +264,7 @@ int NewDatabase(Session& session) {
     int error = chosen ? DeleteReplaced(session.DatabasePath) : 0;
     bool made = false;
     if (error == 0) error = FillNewStore(session, made);
-    if (error == 0) {
-        WipeHashes(session);
-        error = FinishOpening(session);
-    }
+    if (error == 0) error = FinishOpening(session);
     if (error == 0) {
         TellDoubt(session);
         return 0;
@@ -276,15 +276,14 @@ int NewDatabase(Session& session) {
     return error;
 }
 
-int OpenDatabaseFile(Session& session) {
+int OpenDatabaseFile(Session& session, engine::Access access) {
     const HashWiper wiper(session);
     session.PwAttempts = 0;
-    if (const int error = OpenConnection(session)) return Abandon(session, error);
+    if (const int error = OpenConnection(session, access)) return Abandon(session, error);
     if (const int error = LogIn(session)) return Abandon(session, error);
     const int error = CheckSystemRecord(session);
     if (error > 0) TellOpenFailure(session, error);
     if (error != 0) return Abandon(session, error);
-    WipeHashes(session);
     const int finished = FinishOrAbandon(session);
     if (finished == 0) TellDoubt(session);
     return finished;

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "engine/db.h"
+
 namespace bmr::store {
 struct Session;
 }
@@ -10,7 +12,8 @@ namespace bmr::custody {
 
 /// 0, the engine's number, or -1 for an empty path. A damaged file offers the repair (Msg 46). On an error
 /// `DatabasePath` is cleared.
-[[nodiscard]] int TestOpen(store::Session& session, const std::filesystem::path& path);
+[[nodiscard]] int TestOpen(store::Session& session, const std::filesystem::path& path,
+                           engine::Access access = engine::Access::Write);
 /// Repairs the file at `DatabasePath` and tests it again.
 [[nodiscard]] int RepairAndTest(store::Session& session);
 
@@ -24,9 +27,10 @@ namespace bmr::custody {
 
 /// Passphrase, keys, version, settings, duplicates, registry: the database at `DatabasePath` is open
 /// afterwards. 0, an error number (`Cancelled`; others were shown), or `kQuitProgram` when the program is
-/// to end. After a failure no database is open, the keys are wiped and `DatabasePath` is empty. REQUIRES: no
-/// open database.
-[[nodiscard]] int OpenDatabaseFile(store::Session& session);
+/// to end. After a failure no database is open, the keys are wiped and `DatabasePath` is empty. Lost rows are
+/// made anew and duplicates removed, unless it is opened for reading: then the file stays as it is. REQUIRES:
+/// no open database.
+[[nodiscard]] int OpenDatabaseFile(store::Session& session, engine::Access access = engine::Access::Write);
 
 /// Writes the system record and the settings, closes the file and wipes the keys. The caller has closed the
 /// section. Never leaves the database open, and empties `DatabasePath`; an error number, told in a box unless

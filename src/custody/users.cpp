@@ -94,7 +94,12 @@ Secret VerifierOf(std::string_view passHash) {
     return cry::HashStrong(cry::HashPassphrase(passHash).view());
 }
 
-/// The PIN record of a cipher text of mode 1. A record that is not whole counts as lost: a flag that could
+/// Whether fT2 holds what a row has there before a PIN is written: nothing, the column's default, or noise.
+bool NeverSet(std::string_view fT2) {
+    return fT2.empty() || fT2 == "0" || fT2.size() == 8 || fT2.size() == 16 || fT2.size() == 24;
+}
+
+/// The PIN record of a cipher text of mode 1. A record that is not whole does not decode: a flag that could
 /// not be read must not open a guarded section.
 std::optional<PinRecord> DecodePin(Session& session, std::string_view fT2) {
     PinRecord pin;
@@ -109,7 +114,7 @@ std::optional<PinRecord> DecodePin(Session& session, std::string_view fT2) {
                 pin.PinKind = static_cast<std::uint8_t>(NumberOf(DecodeRaw(field)));
                 break;
             case 1:
-                seen[1] = tag == FieldTag::Text && !field.value.empty();
+                seen[1] = tag == FieldTag::Text;
                 pin.Pin = Secret(field.value);
                 break;
             case 2:
@@ -237,9 +242,9 @@ int LoadPin(Session& session) {
         if (found->Next()) stored = found->Bytes(0);
         if (found->error() != 0) return found->error();
     }
-    auto pin = DecodePin(session, stored);
-    if (!pin) return SetDefaultPin(session);
-    session.pin = std::move(*pin);
+    auto pin = NeverSet(stored) ? PinRecord() : DecodePin(session, stored);
+    if (pin && pin->Pin.empty() && !session.ProgramDb->ReadOnly()) return SetDefaultPin(session);
+    session.pin = pin ? std::move(*pin) : PinRecord{.Unread = true};
     return 0;
 }
 
@@ -279,7 +284,7 @@ int WritePin(Session& session, std::uint8_t kind, std::string_view pin, std::int
     row.SetField("fT2", std::move(enciphered));
     if (const int error = row.Update()) return error;
     // `pin` may be the session's own: copied before that goes.
-    PinRecord record{kind, Secret(pin), app, everyAccess};
+    PinRecord record{kind, Secret(pin), app, everyAccess, false};
     session.pin = std::move(record);
     return 0;
 }

@@ -33,7 +33,9 @@ enum class UserCheck { Right, Wrong, Cancelled };
 /// `PassHash` and `PassHashStrong` in the session; the caller wipes them.
 UserCheck CheckUser(store::Session& session, const std::string& prompt, bool keepHashes);
 
-/// Reads the PIN record of the current user; a lost one is made anew with the default PIN.
+/// Reads the PIN record of the current user. One that was never set, or that holds an empty PIN, is made with
+/// the default PIN, unless the database is open for reading. One that does not decode is left as it is
+/// (`PinRecord::Unread`).
 [[nodiscard]] int LoadPin(store::Session& session);
 /// Asks for the current user's passphrase when no `PassHashStrong` is at hand, then stores the default PIN.
 /// 0, `NoSuchUser`, `Cancelled`, an engine number or `kQuitProgram`.

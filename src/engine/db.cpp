@@ -10,14 +10,18 @@ Database::~Database() {
     impl_->engine->Close();
 }
 
-Result<std::unique_ptr<Database>> Database::Open(const std::filesystem::path& path) {
-    auto engine = Engine::Open(path, Engine::Purpose::Use);
+Result<std::unique_ptr<Database>> Database::Open(const std::filesystem::path& path, Access access) {
+    auto engine = Engine::Open(path, access == Access::Read ? Engine::Purpose::Read : Engine::Purpose::Use);
     if (!engine) return engine.error();
     return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(Impl{path, *engine})));
 }
 
 const std::filesystem::path& Database::Path() const {
     return impl_->path;
+}
+
+bool Database::ReadOnly() const {
+    return impl_->engine->readOnly();
 }
 
 const std::string& Database::LastError() const {

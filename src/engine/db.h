@@ -16,6 +16,10 @@ namespace bmr::engine {
 
 enum class RecordsetType { Dynaset = 2, Snapshot = 4 };
 
+/// Who opens with `Read` changes no byte of the file, and every attempt to write is refused; only a journal
+/// that a killed program left is played back.
+enum class Access { Write, Read };
+
 class Recordset;
 class Cursor;
 
@@ -31,13 +35,15 @@ using Parameters = std::initializer_list<std::int32_t>;
 /// the lock. Recordsets and cursors that outlive it give no rows any more.
 class Database {
   public:
-    /// Opens for reading and writing, exclusively; a file that is no database or is damaged gives 3049.
-    static Result<std::unique_ptr<Database>> Open(const std::filesystem::path& path);
+    /// Opens exclusively, for reading too; a file that is no database or is damaged gives 3049.
+    static Result<std::unique_ptr<Database>> Open(const std::filesystem::path& path,
+                                                  Access access = Access::Write);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
     const std::filesystem::path& Path() const;
+    bool ReadOnly() const;
 
     /// Runs a statement that gives no rows: DELETE or INSERT INTO tt IN "path" SELECT. A statement that fails
     /// changes nothing.

@@ -164,6 +164,10 @@ std::filesystem::path FollowLinks(const std::filesystem::path& path) {
     return error ? path : followed;
 }
 
+void RemoveStore(const std::filesystem::path& path) {
+    RemoveWithJournal(path);
+}
+
 int TestCopy(const std::filesystem::path& copy, std::string* detail) {
     auto db = Database::Open(copy);
     if (!db) return Tell(detail, db.error().number, db.error().detail);

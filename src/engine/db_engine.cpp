@@ -114,12 +114,18 @@ void Engine::Configure(Purpose purpose) {
     sqlite3* db = handle();
     sqlite3_extended_result_codes(db, 1);
     // Nothing that came with a file may run: no views, no triggers, no functions of its schema.
-    Set(db, SQLITE_DBCONFIG_DEFENSIVE, purpose == Purpose::Use ? 1 : 0);
+    Set(db, SQLITE_DBCONFIG_DEFENSIVE, purpose == Purpose::Repair ? 0 : 1);
     Set(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0);
     Set(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
     Set(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0);
     // A file that ends too early is refused unless its schema may be written.
     if (purpose == Purpose::Repair) Set(db, SQLITE_DBCONFIG_WRITABLE_SCHEMA, 1);
+    // What another program left in its log is read from there, and stays there.
+    std::error_code none;
+    const auto log =
+        std::filesystem::file_size(PathOf(sqlite3_filename_wal(sqlite3_db_filename(db, "main"))), none);
+    if (purpose == Purpose::Read && !none && log > 0) Set(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1);
+    readOnly_ = purpose == Purpose::Read;
     AddDialectFunctions(db);
     db_->exec("PRAGMA cell_size_check=ON; PRAGMA temp_store=MEMORY; PRAGMA locking_mode=EXCLUSIVE");
 }
@@ -128,7 +134,7 @@ void Engine::LockAndTest(Purpose purpose) {
     // The lock is taken now, not at the first save; a journal that was left is rolled back under it.
     db_->exec("BEGIN EXCLUSIVE");
     RemoveColdJournal();
-    if (purpose == Purpose::Use) {
+    if (purpose != Purpose::Repair) {
         TestSize();
         TestSchema("main");
     }
@@ -142,6 +148,7 @@ void Engine::LockAndTest(Purpose purpose) {
     db_->exec(
         "PRAGMA synchronous=EXTRA; PRAGMA secure_delete=ON; PRAGMA journal_size_limit=0;"
         "PRAGMA cache_size=-8000; PRAGMA mmap_size=0");
+    if (purpose == Purpose::Read) db_->exec("PRAGMA query_only=ON");
 }
 
 // A program that was killed between two saves leaves an empty journal. Nothing is to be rolled back from it,

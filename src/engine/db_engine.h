@@ -94,9 +94,9 @@ class Query {
 /// and its recordsets; closed by the Database.
 class Engine : public std::enable_shared_from_this<Engine> {
   public:
-    /// How a file is opened. `Repair` takes the lock but asks for no sound schema and reads on where the file
-    /// is too short.
-    enum class Purpose { Use, Repair };
+    /// How a file is opened. `Read` leaves it as it is; `Repair` takes the lock but asks for no sound schema
+    /// and reads on where the file is too short.
+    enum class Purpose { Use, Read, Repair };
     static Result<std::shared_ptr<Engine>> Open(const std::filesystem::path& path, Purpose purpose);
     ~Engine();
     Engine(const Engine&) = delete;
@@ -104,6 +104,7 @@ class Engine : public std::enable_shared_from_this<Engine> {
 
     void Close();
     bool alive() const { return db_ != nullptr; }
+    bool readOnly() const { return readOnly_; }
     sqlite3* handle() const { return db_->getHandle(); }
     SQLite::Database& connection() { return *db_; }
     RandomSource& random() { return random_; }
@@ -173,6 +174,7 @@ class Engine : public std::enable_shared_from_this<Engine> {
     bool wroteMain_ = false;   ///< in the present transaction
     bool wroteOther_ = false;  ///< the same in the other file
     bool doubt_ = false;
+    bool readOnly_ = false;
 };
 
 /// Stands in the place of a transaction's mark in a compacted copy until that has taken the file's place. No

@@ -5,7 +5,6 @@
 #include <system_error>
 
 #include "engine/columns.h"
-#include "engine/db.h"
 #include "engine/db_engine.h"
 #include "engine/fileio.h"
 
@@ -115,7 +114,7 @@ int StoreWriter::Finish(std::string* detail) {
     });
     insert_.reset();
     db_.reset();  // what was not committed is rolled back
-    if (number_ != 0 && !path_.empty()) RemoveStore(path_);
+    if (number_ != 0 && !path_.empty()) RemoveWithJournal(path_);
     return number_ == 0 ? 0 : Tell(detail, number_, words_);
 }
 
@@ -124,7 +123,7 @@ void KeepReservedBytes(SQLite::Database& db) {
     sqlite3_file_control(db.getHandle(), "main", SQLITE_FCNTL_RESERVE_BYTES, &reserved);
 }
 
-void RemoveStore(const std::filesystem::path& path) {
+void RemoveWithJournal(const std::filesystem::path& path) {
     auto journal = path;
     journal += "-journal";
     RemoveQuietly(journal);

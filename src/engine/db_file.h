@@ -44,5 +44,6 @@ void KeepReservedBytes(SQLite::Database& db);
 int Tell(std::string* detail, int number, const std::string& words);
 
 void RemoveQuietly(const std::filesystem::path& path);
+void RemoveWithJournal(const std::filesystem::path& path);
 
 }  // namespace bmr::engine

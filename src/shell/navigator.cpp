@@ -18,6 +18,8 @@ constexpr std::uint8_t kLastSectionUsed = 2;
 /// The PIN rule. True lets the person in.
 bool PassPin(store::Session& session, std::uint8_t section) {
     if (!NeedsPin(session, section)) return true;
+    // What the PIN is cannot be read, nor which sections it guards.
+    if (session.pin.Unread) return custody::VerifyUser(session, Msg(159));
     if (custody::PinPrompt(session) != custody::PinAnswer::Right) return false;
     if (!session.pin.PINeveryaccess) session.PinPassed |= static_cast<std::int32_t>(SectionBit(section));
     return true;
@@ -27,6 +29,7 @@ bool PassPin(store::Session& session, std::uint8_t section) {
 
 bool NeedsPin(const store::Session& session, std::uint8_t section) {
     if (section < Section::Address || section > Section::Confidential) return false;
+    if (session.pin.Unread) return true;
     const auto bit = static_cast<std::int32_t>(SectionBit(section));
     if ((session.pin.PinApp & bit) == 0) return false;
     return session.pin.PINeveryaccess || (session.PinPassed & bit) == 0;

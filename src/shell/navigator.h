@@ -29,7 +29,8 @@ struct SectionScreen {
 };
 
 /// Whether the PIN is to be asked before `section` opens: the address book to the confidential records, where
-/// the user set it, once a session or at each access.
+/// the user set it, once a session or at each access. While the PIN record cannot be read, each of them at
+/// each access, and by the passphrase.
 bool NeedsPin(const store::Session& session, std::uint8_t section);
 
 /// Switches to section `index`, 0 for none. False when the click was taken back: a section that this build

@@ -109,6 +109,7 @@ int StoreAll(Session& session, const Preferences& chosen, bool newLabels) {
     if (newLabels)
         if (const int error = store::WriteUserLabels(session, session.user.UserNumber, session.userLabels))
             return error;
+    if (session.pin.Unread) return all.Commit();
     const bool samePin = chosen.Pin.view() == session.pin.Pin.view();
     const std::uint8_t kind = samePin ? session.pin.PinKind : kOwnPin;
     if (const int error =
@@ -181,6 +182,7 @@ Preferences FromSession(const Session& session) {
     shown.Pin = session.pin.Pin.Copy();
     shown.PinApp = session.pin.PinApp;
     shown.PINeveryaccess = session.pin.PINeveryaccess;
+    shown.PinUnread = session.pin.Unread;
     shown.switches = ReadSwitches(session.ports.registry);
     return shown;
 }
@@ -193,7 +195,7 @@ std::vector<Fault> FaultsOf(const Preferences& chosen) {
     JudgeTime(faults, "WorkdayStart", "The start of the workday", chosen.WorkdayStart);
     JudgeTime(faults, "WorkdayEnd", "The end of the workday", chosen.WorkdayEnd);
     JudgeTime(faults, "DisplayFrom", "The beginning of the display", chosen.DisplayFrom);
-    if (chosen.Pin.empty())
+    if (chosen.Pin.empty() && !chosen.PinUnread)
         faults.push_back({"txtPIN", "The PIN needs at least one character."});
     else if (chosen.Pin.size() > store::kLongestText)
         faults.push_back({"txtPIN", "The PIN has " + std::to_string(chosen.Pin.size()) + " characters; " +
@@ -210,7 +212,7 @@ int StorePreferences(Session& session, const Preferences& chosen) {
     const store::UserLabels labels = session.userLabels;
     const bool unread = session.SettingsUnread;
     store::PinRecord pin{session.pin.PinKind, session.pin.Pin.Copy(), session.pin.PinApp,
-                         session.pin.PINeveryaccess};
+                         session.pin.PINeveryaccess, session.pin.Unread};
     TakeOptions(session, chosen);
     if (const int error = StoreAll(session, chosen, session.userLabels != labels)) {
         session.settings = settings;

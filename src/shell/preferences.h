@@ -59,6 +59,7 @@ struct Preferences {
     Secret Pin;               ///< bytes of code page 1252
     std::int32_t PinApp = 0;  ///< bit k: section 11 + k asks for the PIN
     bool PINeveryaccess = false;
+    bool PinUnread = false;  ///< the PIN record does not decode: none of the three is stored
     MachineSwitches switches;
 };
 

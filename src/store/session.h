@@ -39,6 +39,7 @@ struct PinRecord {
     Secret Pin;
     std::int32_t PinApp = 0;  ///< bit k: section 11 + k asks for the PIN
     bool PINeveryaccess = false;
+    bool Unread = false;  ///< the stored record does not decode: it is left, and every section is guarded
 };
 
 /// The outside world, handed in once.

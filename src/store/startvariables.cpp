@@ -116,7 +116,7 @@ int WriteSettingsAtClose(Session& session) {
 int DefaultSettings(Session& session) {
     session.settings = Settings();
     session.ShowPrivate = true;
-    return WriteSettings(session);
+    return session.ProgramDb->ReadOnly() ? 0 : WriteSettings(session);
 }
 
 UserLabels ReadUserLabels(Session& session, std::uint8_t user) {

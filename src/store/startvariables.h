@@ -10,8 +10,9 @@ namespace bmr::store {
 struct Session;
 
 /// Loads the settings and `ShowPrivate` of the open database into the session; a row that is not there is
-/// made with the defaults. A field that the row lacks keeps its present value. A row that does not decode
-/// leaves the defaults in force, private records hidden and the row as it is, until the user stores
+/// made with the defaults, unless the database is open for reading. A field that the row lacks keeps its
+/// present value. A row that does not decode leaves the defaults in force, private records hidden and the row
+/// as it is, until the user stores
 /// (`SettingsUnread`). 0, or an error number.
 [[nodiscard]] int ReadSettings(Session& session);
 [[nodiscard]] int WriteSettings(Session& session);

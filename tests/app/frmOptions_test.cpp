@@ -238,6 +238,55 @@ TEST_F(FormOptions, ThePinFollowsAChangeOfThePassphrase) {
     ASSERT_EQ(sitting.Open("another Horse 10"), 0);
 }
 
+TEST_F(FormOptions, APinThatCannotBeReadStaysUntilAnotherIsMade) {
+    ASSERT_EQ(custody::WritePin(sitting.session, 1, "4711", 3, true), 0);
+    sitting.Close();
+    sitting.Edit("fSec=2", [](engine::Recordset& row) { row.SetField("fT2", Bytes(42, 'n')); });
+    const auto stored = [this] {
+        return TextOf(test::RowsOf(*sitting.session.ProgramDb, " WHERE fSec=2").at(0).at("fT2"));
+    };
+    ASSERT_EQ(sitting.Open(), 0);
+    Show();
+    Named<QTabWidget>(*form, "SSTab1").setCurrentIndex(2);
+    for (const char* control : {"PinApp0", "PinApp8", "PINeveryaccess1", "cmdPIN"})
+        EXPECT_FALSE(Named(*form, control).isEnabled()) << control;
+    Named<QComboBox>(*form, "AppDuration").setCurrentText("90 min");
+    Click(*form, "cmdOK");
+    EXPECT_EQ(form->result(), QDialog::Accepted);
+    EXPECT_EQ(sitting.session.settings.AppDuration, 90);
+    EXPECT_EQ(stored(), Bytes(42, 'n')) << "OK alone leaves it";
+    Reopen();
+    EXPECT_TRUE(sitting.session.pin.Unread);
+
+    Show();
+    Named<QTabWidget>(*form, "SSTab1").setCurrentIndex(2);
+    sitting.prompter.Type("wrong one").Expect(85).Type(std::nullopt).Type(kPassphrase);
+    Press("cmdMakePIN");
+    Press("cmdMakePIN");
+    EXPECT_EQ(stored(), Bytes(42, 'n')) << "only the user makes another";
+    Press("cmdMakePIN");
+    EXPECT_FALSE(Named(*form, "cmdMakePIN").isVisible());
+    EXPECT_FALSE(Named(*form, "lblPinUnread").isVisible());
+    Press("PinApp4");
+    Click(*form, "cmdOK");
+    Reopen();
+    EXPECT_EQ(sitting.session.pin.PinApp, 0x10);
+    EXPECT_FALSE(sitting.session.pin.Unread);
+    Show();
+    EXPECT_TRUE(Named(*form, "cmdMakePIN").isHidden());
+}
+
+TEST_F(FormOptions, GuardsOfSectionsThatALaterVersionHasAreKept) {
+    ASSERT_EQ(custody::WritePin(sitting.session, 1, "4711", 0x40000201, false), 0);
+    Show();
+    EXPECT_TRUE(On("PinApp0"));
+    Press("PinApp0");
+    Press("PinApp1");
+    Click(*form, "cmdOK");
+    Reopen();
+    EXPECT_EQ(sitting.session.pin.PinApp, 0x40000202);
+}
+
 TEST_F(FormOptions, PrivateRecordsAreSwitchedAtOnce) {
     Show();
     Press("chkShowPrivate");

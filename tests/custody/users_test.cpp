@@ -2,6 +2,7 @@
 
 #include "custody/keyrecords.h"
 #include "custody/passphrase.h"
+#include "store/record_put.h"
 #include "support/data.h"
 #include "support/sitting.h"
 
@@ -140,28 +141,69 @@ TEST(Pin, AnyCharactersAndLengthComeBack) {
     sitting.Close();
 }
 
-TEST(Pin, LostRecordIsMadeAnewOnlyForTheUser) {
+TEST(Pin, OneThatWasNeverSetIsMadeWithoutAnotherQuestion) {
+    Sitting sitting;
+    sitting.Make();
+    const Bytes standard(sitting.session.pin.Pin.view());
+    Bytes payload;
+    AppendField(payload, 0, 1, FieldTag::Byte, sitting.random);
+    AppendField(payload, 1, Bytes(), FieldTag::Text, sitting.random);
+    AppendField(payload, 2, 0x1F, FieldTag::Int32, sitting.random);
+    AppendField(payload, 3, true, FieldTag::Boolean, sitting.random);
+    const Bytes emptyPin = cry::FieldCipher(sitting.session.cipher, 1, std::string_view(payload));
+    ASSERT_GT(emptyPin.size(), 24U);
+    sitting.Close();
+    for (const Value& stored : {Value(Null{}), Value(Bytes("0")), Value(Bytes(8, 'n')), Value(Bytes(16, 'n')),
+                                Value(Bytes(24, 'n')), Value(emptyPin)}) {
+        sitting.Edit("fSec=2", [&](engine::Recordset& row) { row.SetField("fT2", stored); });
+        ASSERT_EQ(sitting.Open(), 0) << TextOf(stored);
+        EXPECT_EQ(sitting.session.pin.Pin.view(), standard);
+        EXPECT_EQ(sitting.session.pin.PinApp, 0);
+        EXPECT_FALSE(sitting.session.pin.PINeveryaccess || sitting.session.pin.Unread);
+        EXPECT_TRUE(sitting.session.PassHashStrong.empty());
+        sitting.session.pin = PinRecord();
+        ASSERT_EQ(LoadPin(sitting.session), 0) << "it stands in the file";
+        EXPECT_EQ(sitting.session.pin.Pin.view(), standard);
+        sitting.Close();
+    }
+}
+
+TEST(Pin, OneThatDoesNotDecodeIsLeftUntilTheUserWantsAnother) {
     Sitting sitting;
     sitting.Make();
     const Bytes standard(sitting.session.pin.Pin.view());
     ASSERT_EQ(WritePin(sitting.session, 1, "4711", 1, true), 0);
     sitting.Close();
-    const auto lose = [](engine::Recordset& row) { row.SetField("fT2", Bytes(42, 'n')); };
-    sitting.Edit("fSec=2", lose);
-    sitting.prompter.Type(kPassphrase).Type("somebody else").Expect(85);
-    EXPECT_EQ(sitting.OpenFile(), -85);
-    EXPECT_FALSE(sitting.session.DatabaseOpen);
-    EXPECT_TRUE(sitting.session.cipher.Keystring.empty());
-    EXPECT_EQ(TextOf(sitting.Rows(" WHERE fSec=2").at(0).at("fT2")), Bytes(42, 'n'));
-
-    sitting.prompter.Type(kPassphrase).Type(kPassphrase);
-    ASSERT_EQ(sitting.OpenFile(), 0);
+    Bytes cut = TextOf(sitting.Rows(" WHERE fSec=2").at(0).at("fT2"));
+    cut.resize(cut.size() - 8);
+    const auto stored = [&] { return TextOf(sitting.Rows(" WHERE fSec=2").at(0).at("fT2")); };
+    for (const Bytes& damaged : {Bytes(42, 'n'), cut, Bytes(7, 'n')}) {
+        sitting.Edit("fSec=2", [&](engine::Recordset& row) { row.SetField("fT2", damaged); });
+        ASSERT_EQ(sitting.Open(), 0) << "and asks nothing";
+        EXPECT_TRUE(sitting.session.pin.Unread);
+        EXPECT_TRUE(sitting.session.pin.Pin.empty());
+        sitting.Close();
+        EXPECT_EQ(stored(), damaged);
+    }
+    ASSERT_EQ(sitting.Open(), 0);
+    sitting.prompter.Type("somebody else").Expect(85).Type(kPassphrase);
+    EXPECT_EQ(SetDefaultPin(sitting.session), -85);
+    EXPECT_TRUE(sitting.session.pin.Unread);
+    EXPECT_EQ(SetDefaultPin(sitting.session), 0);
+    EXPECT_FALSE(sitting.session.pin.Unread);
     EXPECT_EQ(sitting.session.pin.Pin.view(), standard);
-    EXPECT_EQ(sitting.session.pin.PinApp, 0);
-    EXPECT_TRUE(sitting.session.PassHashStrong.empty());
     sitting.Close();
     ASSERT_EQ(sitting.Open(), 0);
+    EXPECT_FALSE(sitting.session.pin.Unread);
     sitting.Close();
+
+    sitting.Edit("fSec=2", [&](engine::Recordset& row) { row.SetField("fT2", cut); });
+    ASSERT_EQ(sitting.Open(), 0);
+    sitting.prompter.Type(kPassphrase).Type("another Horse 8");
+    EXPECT_EQ(ChangePassphrase(sitting.session), PassphraseChange::Changed);
+    EXPECT_FALSE(sitting.session.pin.Unread);
+    sitting.Close();
+    EXPECT_NE(stored(), cut);
 }
 
 }  // namespace

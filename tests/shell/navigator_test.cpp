@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "base/languageus.h"
 #include "custody/users.h"
 #include "support/sitting.h"
 
@@ -42,6 +43,26 @@ TEST(PinRule, AsPlainData) {
         sitting.session.PinPassed = c.passed;
         EXPECT_EQ(NeedsPin(sitting.session, c.section), c.asks) << int{c.section} << " app " << c.app;
     }
+    // Which sections it guarded is not known: all that can be guarded are, at every access.
+    sitting.session.pin = {.Unread = true};
+    sitting.session.PinPassed = 0x1FF;
+    for (std::uint8_t section = 11; section <= 16; ++section)
+        EXPECT_TRUE(NeedsPin(sitting.session, section)) << int{section};
+    EXPECT_FALSE(NeedsPin(sitting.session, 17));
+    EXPECT_FALSE(NeedsPin(sitting.session, 0));
+}
+
+TEST(Navigator, AsksForThePassphraseWhereThePinCannotBeRead) {
+    Sitting sitting;
+    sitting.Make();
+    sitting.session.pin = {.Unread = true};
+    Screen main;
+    sitting.prompter.Type("").Expect(85).Type("someone else").Expect(85).Type(test::kPassphrase);
+    EXPECT_FALSE(optSection_Click(sitting.session, main.screen, kAll, 14));
+    EXPECT_FALSE(optSection_Click(sitting.session, main.screen, kAll, 14));
+    EXPECT_TRUE(optSection_Click(sitting.session, main.screen, kAll, 14));
+    EXPECT_EQ(sitting.prompter.requests.back().prompt, Msg(159));
+    sitting.Close();
 }
 
 TEST(Navigator, SwitchesAndTakesARefusedClickBack) {

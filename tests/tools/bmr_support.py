@@ -2,6 +2,7 @@
 
 usage of each: TEST.py BMR SAMPLEDB ALTER RANDOM_OPS DATA [unittest arguments]
 """
+import contextlib
 import json
 import os
 import pathlib
@@ -58,7 +59,7 @@ class Base(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
 
     def rows(self, condition):
-        with sqlite3.connect(self.file) as db:
+        with contextlib.closing(sqlite3.connect(self.file)) as db:
             return db.execute(f"SELECT * FROM tt WHERE {condition} ORDER BY fPK").fetchall()
 
 

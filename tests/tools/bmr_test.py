@@ -100,6 +100,64 @@ class ADay(Base):
         self.assertEqual(self.file.read_bytes(), before)
 
 
+class Reading(Base):
+    """A command that reads leaves every byte of the file, whatever an opening would mend in it."""
+
+    def read_all(self, secret=PASS):
+        before = self.file.read_bytes()
+        key = self.rows("fSec = 15")[0][0]
+        for command in (["list", "todo"], ["show", key, "--private"], ["dump"], ["info"]):
+            self.bmr(*command, secret=secret)
+        call(BMR, "check", self.file, secret=secret)  # it may find what was done to the file
+        self.assertEqual(self.file.read_bytes(), before)
+        self.assertEqual(os.listdir(self.folder), [self.file.name])
+
+    def test_what_an_opening_would_mend_stays_as_it_is(self):
+        self.sample(5)
+        good = self.file.read_bytes()
+        for change in ("SELECT 1", "UPDATE tt SET fT2 = zeroblob(42) WHERE fSec = 2",
+                       "UPDATE tt SET fT2 = NULL WHERE fSec = 2", "UPDATE tt SET fT2 = '0' WHERE fSec = 2",
+                       "DELETE FROM tt WHERE fSec = 5", "UPDATE tt SET fEtx = zeroblob(40) WHERE fSec = 5",
+                       "DELETE FROM tt WHERE fSec = 1 AND fSub = 3",
+                       "INSERT INTO tt SELECT * FROM tt WHERE fSec = 15", "PRAGMA journal_mode = WAL"):
+            with self.subTest(change):
+                self.file.write_bytes(good)
+                with sqlite3.connect(self.file) as db:
+                    db.execute(change).fetchall()
+                db.close()
+                self.read_all()
+        # A command that writes still mends it.
+        self.file.write_bytes(good)
+        with sqlite3.connect(self.file) as db:
+            db.execute("INSERT INTO tt SELECT * FROM tt WHERE fSec = 15")
+            db.execute("DELETE FROM tt WHERE fSec = 5")
+        db.close()
+        self.bmr("add", "todo", "--task", "x")
+        self.assertEqual(len(self.rows("fSec = 15")), 6)
+        self.assertEqual(len(self.rows("fSec = 5")), 1)
+
+    def test_a_save_that_was_broken_off_is_taken_back_and_told(self):
+        self.sample(5)
+        good = self.file.read_bytes()
+        db = sqlite3.connect(self.file, isolation_level=None)
+        db.execute("PRAGMA cache_size = 5")
+        db.execute("BEGIN IMMEDIATE")
+        db.execute("UPDATE tt SET fT3 = zeroblob(9000)")
+        torn, journal = self.file.read_bytes(), self.folder / "plans.bmr-journal"
+        broken_off = journal.read_bytes()
+        db.execute("ROLLBACK")
+        db.close()
+        self.assertNotEqual(torn, good)
+        self.file.write_bytes(torn)
+        journal.write_bytes(broken_off)
+        done = call(BMR, "list", self.file, "todo", "--all", "--json")
+        self.assertEqual(done.returncode, 0, done)
+        self.assertEqual(len(json.loads(done.stdout)), 5)
+        self.assertRegex(done.stderr, r"\Abmr: note: [^\n]*taken back[^\n]*\n\Z")
+        self.assertFalse(journal.exists())
+        self.assertEqual(self.file.read_bytes(), good)
+
+
 class FailingDisk(Base):
     """Each call by which a command writes fails in turn: what it says must be what stands in the file."""
 

@@ -31,8 +31,10 @@ store::ListRequest RequestOf(store::Session& session, const Options& options,
 }
 
 /// The conditions of a section that has no list yet.
-std::string ClausesOf(const store::SectionFacts& section, const store::ListRequest& request) {
-    return section.clauses ? section.clauses(request) : store::CategoryClause(request.group);
+std::string ClausesOf(store::Session& session, const store::SectionFacts& section,
+                      const store::ListRequest& request) {
+    return section.clauses ? section.clauses(session, request)
+                           : store::CategoryClause(session, section.code, request.group);
 }
 
 /// What the record's kind calls a field; nothing where kinds do not.
@@ -81,7 +83,8 @@ void RunList(const Options& options) {
     ListTable table(section, options.json);
     const auto* name = section.NameRule();
     const bool inColumn = name && name->kind == store::Kind::ColumnName;
-    const std::string condition = "fSec=" + std::to_string(section.code) + ClausesOf(section, request);
+    const std::string condition =
+        "fSec=" + std::to_string(section.code) + ClausesOf(session, section, request);
     sitting.Check(ForEachRow(session, condition, inColumn ? ListTexts::Decipher : ListTexts::Leave,
                              [&](const Row& row, std::string_view payload) {
                                  if (!IsHidden(session, options.showPrivate, row, payload))

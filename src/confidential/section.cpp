@@ -8,7 +8,7 @@ namespace {
 
 constexpr auto kRules = store::RulesOf(ConfidentialFields);
 
-std::string Clauses(const store::ListRequest& request) {
+std::string Clauses(store::Session&, const store::ListRequest& request) {
     return request.group < 0 ? std::string() : " And fG1=" + std::to_string(request.group);
 }
 

@@ -122,7 +122,17 @@ class Writer {
                                 expr.op == Op::LessEqual || expr.op == Op::Greater ||
                                 expr.op == Op::GreaterEqual;
         const auto side = [&](const Expr& arg) { return comparison ? Compared(arg) : Write(arg); };
-        return "(" + side(expr.args[0]) + Sign(expr.op) + side(expr.args[1]) + ")";
+        return "(" + (IsChained(expr) ? Chain(expr.args[0]) : side(expr.args[0])) + Sign(expr.op) +
+               side(expr.args[1]) + ")";
+    }
+
+    /// The library's parser gives up on a hundred parentheses, which so many conditions in a row would open.
+    static bool IsChained(const Expr& expr) {
+        return (expr.op == Op::And || expr.op == Op::Or) && expr.args[0].op == expr.op;
+    }
+    std::string Chain(const Expr& expr) const {
+        return (IsChained(expr) ? Chain(expr.args[0]) : Write(expr.args[0])) + Sign(expr.op) +
+               Write(expr.args[1]);
     }
 
     static const char* Sign(Op op) {

@@ -55,6 +55,10 @@ void CategoryField::Fill(std::int32_t number) {
     FillCategoryCombo(*combo_, entries_);
     if (!SelectCategory(*combo_, number) && !filter) SelectCategory(*combo_, Category::Unfiled);
     number_ = SelectedCategory(*combo_);
+    // What a record's category is called may be lost; that it has one is not, unless the person chooses
+    // another.
+    if (!filter && number > 0 && number_ == Category::Unfiled && store::CategoriesUnread(session_, section_))
+        number_ = number;
     emit Filled();
 }
 

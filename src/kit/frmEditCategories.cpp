@@ -11,6 +11,7 @@
 #include "base/languageus.h"
 #include "base/ports.h"
 #include "kit/categorycombo.h"
+#include "kit/failure.h"
 #include "kit/icons.h"
 #include "kit/recorddelegate.h"
 #include "kit/theme.h"
@@ -95,6 +96,7 @@ void frmEditCategories::Lay() {
 
 void frmEditCategories::FillList() {
     CategoriesChanged = false;
+    unread_ = store::CategoriesUnread(session_, CategorySection);
     CatList->clear();
     for (const CategoryEntry& entry : store::FillCategories(session_, CategorySection, false, false, false))
         AddEntry(entry);
@@ -123,8 +125,14 @@ QListWidgetItem* frmEditCategories::AddEntry(const CategoryEntry& entry) {
 
 void frmEditCategories::ShowState() {
     const int count = CatList->count();
-    lblCount->setText(count == 0 ? tr("No categories yet. “New” adds the first.")
-                                 : tr("%1 of at most %2 categories").arg(count).arg(store::kMostCategories));
+    if (unread_)
+        lblCount->setText(
+            tr("The list of categories cannot be read. It stays as it is, until you begin another with "
+               "“New”."));
+    else
+        lblCount->setText(count == 0
+                              ? tr("No categories yet. “New” adds the first.")
+                              : tr("%1 of at most %2 categories").arg(count).arg(store::kMostCategories));
     cmdDelete->setEnabled(count > 0);
 }
 
@@ -146,9 +154,17 @@ Bytes frmEditCategories::AskName(const char* title, const Bytes& initial) {
     }
 }
 
+bool frmEditCategories::AskToBegin() {
+    if (unread_ && AskToOverwrite(session_, tr("list of categories"))) unread_ = false;
+    return !unread_;
+}
+
 void frmEditCategories::cmdNew_Click() {
+    if (!AskToBegin() || session_.ending) return;
     const CategoryList list = Entries();
-    const std::int32_t number = store::LowestFreeNumber(list);
+    const auto free = store::NewCategoryNumber(session_, CategorySection, list);
+    if (!free) return TellFailure(session_, free.error().number, tr("The categories could not be read."));
+    const std::int32_t number = *free;
     if (list.size() >= store::kMostCategories || number == 0) {
         session_.ports.prompter.Ask(
             {0, "A section can have 128 categories, and all are in use. Delete one first.", Buttons::Ok,
@@ -156,7 +172,7 @@ void frmEditCategories::cmdNew_Click() {
         return;
     }
     const Bytes name = AskName("New category", {});
-    if (name.empty()) return;
+    if (name.empty()) return ShowState();
     CatList->setCurrentItem(AddEntry({name, number}));
     last_ = number;
     CategoriesChanged = true;
@@ -191,7 +207,8 @@ void frmEditCategories::cmdDelete_Click() {
 }
 
 void frmEditCategories::cmdOK_Click() {
-    if (session_.ending) return reject();
+    // A list that could not be read is not replaced by the nothing that is shown of it.
+    if (session_.ending || unread_) return reject();
     if (const int error = store::StoreCategories(session_, Entries(), CategorySection); error != 0) {
         const std::string why = error < 0 ? Msg(-error) : "Engine error " + std::to_string(error) + ".";
         session_.ports.prompter.Ask({0, "The categories could not be stored. " + why, Buttons::Ok,

@@ -31,6 +31,8 @@ class frmEditCategories final : public QDialog {
     void FillList();
     void ShowState();
     store::CategoryList Entries() const;
+    /// Whether the list may be written: it was read, or the person wants another in its place.
+    bool AskToBegin();
     QListWidgetItem* AddEntry(const store::CategoryEntry& entry);
     /// Asks for a name until it can be taken; empty when cancelled.
     Bytes AskName(const char* title, const Bytes& initial);
@@ -43,6 +45,7 @@ class frmEditCategories final : public QDialog {
     store::Session& session_;
     std::uint8_t CategorySection;
     std::int32_t last_ = store::Category::All;
+    bool unread_ = false;
     QListWidget* CatList;
     QLabel* lblCount;
     QPushButton* cmdNew;

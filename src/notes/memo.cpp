@@ -50,7 +50,8 @@ int AddRecords(Session& session, std::vector<Memo>& memos) {
 
 Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t category,
                                               std::string_view search) {
-    return store::ListNamed(session, kMemos, store::CategoryClause(category), search);
+    return store::ListNamed(session, kMemos, store::CategoryClause(session, kMemos.section, category),
+                            search);
 }
 
 WipedText RecordName(Session& session, std::int32_t fPK) {
@@ -66,7 +67,8 @@ WipedText DeleteText(std::string_view subject) {
 }
 
 int DeleteRecords(Session& session, std::int32_t category) {
-    return store::DeleteRows(session, kMemos.section, store::CategoryClause(category));
+    return store::DeleteRows(session, kMemos.section,
+                             store::CategoryClause(session, kMemos.section, category));
 }
 
 }  // namespace bmr::notes

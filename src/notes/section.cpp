@@ -8,8 +8,8 @@ namespace {
 
 constexpr auto kRules = store::RulesOf(kMemoFields);
 
-std::string Clauses(const store::ListRequest& request) {
-    return store::CategoryClause(request.group);
+std::string Clauses(store::Session& session, const store::ListRequest& request) {
+    return store::CategoryClause(session, store::Section::Memo, request.group);
 }
 
 Result<std::vector<std::int32_t>> List(store::Session& session, const store::ListRequest& request) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/bytes.h"
+#include "base/result.h"
 
 namespace bmr::store {
 
@@ -27,9 +28,14 @@ struct CategoryEntry {
 using CategoryList = std::vector<CategoryEntry>;
 
 /// The entries of a section's combo: "All", the names in alphabetical order without regard to case,
-/// "Unfiled", "Edit categories", as the flags ask. A list that cannot be read gives the fixed entries only.
+/// "Unfiled", "Edit categories", as the flags ask. A list that cannot be read gives the fixed entries only
+/// (`CategoriesUnread`).
 CategoryList FillCategories(Session& session, std::uint8_t section, bool withAll, bool withUnfiled,
                             bool withEdit);
+
+/// Whether the section has a list that does not decode. It is left as it is until the user begins another:
+/// nobody stores one unasked.
+bool CategoriesUnread(Session& session, std::uint8_t section);
 
 /// Inserts before the first entry that is equal or above; gives the place.
 std::size_t InsertCategory(CategoryList& list, CategoryEntry entry);
@@ -46,14 +52,22 @@ inline std::int32_t RealCategory(std::int32_t number) {
     return number > 0 && number <= Category::Highest ? number : Category::Unfiled;
 }
 
-/// " And fG1 = n", or nothing for all categories (-1 and 9999).
-std::string CategoryClause(std::int32_t category);
+/// The condition of a list of one category, " And fG1 = n"; nothing for all (-1 and 9999). Unfiled is what
+/// carries no number of the section's list, so that a record whose category is gone stands there; while the
+/// list cannot be read, what carries none at all.
+std::string CategoryClause(Session& session, std::uint8_t section, std::int32_t category);
 
-/// The lowest number 1 to 9998 that no entry has; 0 when all are taken.
-std::int32_t LowestFreeNumber(const CategoryList& list);
+/// The real numbers (1 to 9998) that are carried: by the entries of `list` and by the section's records,
+/// whose category may be gone. In ascending order. None of them may be given to another category.
+Result<std::vector<std::int32_t>> CarriedNumbers(Session& session, std::uint8_t section,
+                                                 const CategoryList& list);
+
+/// The number of a new category: the lowest that is not carried; 0 when all are.
+Result<std::int32_t> NewCategoryNumber(Session& session, std::uint8_t section, const CategoryList& list);
 
 /// The lowest free number against the numbers of an import, all but the last entry; refuses everything, as
-/// required, once an entry is 0, -1 or 9999. 0 when none is free (the caller shows Msg 52).
+/// required, once an entry is 0, -1 or 9999. 0 when none is free (the caller shows Msg 52). The caller puts
+/// the `CarriedNumbers` before the last entry, and asks for none while the list cannot be read.
 std::int32_t FreeCategoryNumber(const std::vector<std::int32_t>& numbers);
 
 /// The name of `number`, ends trimmed, "Unfiled" when it has no entry.

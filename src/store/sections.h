@@ -93,7 +93,7 @@ struct SectionFacts {
 
     const NamedOrder* order = nullptr;  ///< of a section in alphabetical order
     /// The conditions of a list, beside the section.
-    std::string (*clauses)(const ListRequest& request) = nullptr;
+    std::string (*clauses)(Session& session, const ListRequest& request) = nullptr;
     /// The keys of a list in the order of the section's window.
     Result<std::vector<std::int32_t>> (*list)(Session& session, const ListRequest& request) = nullptr;
     /// Stores a new record; its key, or what is wrong in plain English.

@@ -16,8 +16,8 @@ TaskFilter FilterOf(const store::ListRequest& request) {
     return {.showCompleted = request.all, .category = request.group};
 }
 
-std::string Clauses(const store::ListRequest& request) {
-    return ClausesOf(FilterOf(request));
+std::string Clauses(store::Session& session, const store::ListRequest& request) {
+    return ClausesOf(session, FilterOf(request));
 }
 
 Result<std::vector<std::int32_t>> List(store::Session& session, const store::ListRequest& request) {

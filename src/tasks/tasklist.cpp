@@ -50,7 +50,7 @@ int ReadRows(Session& session, const TaskFilter& filter, std::vector<TaskRow>& r
     const Day today = session.ports.clock.Today();
     std::string columns(kPlainColumns);
     if (testAll) columns += ", fEtx";
-    auto cursor = session.ProgramDb->Select(TaskStatement(filter, columns));
+    auto cursor = session.ProgramDb->Select(TaskStatement(session, filter, columns));
     if (!cursor) return cursor.error().number;
     store::PrivateBatch batch;
     std::size_t tested = 0;
@@ -163,12 +163,13 @@ const std::array<Column, SubItem::Count> kColumns = {{{"Task", 4200, Align::Left
                                                       {"Exec Date", 1200, Align::Left},
                                                       {"-", 0, Align::Left}}};
 
-std::string ClausesOf(const TaskFilter& filter) {
-    return (filter.showCompleted ? "" : " And fF3 = False") + store::CategoryClause(filter.category);
+std::string ClausesOf(Session& session, const TaskFilter& filter) {
+    return (filter.showCompleted ? "" : " And fF3 = False") +
+           store::CategoryClause(session, store::Section::Todo, filter.category);
 }
 
-std::string TaskStatement(const TaskFilter& filter, std::string_view columns) {
-    return "SELECT " + std::string(columns) + " FROM tt WHERE fSec=15" + ClausesOf(filter) +
+std::string TaskStatement(Session& session, const TaskFilter& filter, std::string_view columns) {
+    return "SELECT " + std::string(columns) + " FROM tt WHERE fSec=15" + ClausesOf(session, filter) +
            store::kOwnerAccess;
 }
 
@@ -181,7 +182,7 @@ Result<std::vector<TaskRow>> ListRecords(Session& session, const TaskFilter& fil
 }
 
 int ReadPrivateFlags(Session& session, const TaskFilter& filter, std::vector<TaskRow>& rows) {
-    const auto found = store::PrivateRecords(session, store::Section::Todo, ClausesOf(filter));
+    const auto found = store::PrivateRecords(session, store::Section::Todo, ClausesOf(session, filter));
     if (!found) return found.error().number;
     for (TaskRow& row : rows)
         row.privacy = found->contains(row.fPK) ? Privacy::Private : Privacy::Public;

@@ -42,9 +42,9 @@ struct TaskRow {
 };
 
 /// The conditions of the list beside its section.
-std::string ClausesOf(const TaskFilter& filter);
+std::string ClausesOf(store::Session& session, const TaskFilter& filter);
 /// The statement of `showListitems`.
-std::string TaskStatement(const TaskFilter& filter, std::string_view columns = "*");
+std::string TaskStatement(store::Session& session, const TaskFilter& filter, std::string_view columns = "*");
 
 /// `showListitems`: the rows in standard order. While private records are hidden every payload is tested, in
 /// one batch; otherwise nothing is deciphered.

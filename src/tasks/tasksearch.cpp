@@ -22,7 +22,7 @@ int KeepMatching(store::Session& session, const TaskFilter& filter, const std::s
                  const store::CategoryList& categories, const LocaleFacts& locale,
                  std::vector<TaskRow>& rows) {
     const auto named = store::RecordsNamed(session, store::Section::Todo, kTaskFields[0].rule.number,
-                                           ClausesOf(filter), search);
+                                           ClausesOf(session, filter), search);
     if (!named) return named.error().number;
     const store::Needle needle(search);
     std::erase_if(rows, [&](const TaskRow& row) {

@@ -1,7 +1,11 @@
 #include "kit/frmEditCategories.h"
 
+#include <QComboBox>
+#include <QLabel>
 #include <QListWidget>
 
+#include "kit/categoryfield.h"
+#include "store/section_store.h"
 #include "support/forms.h"
 #include "support/store.h"
 
@@ -89,6 +93,73 @@ TEST_F(FormCategories, SaysWhatItCannotDo) {
     list->setCurrentRow(127);
     Click(*form, "cmdDelete");
     EXPECT_EQ(list->count(), 128) << "the number 255 never goes";
+}
+
+TEST_F(FormCategories, AListThatCannotBeReadStaysUntilAnotherIsBegun) {
+    const Bytes damaged(40, 'x');
+    ASSERT_EQ(store::StoreSinglePayload(db.session, 10, Section::Todo, damaged), 0);
+    const auto stored = [this] { return TextOf(db.Row("SELECT * FROM tt WHERE fSec=10")->Field("fEtx")); };
+    const Bytes before = stored();
+    Show();
+    EXPECT_TRUE(Named<QLabel>(*form, "lblCount").text().contains("cannot be read"));
+    Click(*form, "cmdOK");
+    EXPECT_EQ(stored(), before) << "OK alone leaves it";
+
+    Show();
+    db.prompter.Expect(0, Answer::No);
+    Click(*form, "cmdNew");
+    EXPECT_TRUE(Names().isEmpty());
+    Click(*form, "cmdOK");
+    EXPECT_EQ(stored(), before);
+
+    Show();
+    db.prompter.Expect(0, Answer::Yes);
+    New("Home");
+    New("Work");  // asked once
+    Click(*form, "cmdEsc");
+    EXPECT_EQ(stored(), before) << "nothing is stored before OK";
+
+    ASSERT_EQ(store::StoreRow(db.session, Section::Todo, store::kNewRecord,
+                              [](engine::Recordset& row, bool) {
+                                  row.SetField("fG1", 1);
+                                  return 0;
+                              })
+                  .error,
+              0);
+    Show();
+    db.prompter.Expect(0, Answer::Yes);
+    New("Home");
+    Click(*form, "cmdOK");
+    EXPECT_EQ(Stored(), (CategoryList{{"Home", 2}})) << "the records of the lost list keep their number";
+    EXPECT_FALSE(store::CategoriesUnread(db.session, Section::Todo));
+}
+
+TEST_F(FormCategories, TheRecordsOfADeletedCategoryAreNobodyElses) {
+    ASSERT_EQ(store::StoreCategories(db.session, {{"a", 1}, {"b", 2}}, Section::Todo), 0);
+    const auto record =
+        store::StoreRow(db.session, Section::Todo, store::kNewRecord, [](engine::Recordset& row, bool) {
+            row.SetField("fG1", 1);
+            return 0;
+        });
+    Show();
+    list->setCurrentRow(0);
+    db.prompter.Expect(19, Answer::Ok);
+    Click(*form, "cmdDelete");
+    New("c");
+    EXPECT_EQ(Names(), (QStringList{"b=2", "c=3"}));
+    Click(*form, "cmdOK");
+    EXPECT_EQ(store::CategoryName(Stored(), store::RecordCategory(db.session, record.fPK)), "Unfiled");
+}
+
+TEST_F(FormCategories, ARecordKeepsItsNumberWhileTheListCannotBeRead) {
+    ASSERT_EQ(store::StoreSinglePayload(db.session, 10, Section::Todo, Bytes(40, 'x')), 0);
+    CategoryField field(db.session, Section::Todo, CategoryField::Use::Editor);
+    field.Fill(3);
+    EXPECT_EQ(field.Number(), 3);
+    EXPECT_EQ(field.Combo()->currentText(), "Unfiled");
+    ASSERT_EQ(store::StoreCategories(db.session, {{"a", 1}}, Section::Todo), 0);
+    field.Fill(3);
+    EXPECT_EQ(field.Number(), 0) << "the category is gone for good";
 }
 
 }  // namespace

@@ -143,11 +143,5 @@ TEST(DamagedRows, AreNeitherMissedNorAddedASecondTime) {
     EXPECT_EQ(StoreMemo(store, kNewRecord, "another").error, 0);
 }
 
-TEST(CategoryClause, NoneForAll) {
-    EXPECT_EQ(CategoryClause(-1), "");
-    EXPECT_EQ(CategoryClause(9999), "");
-    EXPECT_EQ(CategoryClause(0), " And fG1 = 0");
-}
-
 }  // namespace
 }  // namespace bmr::store

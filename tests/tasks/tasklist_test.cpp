@@ -52,12 +52,16 @@ Task Done(Task task, Day when = kToday) {
 }
 
 TEST(TaskStatement, IsTheToldOne) {
-    EXPECT_EQ(TaskStatement({.category = 3}),
+    ListStore store;
+    store::Session& session = store.session;
+    EXPECT_EQ(TaskStatement(session, {.category = 3}),
               "SELECT * FROM tt WHERE fSec=15 And fF3 = False And fG1 = 3 WITH OWNERACCESS OPTION;");
-    EXPECT_EQ(TaskStatement({.showCompleted = true, .category = 0}),
-              "SELECT * FROM tt WHERE fSec=15 And fG1 = 0 WITH OWNERACCESS OPTION;");
+    ASSERT_EQ(store::StoreCategories(session, {{"a", 2}, {"b", 5}}, store::Section::Todo), 0);
+    EXPECT_EQ(TaskStatement(session, {.showCompleted = true, .category = 0}),
+              "SELECT * FROM tt WHERE fSec=15 And (fG1 Is Null Or (fG1 <> 2 And fG1 <> 5)) WITH OWNERACCESS "
+              "OPTION;");
     for (const std::int32_t all : {-1, 9999})
-        EXPECT_EQ(TaskStatement({.category = all}),
+        EXPECT_EQ(TaskStatement(session, {.category = all}),
                   "SELECT * FROM tt WHERE fSec=15 And fF3 = False WITH OWNERACCESS OPTION;");
 }
 
@@ -104,7 +108,11 @@ TEST(TaskList, FiltersByCompletionAndCategory) {
     store.Add(Named("unfiled"));
     EXPECT_THAT(store.Texts(store.Rows({})), ElementsAre("three", "unfiled"));
     EXPECT_EQ(store.Rows({.showCompleted = true, .category = 3}).size(), 2U);
+    ASSERT_EQ(store::StoreCategories(store.session, {{"c", 3}}, store::Section::Todo), 0);
     EXPECT_THAT(store.Texts(store.Rows({.category = 0})), ElementsAre("unfiled"));
+    ASSERT_EQ(store::StoreCategories(store.session, {}, store::Section::Todo), 0);
+    EXPECT_THAT(store.Texts(store.Rows({.category = 0})), ElementsAre("three", "unfiled"))
+        << "its category is gone";
     EXPECT_THAT(store.Rows({.category = 4}), IsEmpty());
 }
 

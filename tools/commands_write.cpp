@@ -14,6 +14,8 @@ Row SectionRow(Sitting& sitting, const Options& options) {
     if (!row) throw Failure(row.error().detail);
     if (row->fSec < store::Section::Address)
         throw Failure("The record belongs to the database itself and stays.");
+    if (!store::FactsOf(row->fSec))
+        throw Failure("The record is of a class that this version does not know, and stays.");
     return *row;
 }
 

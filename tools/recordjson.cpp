@@ -184,7 +184,7 @@ Json RecordJson(store::Session& session, const Row& row, std::string_view payloa
     Json json;
     json["fPK"] = row.fPK;
     const auto kind = KindOf(row.fSec, row.fSub);
-    json["section"] = kind ? std::string(kind->title) : "Unknown";
+    json["section"] = TitleOf(row.fSec, row.fSub);
     json["fSec"] = row.fSec;
     json["fSub"] = row.fSub;
     if (!IsFieldCiphered(row)) {

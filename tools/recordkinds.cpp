@@ -74,6 +74,11 @@ std::optional<RecordKind> KindOf(std::int32_t fSec, std::int32_t fSub) {
     return *found;
 }
 
+std::string TitleOf(std::int32_t fSec, std::int32_t fSub) {
+    const auto kind = KindOf(fSec, fSub);
+    return kind ? std::string(kind->title) : "class " + std::to_string(fSec);
+}
+
 const store::SectionFacts& SectionByName(std::string_view name) {
     std::string names;
     for (const store::SectionFacts* facts : store::Sections()) {

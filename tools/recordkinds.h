@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "store/sections.h"
@@ -20,6 +21,9 @@ struct RecordKind {
 
 /// Nothing for a class that this version does not know.
 std::optional<RecordKind> KindOf(std::int32_t fSec, std::int32_t fSub);
+
+/// "Todo", or "class 20" for a class that this version does not know.
+std::string TitleOf(std::int32_t fSec, std::int32_t fSub);
 
 /// The section of a name of the command line ("todo"); throws Failure for another word.
 const store::SectionFacts& SectionByName(std::string_view name);

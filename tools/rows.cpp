@@ -70,7 +70,7 @@ int ForEachRow(store::Session& session, const std::string& condition, ListTexts 
 }
 
 bool IsHidden(const store::Session& session, bool showPrivate, const Row& row, std::string_view payload) {
-    if (session.ShowPrivate || showPrivate || row.fSec < store::Section::Address) return false;
+    if (session.ShowPrivate || showPrivate || !store::FactsOf(row.fSec)) return false;
     return store::IsPayloadPrivate(payload, static_cast<std::uint8_t>(row.fSec));
 }
 

@@ -31,7 +31,8 @@ enum class ListTexts { Leave, Decipher };
                              const std::function<void(const Row& row, std::string_view payload)>& each);
 
 /// Whether the row stays out of sight: private records do unless the settings or `showPrivate` show them, and
-/// so does what cannot be read, since it might be private. Rows of the system are never hidden.
+/// so does what cannot be read, since it might be private. Rows of the system are never hidden, nor are those
+/// of unknown classes, of which nothing but their number is ever shown.
 bool IsHidden(const store::Session& session, bool showPrivate, const Row& row, std::string_view payload);
 
 /// The row of a key, unless it is hidden.

@@ -3,6 +3,7 @@
 
 usage: bmr_test.py BMR SAMPLEDB ALTER DATA [unittest arguments]
 """
+import contextlib
 import json
 import os
 import pathlib
@@ -323,6 +324,29 @@ class BadFiles(Base):
         self.assertEqual(self.file.read_bytes(), before)
         self.assertEqual(list(self.folder.iterdir()), [self.file])
         self.bmr("check")
+
+    def test_unknown_classes_are_listed_by_number_and_never_touched(self):
+        self.sample(2)
+        with contextlib.closing(sqlite3.connect(self.file)) as db, db:
+            for key, section in ((71, 4), (72, 20), (73, 200), (74, 255), (75, 2000)):
+                db.execute("INSERT INTO tt (fPK, fSec, fSub, fEtx, fT1) VALUES (?, ?, 0, ?, ?)",
+                           (key, section, os.urandom(26), os.urandom(10)))
+            db.execute("UPDATE tt SET fEtx = x'00' WHERE fSec = 5")  # private records are hidden then
+        before = self.rows("fPK BETWEEN 71 AND 75")
+        self.assertEqual(len(before), 5)
+        def unknown(records):
+            return {r["fPK"]: r["section"] for r in records if r["section"].startswith("class")}
+        expected = {71: "class 4", 72: "class 20", 73: "class 200", 74: "class 255", 75: "class 2000"}
+        self.assertEqual(unknown(json.loads(self.bmr("dump", "--json"))), expected)
+        self.assertIn("section: class 20\n", self.bmr("dump"))
+        self.assertEqual(unknown([json.loads(self.bmr("show", 72, "--json"))]), {72: "class 20"})
+        self.assertEqual(json.loads(self.bmr("info", "--json"))["records"]["class 200"], 1)
+        self.assertEqual(call(BMR, "check", self.file).stdout.count("unknown to this version"), 5)
+        for command in ("delete", "done"):
+            self.assertIn("does not know", self.bmr(command, 72, status=1))
+        self.bmr("add", "todo", "--task", "x")
+        self.bmr("compact")
+        self.assertEqual(self.rows("fPK BETWEEN 71 AND 75"), before)
 
     def test_a_newer_one_is_left_alone(self):
         self.bmr("new")

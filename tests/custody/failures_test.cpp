@@ -3,6 +3,7 @@
 #include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
 #include "custody/openfailure.h"
+#include "custody/users.h"
 #include "support/failing_disk.h"
 #include "support/sitting.h"
 
@@ -80,6 +81,7 @@ TEST(FailingDisk, APassphraseIsChangedExactlyWhenThatIsTold) {
         for (int call = 1;; ++call) {
             Case it;
             it.Open();
+            ASSERT_EQ(WritePin(it.session, 1, "4711", 3, true), 0);
             auto change = PassphraseChange::Unverified;
             bool failed = false;
             {
@@ -91,6 +93,11 @@ TEST(FailingDisk, APassphraseIsChangedExactlyWhenThatIsTold) {
                 ++changed;
                 if (it.reader.Told(kStoredInDoubt)) ++doubtful;
             }
+            const PinRecord& pin = it.session.pin;
+            const bool own =
+                pin.PinKind == 1 && pin.Pin.view() == "4711" && pin.PinApp == 3 && pin.PINeveryaccess;
+            EXPECT_EQ(own, change != PassphraseChange::Changed)
+                << "call " << call << ": the PIN of the sitting";
             static_cast<void>(CloseDatabase(it.session));
             const bool isNew = it.Opens(kNewPassphrase);
             EXPECT_NE(isNew, it.Opens(kPassphrase)) << "call " << call << ", " << count;

@@ -168,6 +168,42 @@ TEST(Pin, OneThatWasNeverSetIsMadeWithoutAnotherQuestion) {
     }
 }
 
+TEST(Pin, OneThatLacksAFieldOrHasItInAnotherFormDoesNotDecode) {
+    Sitting sitting;
+    sitting.Make();
+    struct Part {
+        Value value;
+        FieldTag tag;
+        Value odd;
+        FieldTag oddTag;
+    };
+    const Part parts[] = {{1, FieldTag::Byte, Bytes("1"), FieldTag::Text},
+                          {Bytes("4711"), FieldTag::Text, 4711, FieldTag::Int32},
+                          {3, FieldTag::Int32, 3, FieldTag::Byte},
+                          {true, FieldTag::Boolean, 1, FieldTag::Byte}};
+    for (std::size_t wrong = 0; wrong <= std::size(parts); ++wrong) {
+        for (const bool odd : {false, true}) {
+            Bytes payload;
+            for (std::size_t i = 0; i < std::size(parts); ++i) {
+                if (i == wrong && !odd) continue;
+                AppendField(payload, static_cast<std::uint8_t>(i), i == wrong ? parts[i].odd : parts[i].value,
+                            i == wrong ? parts[i].oddTag : parts[i].tag, sitting.random);
+            }
+            auto rows = sitting.session.ProgramDb->OpenRecordset("tt");
+            ASSERT_EQ((*rows)->FindFirst("fSec=2"), 0);
+            (*rows)->Edit();
+            (*rows)->SetField("fT2", cry::FieldCipher(sitting.session.cipher, 1, std::string_view(payload)));
+            ASSERT_EQ((*rows)->Update(), 0);
+            ASSERT_EQ(LoadPin(sitting.session), 0);
+            EXPECT_EQ(sitting.session.pin.Unread, wrong < std::size(parts))
+                << "field " << wrong << ", " << odd;
+        }
+    }
+    EXPECT_TRUE(sitting.session.pin.PINeveryaccess);
+    EXPECT_EQ(sitting.session.pin.Pin.view(), "4711");
+    sitting.Close();
+}
+
 TEST(Pin, OneThatDoesNotDecodeIsLeftUntilTheUserWantsAnother) {
     Sitting sitting;
     sitting.Make();

@@ -46,6 +46,21 @@ TEST_F(Memos, ComeBackWhole) {
     EXPECT_EQ(ClearRecord(store.session, -1).category, 0);
 }
 
+TEST_F(Memos, BlanksAroundASubjectAreNoOtherName) {
+    Memo memo = Add("Garden plan");
+    const auto columns = [&] {
+        const auto row = store.Row("SELECT fR1, fR2 FROM tt WHERE fPK=" + std::to_string(memo.key));
+        return std::vector<Value>{row->Field("fR1"), row->Field("fR2")};
+    };
+    const auto before = columns();
+    memo.subject = "  Garden plan ";
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
+    EXPECT_EQ(columns(), before) << "it keeps its place";
+    memo.subject = "Garden plans";
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
+    EXPECT_NE(columns(), before);
+}
+
 TEST_F(Memos, OnesThatDoNotDecodeWholeSaySo) {
     const Memo memo = Add("Garden plan");
     EXPECT_TRUE(FetchRecord(store.session, memo.key)->readable);

@@ -5,6 +5,7 @@
 #include "custody/passphrase.h"
 #include "custody/users.h"
 #include "shell/navigator.h"
+#include "support/failing_disk.h"
 #include "support/sitting.h"
 
 namespace bmr::shell {
@@ -184,6 +185,34 @@ TEST(Preferences, AFailureAtTheLastStepLeavesFileAndSessionAsTheyWere) {
     session.user.fPK = user;
     sitting.Close();
     EXPECT_EQ(StorePreferences(session, chosen), -98) << "closed meanwhile";
+}
+
+TEST(Preferences, AStoreThatTheDiskRefusesChangesNothingInTheSession) {
+    Sitting sitting;
+    sitting.Make();
+    store::Session& session = sitting.session;
+    const std::string shown = Describe(FromSession(session));
+    Preferences chosen = FromSession(session);
+    for (const Option& option : kOptions)
+        option.change(chosen);
+    int refused = 0;
+    for (int call = 1;; ++call) {
+        int error = 0;
+        {
+            const test::FailingDisk disk(call);
+            error = StorePreferences(session, chosen);
+        }
+        if (error == 0) break;
+        ++refused;
+        EXPECT_EQ(Describe(FromSession(session)), shown) << "call " << call;
+        EXPECT_EQ(session.pin.PinKind, 0);
+        ASSERT_EQ(custody::LoadPin(session), 0);
+        EXPECT_EQ(Describe(FromSession(session)), shown) << "call " << call << ", from the file";
+    }
+    EXPECT_GT(refused, 5);
+    EXPECT_EQ(session.pin.PinApp, 0x1FF);
+    session.ProgramDb->TakeDoubt();
+    sitting.Close();
 }
 
 TEST(Preferences, StoredNumbersThatNoOptionStandsForShowAsWhatTheyActAs) {

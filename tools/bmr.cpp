@@ -12,6 +12,7 @@ class CommandLine {
   public:
     CommandLine() : app_("Lists and changes the records of a Brindlemere database.", "bmr") {
         app_.require_subcommand(1);
+        app_.set_version_flag("--version", "bmr " BMR_VERSION);
         AddReaders();
         AddWriters();
         AddWholeFile();

@@ -1,5 +1,6 @@
 #include "confidential/confidential.h"
 
+#include "base/errors.h"
 #include "base/languageus.h"
 #include "confidential/kinds.h"
 #include "store/indices.h"
@@ -41,6 +42,10 @@ int WriteRecord(Session& session, Record& record) {
 }
 
 int AddRecords(Session& session, std::vector<Record>& records) {
+    for (const Record& record : records)
+        if (const Kind* kind = ConfidentialKindFields(record.kind);
+            kind && kind->FieldCount() < record.n.size() && !record.n.back().empty())
+            return MessageNumber::InputError;
     for (Record& record : records)
         Touch(session, record, record.dateLastModified);
     return store::AddNamed(session, kRecords, records);

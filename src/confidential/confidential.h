@@ -66,7 +66,8 @@ std::optional<Record> FetchRecord(store::Session& session, std::int32_t key, int
 [[nodiscard]] int WriteRecord(store::Session& session, Record& record);
 
 /// Stores many new records in one transaction, their places in the alphabet worked out once. A day of change
-/// that is given stays, 0 becomes today. Sets the keys.
+/// that is given stays, 0 becomes today. Sets the keys. `InputError` with nothing stored when a record fills
+/// the fifth field of a kind that has none, where nobody would see it.
 [[nodiscard]] int AddRecords(store::Session& session, std::vector<Record>& records);
 
 /// The list's statement of a kind.

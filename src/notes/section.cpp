@@ -21,7 +21,7 @@ Result<std::int32_t> Add(store::Session& session, const store::NewRecord& given)
     memo.isPrivate = given.isPrivate;
     if (auto problem = store::SetFields(store::SlotsOf(memo, kMemoFields), given); !problem.empty())
         return Error{0, std::move(problem)};
-    if (memo.subject.empty()) return Error{0, "Subject is required."};
+    if (TrimBlanks(memo.subject).empty()) return Error{0, "Subject is required."};
     if (const int error = WriteRecord(session, memo)) return Error{error, {}};
     return memo.key;
 }

@@ -55,7 +55,7 @@ Result<std::int32_t> Add(store::Session& session, const store::NewRecord& given)
                                     [&task](std::string_view name, std::string_view value, std::string& why) {
                                         return SetColumn(task, name, value, why);
                                     });
-    if (problem.empty() && task.task.empty()) problem = "Description is required.";
+    if (problem.empty() && TrimBlanks(task.task).empty()) problem = "Description is required.";
     if (!problem.empty()) return Error{0, std::move(problem)};
     if (const int error = WriteRecord(session, task).error) return Error{error, {}};
     return task.key;

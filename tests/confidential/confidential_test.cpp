@@ -67,6 +67,18 @@ TEST_F(Records, EmptyFieldsAreLeftOutAndReadBackEmpty) {
     EXPECT_EQ(DayOf(back->dateLastModified), store.clock.Today());
 }
 
+TEST_F(Records, AnImportFillsNoFieldThatItsKindDoesNotShow) {
+    std::vector<Record> many(2);
+    many[0].kind = 2;
+    many[1].kind = 1;
+    many[0].n[4] = many[1].n[4] = "pop.example.org";
+    EXPECT_EQ(AddRecords(store.session, many), -43);
+    EXPECT_EQ(store.Count("SELECT fPK FROM tt"), 0);
+    many[1].n[4].clear();
+    EXPECT_EQ(AddRecords(store.session, many), 0);
+    EXPECT_EQ(FetchRecord(store.session, many[0].key)->n[4], "pop.example.org");
+}
+
 TEST_F(Records, ARecordWithoutANameGetsNoPlaceInTheAlphabet) {
     const Record record = Add(1, "");
     const auto row = store.Row("SELECT fR1, fR2 FROM tt WHERE fPK=" + std::to_string(record.key));

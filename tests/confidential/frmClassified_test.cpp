@@ -240,6 +240,24 @@ TEST_F(Classified, TheMenuAndTheKeysCopyWhatStandsBehindTheMask) {
     EXPECT_EQ(copied, "hun ter2") << "from the list, the secret";
 }
 
+TEST_F(Classified, AFifthFieldThatTheKindDoesNotShowSurvivesAnEdit) {
+    Record record;
+    record.kind = 1;
+    record.n = {"Site", "", "", "", "of another\nprogram"};
+    ASSERT_EQ(WriteRecord(store.session, record), 0);
+    form->cat_Click(1);
+    OnDialog([](QDialog& editor) {
+        EXPECT_FALSE(editor.findChild<QLineEdit*>("txtCtl4")->isVisible());
+        Type(editor, "txtCtl2", "me");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdEdit_Click();
+    const auto stored = FetchRecord(store.session, record.key);
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->n[2], "me");
+    EXPECT_EQ(stored->n[4], record.n[4]);
+}
+
 TEST_F(Classified, TextsAreMeasuredAndLeftToTheByte) {
     Record record;
     record.kind = 5;

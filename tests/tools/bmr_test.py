@@ -97,7 +97,14 @@ class ADay(Base):
         for args in (["--due", "2026-02-30"], ["--due", "2069-04-15"], ["--due", "1925-02-21"],
                      ["--priority", "urgent"]):
             self.bmr("add", "todo", "--task", "x", *args, status=1)
-        self.bmr("list", "drawer", status=1)
+        for section, option in (("todo", "--task"), ("memo", "--subject")):
+            for blank in ("", "   "):
+                self.assertIn("is required", self.bmr("add", section, option, blank, status=1))
+        for command in (["list", "drawer"], ["add", "drawer", "--task", "x"]):
+            self.assertRegex(self.bmr(*command, status=1), "sections are .*memo.*todo.*confidential")
+        version = subprocess.run([BMR, "--version"], capture_output=True, encoding="utf-8")
+        self.assertEqual((version.returncode, version.stderr), (0, ""))
+        self.assertRegex(version.stdout, r"\Abmr \d+\.\d+\.\d+\n\Z")
         self.assertEqual(self.file.read_bytes(), before)
 
 

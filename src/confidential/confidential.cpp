@@ -60,6 +60,16 @@ Result<std::vector<std::int32_t>> ListRecords(Session& session, std::int32_t kin
     return store::ListNamed(session, kRecords, KindClause(kind), search);
 }
 
+Result<std::vector<KindRecords>> FindRecords(Session& session, std::string_view search) {
+    std::vector<KindRecords> found;
+    for (const Kind& kind : ConfidentialKinds()) {
+        auto keys = ListRecords(session, kind.number, search);
+        if (!keys) return keys.error();
+        if (!keys->empty()) found.push_back({kind.number, std::move(*keys)});
+    }
+    return found;
+}
+
 WipedText RecordName(Session& session, std::int32_t fPK) {
     return store::NameOf(session, kRecords.nameField, fPK);
 }

@@ -78,6 +78,16 @@ std::string ConfidentialListSql(std::int32_t kind);
 Result<std::vector<std::int32_t>> ListRecords(store::Session& session, std::int32_t kind,
                                               std::string_view search = {});
 
+/// The records of one kind, in alphabetical order.
+struct KindRecords {
+    std::int32_t kind = 0;
+    std::vector<std::int32_t> keys;
+};
+
+/// The records of all kinds whose name holds `search`, by kinds in the order of the screen; a kind without
+/// any is left out.
+Result<std::vector<KindRecords>> FindRecords(store::Session& session, std::string_view search);
+
 /// The name (n0) of a record.
 WipedText RecordName(store::Session& session, std::int32_t fPK);
 

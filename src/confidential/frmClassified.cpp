@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "confidential/foundmodel.h"
 #include "confidential/frmEditConfidential.h"
 #include "kit/dateentry.h"
 #include "kit/failure.h"
@@ -43,6 +44,7 @@ frmClassified::frmClassified(store::Session& session, std::function<void(const Q
           tr("Record"),
           [this](const std::string& search) { return ListRecords(session_, currentKind, search); },
           [this](std::int32_t fPK) { return RecordName(session_, fPK); }, this)),
+      foundModel_(new FoundModel(session, this)),
       round_(session, *this) {
     setObjectName("frmClassified");
     setWindowTitle("CONFIDENTIAL");
@@ -61,11 +63,12 @@ frmClassified::frmClassified(store::Session& session, std::function<void(const Q
     kit::RememberSplitter(*splitter, session_.ports.registry, "confidential");
     columns->addWidget(splitter, 1);
     HidePad();
-    addRecord_->setEnabled(false);
-    setFocusProxy(cat[1]);
+    AimFocus();
+    if (session_.confidentialKind != 0) PressKind(session_.confidentialKind, store::kNewRecord);
 }
 
 frmClassified::~frmClassified() {
+    if (session_.DatabaseOpen) session_.confidentialKind = currentKind;
     WipeRecord(record_);
 }
 
@@ -75,29 +78,42 @@ QList<QAction*> frmClassified::ToolActions() {
 
 void frmClassified::cat_Click(int Index) {
     if (Index == 0) return;
-    currentKind = Index;
-    addRecord_->setEnabled(true);
-    cat[static_cast<std::size_t>(Index)]->setChecked(true);
-    const Kind& kind = *CurrentKind();
+    if (searching_) CloseFound();
+    PressKind(Index, store::kNewRecord);
+    cat[static_cast<std::size_t>(Index)]->setFocus();
+}
+
+void frmClassified::PressKind(std::int32_t kind, std::int32_t key) {
+    currentKind = kind;
+    cmdAdd->setEnabled(true);
+    QAbstractButton& button = *cat[static_cast<std::size_t>(kind)];
+    button.setChecked(true);
+    ShowCaptions(kind);
+    listSelect_Initialize(key);
+    kindsArea_->ensureWidgetVisible(&button);
+}
+
+void frmClassified::ShowCaptions(std::int32_t number) {
+    const Kind* kind = ConfidentialKindFields(number);
+    if (!kind || number == shownKind_) return;
+    shownKind_ = number;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const bool used = i < kind.FieldCount();
+        const bool used = i < kind->FieldCount();
         rows_[i].lblTxt->setText(
-            QString::fromUtf8(kind.captions[i].data(), static_cast<int>(kind.captions[i].size())));
+            QString::fromUtf8(kind->captions[i].data(), static_cast<int>(kind->captions[i].size())));
         rows_[i].lblTxt->setVisible(used);
         rows_[i].txtCtl->parentWidget()->setVisible(used);
     }
-    lblCategory->setText("Category:  " + QString::fromStdString(std::string(kind.caption)).toUpper());
-    listSelect_Initialize(store::kNewRecord);
-    cat[static_cast<std::size_t>(Index)]->setFocus();
-    kindsArea_->ensureWidgetVisible(cat[static_cast<std::size_t>(Index)]);
+    lblCategory->setText("Category:  " + QString::fromStdString(std::string(kind->caption)).toUpper());
 }
 
 void frmClassified::listSelect_Initialize(std::int32_t key) {
-    if (currentKind == 0 || !session_.DatabaseOpen || session_.ending) return;
+    if ((currentKind == 0 && !searching_) || !session_.DatabaseOpen || session_.ending) return;
     const QWidget* focus = QApplication::focusWidget();
     const bool inside = isAncestorOf(focus) && !cat[0]->parentWidget()->isAncestorOf(focus);
-    pane_->Rebuild(key);
-    if (ListSelect->SelectedRow() < 0) ListSelect->SelectFirst();
+    (searching_ ? found_ : pane_)->Rebuild(key);
+    if (ShownList()->SelectedRow() < 0) ShownList()->SelectFirst();
+    AimFocus();
     if (inside) FocusList();  // what had it may be hidden now
 }
 
@@ -107,7 +123,7 @@ kit::Emptiness frmClassified::WhyEmpty() const {
 }
 
 void frmClassified::Refresh() {
-    listSelect_Initialize(ListSelect->SelectedKey());
+    listSelect_Initialize(ShownList()->SelectedKey());
 }
 
 void frmClassified::SelectRecord(std::int32_t fPK) {
@@ -116,7 +132,7 @@ void frmClassified::SelectRecord(std::int32_t fPK) {
     const std::int32_t kind = record->kind;
     WipeRecord(*record);
     if (ConfidentialKindFields(kind) == nullptr) return;  // no list holds it
-    pane_->ClearSearch();
+    if (searching_) CloseFound();
     if (kind != currentKind) cat_Click(kind);
     listSelect_Initialize(fPK);
 }
@@ -132,6 +148,7 @@ void frmClassified::HidePad() {
 
 void frmClassified::ShowEmptyPad() {
     HidePad();
+    ShowCaptions(currentKind);
     padFrame->show();
 }
 
@@ -140,6 +157,7 @@ void frmClassified::ShowRecord(std::int32_t key) {
     if (!record) return HidePad();
     WipeRecord(record_);
     record_ = std::move(*record);
+    ShowCaptions(record_.kind);
     ShowFields();
     ctlPrivate->setVisible(record_.isPrivate);
     padFrame->show();
@@ -154,11 +172,11 @@ QString frmClassified::FieldText(std::size_t i) const {
 }
 
 bool frmClassified::IsMasked(std::size_t i) const {
-    return IsMaskedCaption(CurrentKind()->captions[i]) && !chkPlainPW->isChecked();
+    return IsMaskedCaption(ShownKind()->captions[i]) && !chkPlainPW->isChecked();
 }
 
 void frmClassified::ShowFields() {
-    const Kind* kind = CurrentKind();
+    const Kind* kind = ShownKind();
     const int height = kind ? kind->height : 1;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         const bool filled = kind && i < kind->FieldCount() && !record_.n[i].empty();
@@ -182,7 +200,9 @@ void frmClassified::chkPlainPW_Click() {
 }
 
 void frmClassified::cmdAdd_Click() {
-    if (currentKind == 0 || round_.Open()) return;
+    if (round_.Open()) return;
+    if (searching_) LeaveSearch();
+    if (currentKind == 0) return;
     Record record;
     record.kind = currentKind;
     ShowEmptyPad();
@@ -190,9 +210,10 @@ void frmClassified::cmdAdd_Click() {
 }
 
 void frmClassified::cmdEdit_Click() {
-    if (model_->rowCount() == 0 || round_.Open()) return;
+    const std::int32_t key = ShownList()->SelectedKey();
+    if (key == kit::RecordListView::kNoKey || round_.Open()) return;
     int error = 0;
-    auto record = FetchRecord(session_, ListSelect->SelectedKey(), &error);
+    auto record = FetchRecord(session_, key, &error);
     kit::TellFailure(session_, error, tr("The record could not be read."));
     if (record) EditRecord(std::move(*record));
 }
@@ -203,6 +224,7 @@ void frmClassified::OpenDraft(const custody::Draft& draft) {
         SelectRecord(draft.key);
     } else {
         if (ConfidentialKindFields(draft.category) == nullptr) return;  // the draft stays
+        if (searching_) CloseFound();
         if (currentKind != draft.category) cat_Click(draft.category);
         ShowEmptyPad();
         record.emplace().kind = draft.category;
@@ -214,7 +236,7 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
     if (ConfidentialKindFields(record.kind) == nullptr) return WipeRecord(record);
     if (!record.readable && !kit::AskToOverwrite(session_, tr("record"))) return WipeRecord(record);
     const std::int32_t keyBefore = record.key;
-    const std::int32_t shown = ListSelect->SelectedKey();
+    const std::int32_t shown = ShownList()->SelectedKey();
     const WipedText nameBefore = record.n[0];
     frmEditConfidential editor(session_, record, this);
     if (padFrame->isVisible()) editor.Cover(*padFrame->parentWidget());
@@ -239,18 +261,18 @@ void frmClassified::EditRecord(Record record, const custody::Draft* draft) {
 
 void frmClassified::ShowNothing() {
     HidePad();
-    ListSelect->SelectKey(kit::RecordListView::kNoKey);
+    ShownList()->SelectKey(kit::RecordListView::kNoKey);
 }
 
 void frmClassified::cmdDelete_Click() {
-    const std::int32_t key = ListSelect->SelectedKey();
-    if (model_->rowCount() == 0 || key == kit::RecordListView::kNoKey) return;
-    if (ListSelect->SelectedCount() > 1) return pane_->DeleteSelected(79);
+    const std::int32_t key = ShownList()->SelectedKey();
+    if (key == kit::RecordListView::kNoKey) return;
+    if (ShownList()->SelectedCount() > 1) return Pane()->DeleteSelected(79);
     if (session_.ports.prompter.Ask(ConfirmDelete(79, DeleteText(record_.n[0]))) != Answer::Ok) return;
     const int error = store::DeleteRow(session_, key);
     kit::TellFailure(session_, error, tr("The record was not deleted."));
     listSelect_Initialize(store::kNewRecord);
-    if (error == 0) pane_->TellStep();
+    if (error == 0) Pane()->TellStep();
 }
 
 }  // namespace bmr::confidential

@@ -18,6 +18,7 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QScrollArea;
+class QStackedWidget;
 class QToolButton;
 
 namespace bmr::kit {
@@ -28,7 +29,10 @@ class RecordListView;
 
 namespace bmr::confidential {
 
-/// The confidential section: sixteen kinds, the records of the chosen kind, and the chosen record.
+class FoundModel;
+
+/// The confidential section: sixteen kinds, the records of the chosen kind, and the chosen record. A search
+/// goes through all kinds and has a list of its own, which stands in the place of the other while it lasts.
 class frmClassified final : public SectionForm {
     Q_OBJECT
 
@@ -42,15 +46,17 @@ class frmClassified final : public SectionForm {
     QList<QAction*> ToolActions() override;
     QString HelpPage() const override { return "confidential"; }
     void Refresh() override;
-    void SetSearch(const QString& text) override { pane_->SetSearch(text); }
+    void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
-    kit::ListPane* Pane() const override { return pane_; }
+    kit::ListPane* Pane() const override { return searching_ ? found_ : pane_; }
     bool Editing() const override { return round_.Open(); }
     std::vector<custody::Draft> Drafts() const override { return round_.Drafts(); }
     void OpenDraft(const custody::Draft& draft) override;
 
     void cat_Click(int Index);
     void cmdAdd_Click();
+    /// The entry of the menu and its key: asks for the kind while none is chosen.
+    void mnuConfidentialAdd_Click();
     void cmdEdit_Click();
     void cmdDelete_Click();
     void chkPlainPW_Click();
@@ -74,7 +80,20 @@ class frmClassified final : public SectionForm {
     QWidget* BuildPad();
     void BuildRow(QFormLayout& form, std::size_t i);
 
+    void BuildFound();
+
     void listSelect_Initialize(std::int32_t key);
+    void PressKind(std::int32_t kind, std::int32_t key);
+    bool AskKind();
+    void ShowCaptions(std::int32_t kind);
+    /// Back from what was found to the kind of the chosen record, or to where the search began.
+    void LeaveSearch();
+    void CloseFound();
+    /// In the menu stand the verbs of the list that is shown.
+    void ShowRowActions();
+    /// Where the keyboard goes on when the section gets it.
+    void AimFocus();
+    kit::RecordListView* ShownList() const { return (searching_ ? found_ : pane_)->List(); }
     void ShowRecord(std::int32_t key);
     void ShowFields();
     void HidePad();
@@ -91,16 +110,23 @@ class frmClassified final : public SectionForm {
     kit::FieldUse UseOf(std::size_t i) const;
     bool IsMasked(std::size_t i) const;
     kit::Emptiness WhyEmpty() const;
-    const Kind* CurrentKind() const { return ConfidentialKindFields(currentKind); }
+    /// The kind whose captions the pad has: of the chosen record, else the one that is pressed.
+    const Kind* ShownKind() const { return ConfidentialKindFields(shownKind_); }
     QString FieldText(std::size_t i) const;
 
     store::Session& session_;
     std::function<void(const QString&)> copy_;
     kit::NamedListModel* model_;
+    FoundModel* foundModel_;
     std::int32_t currentKind = 0;
-    Record record_;  ///< what the pad shows; wiped with it
+    std::int32_t shownKind_ = 0;
+    bool searching_ = false;
+    bool foundRead_ = false;  ///< the list of what was found is read for the first time by us
+    Record record_;           ///< what the pad shows; wiped with it
     kit::EditRound round_;
     kit::ListPane* pane_;
+    kit::ListPane* found_;
+    QStackedWidget* lists_;
 
     QMenu* menu_;
     QAction* addRecord_;
@@ -110,6 +136,7 @@ class frmClassified final : public SectionForm {
 
     QScrollArea* kindsArea_;
     std::array<QAbstractButton*, 17> cat{};
+    QAbstractButton* cmdAdd = nullptr;
     kit::RecordListView* ListSelect = nullptr;
     QFrame* padFrame = nullptr;
     QFormLayout* padForm_ = nullptr;

@@ -8,9 +8,11 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "confidential/foundmodel.h"
 #include "confidential/frmClassified.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
@@ -46,7 +48,7 @@ void frmClassified::BuildActions() {
     addRecord_ = MakeAction(*this,
                             {"mnuConfidentialAdd", tr("&New Record…"), "document-new", tr("New Record"),
                              QKeySequence(Qt::CTRL | Qt::Key_N)},
-                            &frmClassified::cmdAdd_Click);
+                            &frmClassified::mnuConfidentialAdd_Click);
     editRecord_ = MakeAction(*this,
                              {"mnuConfidentialEdit", tr("&Edit…"), "document-edit", tr("Edit"),
                               QKeySequence(Qt::CTRL | Qt::Key_E)},
@@ -145,7 +147,12 @@ QWidget* frmClassified::BuildList() {
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(Space::Row);
-    for (QPushButton* button : pane_->MakeButtons()) {
+    const auto made = pane_->MakeButtons();
+    cmdAdd = made[0];
+    // The key asks for the kind while none is chosen; the button waits for one.
+    disconnect(addRecord_, &QAction::changed, cmdAdd, nullptr);
+    cmdAdd->setEnabled(false);
+    for (QPushButton* button : made) {
         // The toolbar has them; here every pixel counts in a small window.
         button->setIcon({});
         button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -156,9 +163,42 @@ QWidget* frmClassified::BuildList() {
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(Space::Row, Space::Row, Space::Row, Space::Row);
     column->setSpacing(Space::Row);
-    column->addWidget(pane_, 1);
+    BuildFound();
+    lists_ = new QStackedWidget;
+    lists_->addWidget(pane_);
+    lists_->addWidget(found_);
+    column->addWidget(lists_, 1);
     column->addLayout(buttons);
     return panel;
+}
+
+void frmClassified::BuildFound() {
+    const auto read = [this](const QString& search) {
+        HidePad();
+        return foundModel_->Rebuild(search);
+    };
+    found_ = new kit::ListPane(session_, foundModel_,
+                               {.section = store::Section::Confidential,
+                                .name = "listFound",
+                                .caption = tr("Records found"),
+                                .read = read,
+                                .unread = tr("The records could not be read."),
+                                .one = tr("1 record found"),
+                                .many = tr("%1 records found"),
+                                .icon = "edit-find",
+                                .empty = [] { return kit::Emptiness(); },
+                                .unfound = tr("Nothing for “%1” in Confidential."),
+                                .add = addRecord_,
+                                .edit = editRecord_,
+                                .remove = deleteRecord_,
+                                .menu = [this](const QPoint& at) { menu_->popup(at); }});
+    found_->List()->setHeaderHidden(true);
+    found_->List()->viewport()->installEventFilter(this);
+    connect(found_->List(), &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
+    connect(found_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);
+    connect(found_, &kit::ListPane::UndoWanted, pane_, &kit::ListPane::UndoWanted);
+    menu_->insertActions(pane_->RowActions().constFirst(), found_->RowActions());
+    ShowRowActions();
 }
 
 void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {

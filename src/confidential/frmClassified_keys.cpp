@@ -20,10 +20,17 @@
 namespace bmr::confidential {
 
 void frmClassified::FocusList() {
-    if (ListSelect->isEnabled())
-        ListSelect->setFocus();
+    if (ShownList()->isEnabled())
+        ShownList()->setFocus();
     else
-        cat[static_cast<std::size_t>(currentKind)]->setFocus();
+        cat[static_cast<std::size_t>(qMax(1, currentKind))]->setFocus();
+}
+
+void frmClassified::AimFocus() {
+    if (ShownList()->isEnabled())
+        setFocusProxy(ShownList());
+    else
+        setFocusProxy(cat[static_cast<std::size_t>(qMax(1, currentKind))]);
 }
 
 void frmClassified::keyPressEvent(QKeyEvent* event) {
@@ -34,7 +41,7 @@ void frmClassified::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
         case Qt::Key_PageDown:
-            if (currentKind == 0) return cat[1]->setFocus(Qt::TabFocusReason);
+            if (currentKind == 0 && !searching_) return cat[1]->setFocus(Qt::TabFocusReason);
             break;
         default:
             break;
@@ -70,10 +77,11 @@ bool frmClassified::KindKey(QAbstractButton& kind, int key) {
 
 bool frmClassified::eventFilter(QObject* watched, QEvent* event) {
     // The kinds are built, and heard, before the list is.
-    if (ListSelect && watched == ListSelect->viewport() && event->type() == QEvent::MouseButtonPress) {
+    if (ListSelect && watched == ShownList()->viewport() && event->type() == QEvent::MouseButtonPress) {
         // Beside the rows is no row: the record that is shown stays.
         const auto* press = static_cast<QMouseEvent*>(event);
-        return !ListSelect->indexAt(press->position().toPoint()).isValid();
+        const QModelIndex row = ShownList()->indexAt(press->position().toPoint());
+        return !(row.flags() & Qt::ItemIsSelectable);
     }
     if (watched == padFrame && (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)) {
         // In a small window captions stand above their fields; what the screen has no height for is scrolled.
@@ -89,7 +97,7 @@ bool frmClassified::eventFilter(QObject* watched, QEvent* event) {
     if (auto* kind = qobject_cast<QAbstractButton*>(watched)) return KindKey(*kind, key->key());
     if (!key->matches(QKeySequence::Copy)) return false;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const bool part = rows_[i].txtCtl->hasSelectedText() && !(CurrentKind() && IsMasked(i));
+        const bool part = rows_[i].txtCtl->hasSelectedText() && !(ShownKind() && IsMasked(i));
         if (rows_[i].txtCtl != watched || part) continue;
         CopyField(i);  // not the mask, and without a selection all there is
         return true;
@@ -110,8 +118,8 @@ void frmClassified::mnuCopy_Click() {
         if (rows_[i].txtCtl->parentWidget()->isAncestorOf(focus) && !record_.n[i].empty())
             return CopyField(i);
     // From elsewhere: the secret, or what else the record is there for.
-    for (std::size_t i = 0; i < CurrentKind()->FieldCount(); ++i)
-        if (IsMaskedCaption(CurrentKind()->captions[i]) && !record_.n[i].empty()) return CopyField(i);
+    for (std::size_t i = 0; i < ShownKind()->FieldCount(); ++i)
+        if (IsMaskedCaption(ShownKind()->captions[i]) && !record_.n[i].empty()) return CopyField(i);
     for (const std::size_t i : {1U, 2U, 3U, 4U, 0U})
         if (!record_.n[i].empty()) return CopyField(i);
 }
@@ -126,7 +134,7 @@ kit::FieldUse frmClassified::UseOf(std::size_t i) const {
     use.whole = FieldText(i);
     use.masked = IsMasked(i);
     if (use.masked) return use;
-    const std::string_view caption = CurrentKind()->captions[i];
+    const std::string_view caption = ShownKind()->captions[i];
     WipedText text = kit::TakeWords(*use.whole);
     use.web = IsUrlCaption(caption) || text.starts_with("www.") || text.find("://") != std::string::npos;
     use.mail = IsMailCaption(caption) || shell::ValidEmail(text);

@@ -39,6 +39,7 @@ void ForgetDatabase(Session& session) {
     cry::WipeBytes(session.cipher.Keystring);
     cry::WipeBytes(session.cipher.FieldPlain);
     WipeHashes(session);
+    session.confidentialKind = 0;
     session.user = CurrentUser();
     session.pin = PinRecord();
     session.settings = Settings();

@@ -101,7 +101,7 @@ void ListPane::ShowState() {
 
 void ListPane::TellStatus() {
     if (!read_) return emit StatusChanged({});
-    const int count = model_->rowCount();
+    const int count = model_->RecordCount();
     QStringList words{count == 1 ? parts_.one : parts_.many.arg(QLocale().toString(count))};
     if (parts_.more) words += parts_.more();
     if (!parts_.more && !session_.ShowPrivate) words += tr("private ones hidden");

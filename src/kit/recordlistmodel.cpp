@@ -14,6 +14,7 @@ int RecordListModel::rowCount(const QModelIndex& parent) const {
 }
 
 Qt::ItemFlags RecordListModel::flags(const QModelIndex& index) const {
+    if (index.isValid() && Heading(index.row())) return Qt::ItemNeverHasChildren;
     return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
 }
 

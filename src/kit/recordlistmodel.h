@@ -51,6 +51,11 @@ class RecordListModel : public QAbstractTableModel {
 
     /// Overwrites the texts that are kept; the next look at a row reads it anew.
     void ForgetAll();
+    /// A row that is no record and only names those below it: nobody can select it.
+    virtual bool Heading(int) const { return false; }
+    /// How many rows are records.
+    virtual int RecordCount() const { return rowCount(); }
+
     /// True when a column is known to hold nothing in any row. Where room is short such a column gives way;
     /// what would have to be deciphered to know is not looked at.
     virtual bool ColumnEmpty(int) const { return false; }

@@ -83,7 +83,7 @@ std::vector<int> RecordListView::SelectedRows() const {
     std::vector<int> rows;
     for (const QItemSelectionRange& range : selectionModel()->selection())
         for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(row);
+            if (!model_->Heading(row)) rows.push_back(row);
     // A row can lie in several pieces: columns that are hidden or moved cut it.
     std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
@@ -123,7 +123,8 @@ void RecordListView::SelectKeys(const std::vector<std::int32_t>& keys) {
 }
 
 void RecordListView::SelectFirst() {
-    if (model_->rowCount() > 0) SelectKey(model_->KeyAt(0));
+    for (int row = 0; row < model_->rowCount(); ++row)
+        if (!model_->Heading(row)) return SelectKey(model_->KeyAt(row));
 }
 
 void RecordListView::SelectOneOf(std::initializer_list<std::int32_t> keys) {
@@ -162,7 +163,8 @@ void RecordListView::keyboardSearch(const QString& letters) {
     const int from = current ? currentIndex().row() : 0;
     for (int i = current && typed_.size() == 1 ? 1 : 0; i < rows && i < kSearched; ++i) {
         const QModelIndex index = model_->index((from + i) % rows, 0);
-        if (!index.data().toString().startsWith(typed_, Qt::CaseInsensitive)) continue;
+        if (model_->Heading(index.row()) || !index.data().toString().startsWith(typed_, Qt::CaseInsensitive))
+            continue;
         setCurrentIndex(index);
         return;
     }

@@ -83,6 +83,9 @@ struct Session {
     bool DefaultPathChosen = false;  ///< the default file is being made: ask for no name
     bool ending = false;             ///< the program is going down: no question, no store any more
 
+    /// The kind that was pressed when the confidential section was last left; 0 none.
+    std::int32_t confidentialKind = 0;
+
     // Only while a prompt is answered and the keys are loaded; wiped on every path.
     Secret PassHash;
     Secret PassHashStrong;

@@ -20,6 +20,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
+#include <map>
 
 #include "kit/recordlistview.h"
 #include "support/forms.h"
@@ -81,6 +82,132 @@ TEST_F(Classified, NothingIsShownUntilAKindIsChosen) {
     EXPECT_FALSE(Find<kit::RecordListView>("ListSelect").isEnabled());
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
     EXPECT_TRUE(Find<QWidget>("padHint").isVisible()) << "the empty pad says what to do";
+}
+
+struct ClassifiedSearch : Classified {
+    ClassifiedSearch() {
+        for (const auto& [kind, name] :
+             {std::pair{16, "Garden shop"}, {1, "Garden forum"}, {7, "Rose card"}, {1, "Bank"}}) {
+            Record record;
+            record.kind = kind;
+            record.n[0] = name;
+            record.n[3] = "secret";
+            EXPECT_EQ(WriteRecord(store.session, record), 0);
+            keys[name] = record.key;
+        }
+    }
+    QStringList Found() {
+        QStringList rows;
+        const auto* model = found().model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            rows << model->index(row, 0).data().toString();
+        return rows;
+    }
+    kit::RecordListView& found() { return Find<kit::RecordListView>("listFound"); }
+    QString Shown() { return Find<QLineEdit>("txtCtl0").text(); }
+    bool Pressed(int kind) { return Find<QAbstractButton>("cat" + std::to_string(kind)).isChecked(); }
+    std::map<std::string, std::int32_t> keys;
+};
+
+TEST_F(ClassifiedSearch, GoesThroughAllKindsAndEndsAtTheOneThatWasChosen) {
+    QSignalSpy status(form.get(), &SectionForm::StatusChanged);
+    form->SetSearch("garden");
+    EXPECT_TRUE(found().isVisible());
+    EXPECT_EQ(Found(), (QStringList{"Web Login", "Garden forum", "E-Commerce", "Garden shop"}));
+    EXPECT_EQ(status.back()[0].toString(), "2 records found");
+    EXPECT_EQ(found().SelectedKey(), keys["Garden forum"]) << "a heading is no record";
+    EXPECT_EQ(Find<QLabel>("lblTxt4").isVisible(), false);
+    QTest::keyClick(&found(), Qt::Key_Down);
+    EXPECT_EQ(found().SelectedKey(), keys["Garden shop"]);
+    EXPECT_EQ(Shown(), "Garden shop");
+    EXPECT_EQ(Find<QLabel>("lblTxt0").text(), "Company") << "its own kind's captions";
+    EXPECT_EQ(Find<QLabel>("lblTxt4").text(), "Customer Number");
+    EXPECT_TRUE(Find<QLabel>("lblTxt4").isVisible());
+    EXPECT_EQ(Find<QLineEdit>("txtCtl3").text(), QString(10, '?'));
+    EXPECT_FALSE(Pressed(16)) << "not before the search is left";
+
+    QSignalSpy ended(form.get(), &SectionForm::SearchEnded);
+    form->SetSearch("");
+    EXPECT_TRUE(Pressed(16));
+    EXPECT_FALSE(found().isVisible());
+    EXPECT_EQ(Names(), QStringList{"Garden shop"});
+    EXPECT_EQ(Shown(), "Garden shop");
+    EXPECT_EQ(ended.size(), 1);
+    EXPECT_TRUE(Found().isEmpty()) << "nothing is kept of it";
+
+    form->SetSearch("nobody has this");
+    EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+    form->SetSearch("");
+    EXPECT_TRUE(Pressed(16)) << "where it began";
+    EXPECT_EQ(Shown(), "Garden shop");
+}
+
+TEST_F(ClassifiedSearch, EditsAndDeletesWhatWasFoundAndAKindEndsIt) {
+    form->SetSearch("garden");
+    found().SelectKey(keys["Garden shop"]);
+    OnDialog([](QDialog& editor) {
+        EXPECT_EQ(editor.findChild<QLineEdit*>("txtCtl0")->text(), "Garden shop");
+        Type(editor, "txtCtl0", "A garden");
+        editor.findChild<QPushButton*>("cmdOK")->click();
+    });
+    form->cmdEdit_Click();
+    EXPECT_EQ(Found(), (QStringList{"Web Login", "Garden forum", "E-Commerce", "A garden"}));
+    EXPECT_EQ(Shown(), "A garden");
+    store.prompter.Expect(79, Answer::Ok);
+    form->cmdDelete_Click();
+    EXPECT_EQ(Found(), (QStringList{"Web Login", "Garden forum"}));
+
+    QSignalSpy ended(form.get(), &SectionForm::SearchEnded);
+    Find<QAbstractButton>("cat7").click();
+    EXPECT_EQ(ended.size(), 1);
+    EXPECT_EQ(Names(), QStringList{"Rose card"});
+    form->SetSearch("garden");
+    AddLogin("New one", "x");
+    EXPECT_TRUE(Pressed(1)) << "a new record is of the found one's kind";
+    EXPECT_EQ(Names(), (QStringList{"Bank", "Garden forum", "New one"}));
+}
+
+TEST_F(ClassifiedSearch, ANewRecordAsksForItsKindOnlyWhileNoneIsChosen) {
+    EXPECT_FALSE(Find<QPushButton>("cmdAdd").isEnabled());
+    const auto add = [this](const QString& expectedTitle) {
+        OnDialog([=](QDialog& editor) {
+            EXPECT_EQ(editor.windowTitle(), expectedTitle);
+            editor.reject();
+        });
+        Find<QAction>("mnuConfidentialAdd").trigger();
+    };
+    const auto onMenu = [this](const std::function<void(QMenu&)>& work) {
+        QTimer::singleShot(0, form.get(), [work] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            EXPECT_EQ(menu->objectName(), "kindsMenu");
+            work(*menu);
+        });
+    };
+    onMenu([](QMenu& menu) { menu.close(); });
+    Find<QAction>("mnuConfidentialAdd").trigger();  // no dialog comes
+    onMenu([](QMenu& menu) {
+        QTest::keyClick(&menu, Qt::Key_Down);
+        QTest::keyClick(&menu, Qt::Key_Return);
+    });
+    add("Email Accounts");
+    EXPECT_TRUE(Pressed(2));
+    add("Email Accounts");  // no menu comes
+}
+
+TEST_F(ClassifiedSearch, TheLastKindIsPressedAgainUntilTheDatabaseIsClosed) {
+    const auto reopen = [this] {
+        form.reset();
+        form = std::make_unique<frmClassified>(store.session, [](const QString&) {});
+        form->show();
+    };
+    reopen();
+    EXPECT_TRUE(Pressed(0)) << "nothing was chosen yet";
+    form->cat_Click(7);
+    reopen();
+    EXPECT_TRUE(Pressed(7));
+    EXPECT_EQ(Shown(), "Rose card");
+    EXPECT_TRUE(Find<QPushButton>("cmdAdd").isEnabled());
 }
 
 TEST_F(Classified, TheKeyboardAloneChoosesKindsAndKeepsTheFocus) {

@@ -141,7 +141,9 @@ TEST(Opening, FileOfAnotherProgram) {
     EXPECT_EQ(tasks, 3);
     sitting.prompter.Type(kPassphrase);
     EXPECT_TRUE(VerifyUser(sitting.session, "Enter Passphrase"));
+    sitting.session.confidentialKind = 7;
     sitting.Close();
+    EXPECT_EQ(sitting.session.confidentialKind, 0) << "the next database has other records";
     EXPECT_EQ(sitting.Rows().size(), 22u);
 }
 

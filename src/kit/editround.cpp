@@ -40,6 +40,9 @@ EditEnd EditRound::Repeat(QDialog& editor, const bool& changed, const QString& f
     for (;;) {
         editor.exec();
         if (Closed()) return EditEnd::Closed;
+        // A window manager may look for the next window among those that are just going, the editor's own
+        // question and the editor, and end with none: the keys would go nowhere.
+        form_.activateWindow();
         recordChanged->setChecked(changed);
         if (!recordChanged->isChecked()) return EditEnd::GivenUp;
         const int error = write();

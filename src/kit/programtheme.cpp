@@ -27,6 +27,7 @@ class BmrStyle final : public QProxyStyle {
         if (element == PE_IndicatorItemViewItemCheck || element == PE_IndicatorCheckBox ||
             element == PE_IndicatorRadioButton)
             return DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
+        if (element == PE_FrameFocusRect) return DrawFocus(*option, *painter);
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         DrawOutline(element, *option, *painter);
     }
@@ -117,6 +118,16 @@ class BmrStyle final : public QProxyStyle {
     }
 
   private:
+    // A line alone: Fusion fills the frame too, and every ink in a selected row would lose by it.
+    static void DrawFocus(const QStyleOption& option, QPainter& painter) {
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(InkOf(Ink::Accent, option.palette), 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+        painter.restore();
+    }
+
     // Fusion's outlines are shades of the window's colour: on dark grounds they drown, and black has none.
     static void DrawOutline(PrimitiveElement element, const QStyleOption& option, QPainter& painter) {
         const bool frame = element == PE_FrameLineEdit || element == PE_Frame;

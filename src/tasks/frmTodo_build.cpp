@@ -188,7 +188,7 @@ void frmTodo::BuildList() {
         const int scaled = told.width / kUnitsPerPixel * metrics.height() / 16;
         TodoList->SetColumnWidth(column, std::max(scaled, holdsDates ? date : 0));
     }
-    TodoList->SetTextColumn(SubItem::Task, metrics.averageCharWidth() * 44);
+    TodoList->SetTextColumn(SubItem::Task, metrics.averageCharWidth() * 52);
     TodoList->RememberColumns(session_.ports.registry, "tasks");
     connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
     connect(TodoList, &kit::RecordListView::KeySelected, pane_, &kit::ListPane::TellStatus);

@@ -8,7 +8,6 @@ namespace bmr::kit {
 
 namespace {
 
-// Columns, and places in the cached texts.
 constexpr int kName = 0;
 constexpr int kLock = 1;
 constexpr int kDate = 2;
@@ -22,6 +21,7 @@ NamedListModel::NamedListModel(const QString& caption, List list, NameOf nameOf,
 int NamedListModel::Rebuild(const QString& search) {
     auto keys = list_(TakeWords(search));
     beginResetModel();
+    details_.clear();
     SetKeys(keys ? std::move(*keys) : std::vector<std::int32_t>());
     endResetModel();
     return keys ? 0 : keys.error().number;
@@ -33,13 +33,17 @@ void NamedListModel::SetDetails(store::Session& session, DetailsOf detailsOf) {
 }
 
 CellTexts NamedListModel::ReadTexts(int row) const {
-    Details details = detailsOf_ ? detailsOf_(KeyAt(row)) : Details();
-    return CellTexts({ShowWords(nameOf_(KeyAt(row))), details.isPrivate ? QString("P") : QString(),
-                      std::move(details.date)});
+    return CellTexts({ShowWords(nameOf_(KeyAt(row)))});
 }
 
 QString NamedListModel::Name(int row) const {
-    return TextsOf(row).texts[kName];
+    return TextsOf(row).texts.front();
+}
+
+const NamedListModel::Details& NamedListModel::DetailsAt(int row) const {
+    const std::int32_t key = KeyAt(row);
+    if (const auto known = details_.find(key); known != details_.end()) return known->second;
+    return details_.emplace(key, detailsOf_(key)).first->second;
 }
 
 bool NamedListModel::ColumnEmpty(int column) const {
@@ -55,10 +59,12 @@ QVariant NamedListModel::data(const QModelIndex& index, int role) const {
     const int row = index.row();
     switch (role) {
         case Qt::DisplayRole:
-            return TextsOf(row).texts[static_cast<std::size_t>(index.column())];
+            if (index.column() == kName) return Name(row);
+            if (index.column() == kLock) return DetailsAt(row).isPrivate ? QString("P") : QString();
+            return DetailsAt(row).date;
         case Qt::ToolTipRole:
             if (index.column() == kName) return Name(row);
-            if (index.column() == kLock && !TextsOf(row).texts[kLock].isEmpty()) return tr("Private");
+            if (index.column() == kLock && DetailsAt(row).isPrivate) return tr("Private");
             break;
         case Qt::TextAlignmentRole:
             if (index.column() == kDate) return static_cast<int>(Qt::AlignVCenter | Qt::AlignRight);
@@ -68,7 +74,7 @@ QVariant NamedListModel::data(const QModelIndex& index, int role) const {
         case RecordRole::Marks:
             return index.column() == kDate ? RowMark::Quiet : 0;
         case RecordRole::Symbol:
-            if (index.column() == kLock && !TextsOf(row).texts[kLock].isEmpty()) return Icon("object-locked");
+            if (index.column() == kLock && DetailsAt(row).isPrivate) return Icon("object-locked");
             break;
         default:
             break;

@@ -3,6 +3,7 @@
 #include <QString>
 #include <functional>
 #include <string>
+#include <unordered_map>
 
 #include "base/result.h"
 #include "base/wiped.h"
@@ -51,9 +52,13 @@ class NamedListModel final : public RecordListModel {
     CellTexts ReadTexts(int row) const override;
 
   private:
+    const Details& DetailsAt(int row) const;
+
     QString caption_;
     store::Session* session_ = nullptr;
     DetailsOf detailsOf_;
+    // Apart from the names: typing looks through many of those, and a payload may be long.
+    mutable std::unordered_map<std::int32_t, Details> details_;
     List list_;
     NameOf nameOf_;
 };

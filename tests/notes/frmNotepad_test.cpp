@@ -118,6 +118,12 @@ TEST_F(Notepad, RowsTellTheDayAndALockAndThePadWhatToDo) {
     EXPECT_TRUE(cell(0, 1, kit::RecordRole::Symbol).isNull());
     EXPECT_FALSE(cell(1, 1, kit::RecordRole::Symbol).isNull());
     EXPECT_FALSE(Find<QWidget>("ctlPrivate").isVisible());
+    memo.isPrivate = false;
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
+    form->Refresh();
+    EXPECT_TRUE(cell(1, 1, kit::RecordRole::Symbol).isNull()) << "read anew";
+    memo.isPrivate = true;
+    ASSERT_EQ(WriteRecord(store.session, memo), 0);
     list().SelectKey(memo.key);
     EXPECT_TRUE(Find<QWidget>("ctlPrivate").isVisible());
     list().SelectKey(kit::RecordListView::kNoKey);

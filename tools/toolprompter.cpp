@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "base/languageus.h"
+#include "custody/passphrase.h"
 #include "shell/passcheck.h"
 
 namespace bmr::tools {
@@ -29,7 +30,8 @@ bool ToolPrompter::AskNew(const PassphraseRequest& request, Secret& typed) {
         problem_ = input_.Problem();
         return false;
     }
-    if (!input_.Interactive()) return true;
+    // Who asked refuses one that is too short; nobody need judge it or type it twice.
+    if (!input_.Interactive() || typed.size() < custody::kShortestPassphrase) return true;
     if (request.checkQuality && shell::IsWeak(typed.view()) && !input_.Confirm(Msg(158))) {
         problem_ = Msg(45);
         return false;

@@ -11,6 +11,12 @@ namespace bmr {
 /// Overwrites memory in a way that the compiler keeps.
 void WipeMemory(void* memory, std::size_t size) noexcept;
 
+/// Memory for secrets: in pages that are never written to the swap, where the system grants any and the block
+/// is small, else ordinary memory. Throws `std::bad_alloc`.
+void* TakeSecretMemory(std::size_t size);
+/// Overwrites it and gives it back. `size` as it was taken.
+void GiveSecretMemory(void* memory, std::size_t size) noexcept;
+
 /// Allocator that wipes what it gives back, so that a growing or ending buffer leaves nothing behind.
 template <class T>
 struct WipingAllocator {
@@ -18,11 +24,8 @@ struct WipingAllocator {
     WipingAllocator() = default;
     template <class U>
     WipingAllocator(const WipingAllocator<U>&) noexcept {}
-    T* allocate(std::size_t n) { return static_cast<T*>(::operator new(n * sizeof(T))); }
-    void deallocate(T* p, std::size_t n) noexcept {
-        WipeMemory(p, n * sizeof(T));
-        ::operator delete(p);
-    }
+    T* allocate(std::size_t n) { return static_cast<T*>(TakeSecretMemory(n * sizeof(T))); }
+    void deallocate(T* p, std::size_t n) noexcept { GiveSecretMemory(p, n * sizeof(T)); }
     bool operator==(const WipingAllocator&) const { return true; }
 };
 

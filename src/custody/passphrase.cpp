@@ -8,12 +8,6 @@ namespace bmr::custody {
 
 using namespace store;
 
-namespace {
-
-constexpr std::size_t kShortestPassphrase = 8;
-
-}  // namespace
-
 void WipeHashes(Session& session) {
     session.PassHash.Wipe();
     session.PassHashStrong.Wipe();
@@ -59,14 +53,16 @@ int RequestPassphrase(Session& session, bool newOne) {
     request.checkQuality = newOne;
     for (;;) {
         Secret typed;
-        if (!session.ports.prompter.AskSecret(request, typed) || typed.empty()) return MessageNumber::Cancelled;
+        if (!session.ports.prompter.AskSecret(request, typed) || typed.empty())
+            return MessageNumber::Cancelled;
         if (typed.size() >= kShortestPassphrase) {
             session.PassHash = cry::HashPassphrase(typed.view());
             session.PassHashStrong = cry::HashStrong(typed.view());
             return 0;
         }
         typed.Wipe();
-        if (!RetryAfterFailure(session, MessageNumber::PassphraseTooShort)) return session.DatabaseOpen ? MessageNumber::PassphraseTooShort : kQuitProgram;
+        if (!RetryAfterFailure(session, MessageNumber::PassphraseTooShort))
+            return session.DatabaseOpen ? MessageNumber::PassphraseTooShort : kQuitProgram;
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace bmr::store {
@@ -13,6 +14,9 @@ inline constexpr int kQuitProgram = -1000;
 
 /// Prompts of one opening, wrong and short passphrases together.
 inline constexpr int kMostAttempts = 3;
+
+/// Characters of the shortest new passphrase.
+inline constexpr std::size_t kShortestPassphrase = 8;
 
 /// Wipes `PassHash`, `PassHashStrong`, `MasterKey` and what the user record holds of them.
 void WipeHashes(store::Session& session);

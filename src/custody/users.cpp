@@ -289,9 +289,9 @@ int WritePin(Session& session, std::uint8_t kind, std::string_view pin, std::int
     return 0;
 }
 
-PinAnswer PinPrompt(Session& session) {
+PinAnswer PinPrompt(Session& session, const std::string& title) {
     PassphraseRequest request;
-    request.title = PromptTitle(session);
+    request.title = title;
     request.prompt = Msg(126);
     request.clearCaption = "Show PIN in clear";
     Secret typed;

@@ -47,6 +47,6 @@ UserCheck CheckUser(store::Session& session, const std::string& prompt, bool kee
 
 enum class PinAnswer { Right = 1, Wrong = 2, Cancelled = 3 };
 /// Asks for the PIN; a wrong one shows Msg(125).
-PinAnswer PinPrompt(store::Session& session);
+PinAnswer PinPrompt(store::Session& session, const std::string& title);
 
 }  // namespace bmr::custody

@@ -9,9 +9,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <cmath>
 
 #include "base/languageus.h"
+#include "custody/passphrase.h"
 #include "kit/icons.h"
 #include "kit/secretedit.h"
 #include "kit/theme.h"
@@ -21,7 +21,9 @@ namespace bmr::kit {
 
 namespace {
 
-constexpr int kLeastLength = 8;
+constexpr int kLeastLength = static_cast<int>(custody::kShortestPassphrase);
+/// Guesses as powers of two below which a passphrase is weak, fair and good.
+constexpr double kFair = 40, kGood = 60, kStrong = 80;
 /// From this length on a request that wants noise only for short texts gets none.
 constexpr std::size_t kShort = 6;
 
@@ -37,22 +39,6 @@ void SetInk(QWidget& widget, const QColor& colour) {
     QPalette palette = widget.palette();
     palette.setColor(QPalette::WindowText, colour);
     widget.setPalette(palette);
-}
-
-/// How many characters the kinds that occur in the text offer for each place.
-int AlphabetOf(std::string_view text) {
-    bool small = false, capital = false, digit = false, other = false;
-    for (const char c : text) {
-        if (c >= 'a' && c <= 'z')
-            small = true;
-        else if (c >= 'A' && c <= 'Z')
-            capital = true;
-        else if (c >= '0' && c <= '9')
-            digit = true;
-        else if (c != ' ')
-            other = true;
-    }
-    return 26 * small + 26 * capital + 10 * digit + 33 * other + 1;
 }
 
 }  // namespace
@@ -100,11 +86,16 @@ void frmPW::BuildEntry() {
     QString caption = QString::fromStdString(request_.clearCaption);
     chkShowClear = new QCheckBox(caption.contains('&') ? caption : "&" + caption);
     chkShowClear->setObjectName("chkShowClear");
+    // Beside the entry no decoy covers what is typed, so neither its letter nor a click takes the focus.
+    chkShowClear->setFocusPolicy(Qt::TabFocus);
 
     connect(txtInput, &SecretEdit::ContentChanged, this, &frmPW::InputChanged);
     connect(txtInput, &SecretEdit::Refused, this, [this](const QString& why) { ShowHint(why, true); });
     connect(txtInput, &SecretEdit::CapsLockSeen, this, &frmPW::SetCapsLock);
-    connect(chkShowClear, &QCheckBox::toggled, txtInput, &SecretEdit::SetClear);
+    connect(chkShowClear, &QCheckBox::toggled, this, [this](bool clear) {
+        txtInput->SetClear(clear);
+        txtInput->setFocus(Qt::OtherFocusReason);
+    });
 }
 
 void frmPW::Lay() {
@@ -184,22 +175,22 @@ void frmPW::ShowHint(const QString& text, bool alarm) {
 void frmPW::ShowQuality() {
     if (!barQuality) return;
     const std::string_view text = txtInput->Content();
-    const double bits = static_cast<double>(text.size()) * std::log2(AlphabetOf(text));
+    const double bits = shell::GuessBits(text);
     struct Grade {
         QString words;
         Ink ink;
     } grade;
     if (text.empty())
         grade = {tr("At least %1 characters; a sentence is good.").arg(kLeastLength), Ink::Pale};
-    else if (text.size() < kLeastLength)
+    else if (text.size() < custody::kShortestPassphrase)
         grade = {tr("Too short: %n more to go", nullptr, kLeastLength - static_cast<int>(text.size())),
                  Ink::Alarm};
-    else if (shell::IsWeak(text) || bits < 50)
+    else if (shell::IsWeak(text) || bits < kFair)
         grade = {tr("Weak"), Ink::Warning};
-    else if (bits < 80)
+    else if (bits < kGood)
         grade = {tr("Fair"), Ink::Accent};
     else
-        grade = {bits < 110 ? tr("Good") : tr("Strong"), Ink::Good};
+        grade = {bits < kStrong ? tr("Good") : tr("Strong"), Ink::Good};
     lblQuality->setText(grade.words);
     if (grade.ink == Ink::Pale)
         SetInk(*lblQuality, palette().color(QPalette::PlaceholderText));
@@ -208,7 +199,7 @@ void frmPW::ShowQuality() {
     QPalette bar = palette();
     bar.setColor(QPalette::Highlight, InkOf(grade.ink, bar));
     barQuality->setPalette(bar);
-    barQuality->setValue(std::min(100, static_cast<int>(bits / 1.2)));
+    barQuality->setValue(static_cast<int>(std::min(100.0, bits)));
 }
 
 void frmPW::cmdOK_Click() {

@@ -3,9 +3,11 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QProgressBar>
@@ -14,6 +16,7 @@
 #include <QStandardPaths>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 
 #include "crypto/secret.h"
@@ -135,13 +138,47 @@ QStringList NameFilters(const std::string& filter, QString& suffix) {
     return filters;
 }
 
-/// Stands over everything for the length of the pause and cannot be closed before its end.
+/// A key that writes something and is no command.
+bool Writes(const QEvent& event) {
+    if (event.type() != QEvent::KeyPress && event.type() != QEvent::KeyRelease) return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    return !key.text().isEmpty() && key.text()[0].isPrint() &&
+           !(key.modifiers() & (Qt::AltModifier | Qt::MetaModifier));
+}
+
+/// What a box says that may come up in the middle of a passphrase: there letters and blanks press no button.
+bool FollowsSecret(int number) {
+    static constexpr std::array kNumbers{40, 84, 85, 124, 125, 158};
+    return std::ranges::find(kNumbers, number) != kNumbers.end();
+}
+
+class SecretBox final : public QMessageBox {
+  public:
+    using QMessageBox::QMessageBox;
+    /// To be called once all buttons are there.
+    void DropLetters() {
+        for (QAbstractButton* button : buttons())
+            button->installEventFilter(this);
+        installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        return Writes(*event) || QMessageBox::eventFilter(watched, event);
+    }
+};
+
+/// Stands over everything for the length of the pause and cannot be closed before its end. Keys that come
+/// meanwhile are dropped and that is told; while they still come it stays, as the rest of what is being typed
+/// would go to the window behind it.
 class PauseForm final : public QDialog {
   public:
     PauseForm(int milliseconds, QWidget* parent) : QDialog(parent), end_(milliseconds) {
         setObjectName("frmPause");
         setWindowTitle(QApplication::applicationDisplayName());
         text_.setObjectName("lblCountdown");
+        dropped_.setObjectName("lblDropped");
+        dropped_.setText(" ");
         bar_.setRange(0, milliseconds);
         bar_.setTextVisible(false);
         bar_.setFixedHeight(6);
@@ -151,10 +188,11 @@ class PauseForm final : public QDialog {
         column->setSpacing(Space::Margin);
         column->addWidget(&text_);
         column->addWidget(&bar_);
+        column->addWidget(&dropped_);
         timerPW.setObjectName("timerPW");
         timerPW.setSingleShot(true);
         timerPW.setTimerType(Qt::PreciseTimer);
-        connect(&timerPW, &QTimer::timeout, this, [this] { QDialog::accept(); });
+        connect(&timerPW, &QTimer::timeout, this, &PauseForm::EndWhenQuiet);
         connect(&tick_, &QTimer::timeout, this, [this] { Show(); });
         timerPW.start(milliseconds);
         tick_.start(100);
@@ -162,10 +200,27 @@ class PauseForm final : public QDialog {
     }
     void reject() override {}
 
+  protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
+            return QDialog::event(event);
+        sinceKey_.start();
+        dropped_.setText(tr("What you type now is not taken. Go on when the prompt is there again."));
+        event->accept();
+        return true;
+    }
+
   private:
+    static constexpr int kQuiet = 600;  ///< ms without a key after which nobody is typing
+
     static QString Words(int seconds) {
         return seconds == 1 ? tr("That was not right. The next try is possible in 1 second.")
                             : tr("That was not right. The next try is possible in %1 seconds.").arg(seconds);
+    }
+    void EndWhenQuiet() {
+        const auto quiet = sinceKey_.isValid() ? sinceKey_.elapsed() : kQuiet;
+        if (quiet >= kQuiet) return QDialog::accept();
+        timerPW.start(static_cast<int>(kQuiet - quiet));
     }
     void Show() {
         const int left = qMax(0, timerPW.remainingTime());
@@ -176,8 +231,10 @@ class PauseForm final : public QDialog {
     int end_;
     QTimer timerPW;
     QTimer tick_;
+    QElapsedTimer sinceKey_;
     QLabel text_;
     QProgressBar bar_;
+    QLabel dropped_;
 };
 
 }  // namespace
@@ -194,7 +251,7 @@ QWidget* QtPrompter::Over() const {
 Answer QtPrompter::Ask(const Box& box) {
     const std::vector<Answer> answers = AnswersOf(box.buttons);
     if (Ending()) return answers.back();
-    QMessageBox form(Over());
+    SecretBox form(Over());
     form.setObjectName("boxMsg");
     form.setWindowTitle(box.title.empty() ? QApplication::applicationDisplayName()
                                           : QString::fromStdString(box.title));
@@ -206,6 +263,7 @@ Answer QtPrompter::Ask(const Box& box) {
         form.addButton(ButtonOf(answer));
     NameButtons(form, box, answers);
     FinishBox(form);
+    if (FollowsSecret(box.number)) form.DropLetters();
     form.setDefaultButton(ButtonOf(box.standard));
     form.setEscapeButton(ButtonOf(answers.back()));
     const int pressed = form.exec();

@@ -3,6 +3,7 @@
 #include "base/languageus.h"
 #include "base/ports.h"
 #include "custody/users.h"
+#include "store/sections.h"
 #include "store/session.h"
 
 namespace bmr::shell {
@@ -20,7 +21,8 @@ bool PassPin(store::Session& session, std::uint8_t section) {
     if (!NeedsPin(session, section)) return true;
     // What the PIN is cannot be read, nor which sections it guards.
     if (session.pin.Unread) return custody::VerifyUser(session, Msg(159));
-    if (custody::PinPrompt(session) != custody::PinAnswer::Right) return false;
+    const std::string title(store::FactsOf(section)->name);
+    if (custody::PinPrompt(session, title) != custody::PinAnswer::Right) return false;
     if (!session.pin.PINeveryaccess) session.PinPassed |= static_cast<std::int32_t>(SectionBit(section));
     return true;
 }

@@ -1,5 +1,7 @@
 #include "shell/passcheck.h"
 
+#include "custody/passphrase.h"
+
 namespace bmr::shell {
 
 CharacterCounts CountCharacters(std::string_view typed) {
@@ -32,6 +34,7 @@ SecretEntry::Step SecretEntry::Enter(Secret typed) {
         return step_ = Step::Done;
     }
     firstEntry_ = std::move(typed);
+    if (checkQuality_ && firstEntry_.size() < custody::kShortestPassphrase) return step_ = Step::Done;
     if (checkQuality_ && IsWeak(firstEntry_.view())) return step_ = Step::AskWeak;
     return Take();
 }

@@ -129,9 +129,9 @@ TEST(Pin, AnyCharactersAndLengthComeBack) {
     EXPECT_EQ(sitting.session.pin.Pin.size(), 300u);
 
     sitting.prompter.Type(Bytes(300, 'p')).Type("1").Expect(125).Type(std::nullopt);
-    EXPECT_EQ(PinPrompt(sitting.session), PinAnswer::Right);
-    EXPECT_EQ(PinPrompt(sitting.session), PinAnswer::Wrong);
-    EXPECT_EQ(PinPrompt(sitting.session), PinAnswer::Cancelled);
+    EXPECT_EQ(PinPrompt(sitting.session, "Tasks"), PinAnswer::Right);
+    EXPECT_EQ(PinPrompt(sitting.session, "Tasks"), PinAnswer::Wrong);
+    EXPECT_EQ(PinPrompt(sitting.session, "Tasks"), PinAnswer::Cancelled);
     EXPECT_EQ(sitting.prompter.requests.back().prompt, "Enter PIN:");
     EXPECT_EQ(sitting.prompter.requests.back().clearCaption, "Show PIN in clear");
 

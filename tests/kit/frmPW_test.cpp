@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 
 #include "kit/secretedit.h"
+#include "kit/words.h"
 #include "support/forms.h"
 #include "support/ports.h"
 
@@ -102,6 +103,44 @@ TEST_F(FormPW, RefusesACharacterOutsideTheCodePageInWords) {
     EXPECT_EQ(Named<QLabel>(*form, "lblHint").text(), "");
     QCoreApplication::processEvents();
     EXPECT_EQ(form->size(), size) << "nothing may move";
+}
+
+TEST_F(FormPW, TheEntryHasTheFocusAgainOnceTheBoxIsPressed) {
+    Show(false);
+    QTest::keyClicks(edit, "one three");
+    edit->setCursorPosition(4);
+    QTest::keyClick(form->windowHandle(), Qt::Key_S, Qt::AltModifier);
+    auto& box = Named<QCheckBox>(*form, "chkShowClear");
+    EXPECT_EQ(form->focusWidget(), edit) << "else every key is read in clear";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return box.isChecked(); }));
+    EXPECT_EQ(form->focusWidget(), edit);
+    test::Click(*form, "chkShowClear");
+    EXPECT_FALSE(box.isChecked());
+    EXPECT_EQ(form->focusWidget(), edit);
+    box.setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&box, Qt::Key_Space);
+    ASSERT_EQ(form->focusWidget(), edit);
+    QTest::keyClicks(edit, "two ");
+    EXPECT_EQ(edit->Content(), "one two three") << "at its place, and nothing is selected";
+}
+
+TEST_F(FormPW, TheMeterDoesNotPraiseWhatEverybodyTriesFirst) {
+    Show(true);
+    const auto grade = [this](const QString& text) {
+        edit->SetContent(ToLatinSecret(text));
+        return Named<QLabel>(*form, "lblQuality").text();
+    };
+    EXPECT_EQ(grade("password1!"), "Weak");
+    EXPECT_EQ(grade("Qwertyuiop1!"), "Weak");
+    EXPECT_EQ(grade("seven77"), "Too short: 1 more to go");
+    EXPECT_EQ(grade("gTz41uVq9pLmWx73"), "Strong");
+}
+
+TEST_F(FormPW, ANewOneThatIsTooShortGoesToWhoAskedAtOnce) {
+    Show(true);
+    Enter("short");
+    EXPECT_FALSE(form->isVisible()) << "no question about its quality, no second entry";
+    EXPECT_EQ(form->TakeTypedSecret().view(), "short");
 }
 
 TEST_F(FormPW, WeakFirstEntryIsQuestionedAndOnlyThat) {

@@ -172,6 +172,41 @@ TEST(QtPrompter, PauseCannotBeCutShortAndKeepsTheLoopAlive) {
     EXPECT_GE(clock.elapsed(), 300);
 }
 
+TEST(QtPrompter, WhatIsTypedWhileThePauseRunsReachesNoOtherWindow) {
+    QtPrompter prompter;
+    prompter.SetPause(200);
+    Visitor visitor;
+    QElapsedTimer sinceKey;
+    visitor.Meet("frmPause", [&](QWidget& form) {
+        EXPECT_EQ(Named<QLabel>(form, "lblDropped").text(), " ");
+        for (int i = 0; i < 6; ++i) {
+            QTest::keyClick(&form, Qt::Key_A);
+            sinceKey.start();
+            QTest::qWait(60);
+        }
+        EXPECT_TRUE(form.isVisible()) << "the pause is over, and still somebody types";
+        EXPECT_NE(Named<QLabel>(form, "lblDropped").text(), " ");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !form.isVisible(); }, 3000));
+    });
+    prompter.PauseAfterFailure();
+    EXPECT_GE(sinceKey.elapsed(), 500);
+}
+
+TEST(QtPrompter, LettersPressNoButtonOfABoxThatComesUpInAPassphrase) {
+    QtPrompter prompter;
+    Box wrong = MessageBox(85, BoxIcon::Warning);
+    wrong.buttons = Buttons::RetryCancel;
+    wrong.standard = Answer::Retry;
+    Visitor visitor;
+    visitor.Meet("boxMsg", [](QWidget& box) {
+        for (const int key : {Qt::Key_C, Qt::Key_T, Qt::Key_Space})
+            QTest::keyClick(box.windowHandle(), static_cast<Qt::Key>(key));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return box.isVisible(); }, 300));
+        QTest::keyClick(box.windowHandle(), Qt::Key_Return);
+    });
+    EXPECT_EQ(prompter.Ask(wrong), Answer::Retry);
+}
+
 TEST(QtPrompter, FileDialogsOfferTheToldPatterns) {
     QTemporaryDir folder;
     QtPrompter prompter;

@@ -77,6 +77,8 @@ TEST(Navigator, SwitchesAndTakesARefusedClickBack) {
     sitting.prompter.Type("1").Expect(125).Type(std::nullopt);
     EXPECT_FALSE(optSection_Click(sitting.session, main.screen, kAll, 15));
     EXPECT_FALSE(optSection_Click(sitting.session, main.screen, kAll, 15));
+    EXPECT_EQ(sitting.prompter.requests.back().title, "Tasks") << "whose PIN it is";
+    EXPECT_EQ(sitting.prompter.requests.back().prompt, "Enter PIN:");
     EXPECT_FALSE(optSection_Click(sitting.session, main.screen, SectionBit(15), 16));  // not in this build
     EXPECT_EQ(sitting.session.SectionCode, 14);
     EXPECT_THAT(main.log, ElementsAre("hide", "press 14", "show", "hide", "press 14", "show", "hide",

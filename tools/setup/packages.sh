@@ -5,7 +5,7 @@
 BUILD_PACKAGES=(
   g++ cmake ninja-build pkg-config
   qt6-base-dev qt6-svg-dev libgl1-mesa-dev
-  libsqlitecpp-dev libsqlite3-dev libbotan-2-dev zlib1g-dev libicu-dev libcli11-dev nlohmann-json3-dev
+  libsqlitecpp-dev libsqlite3-dev libbotan-2-dev zlib1g-dev libicu-dev libzxcvbn-dev libcli11-dev nlohmann-json3-dev
   libxcb1-dev libxcb-xtest0-dev libxcb-xinput-dev
 )
 TEST_PACKAGES=(

@@ -1,12 +1,14 @@
 #include "app/mdimenus.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMetaObject>
 #include <QTextCursor>
 #include <QTextEdit>
 
 #include "app/sectioncolumn.h"
+#include "kit/fieldmenu.h"
 #include "kit/icons.h"
 
 namespace bmr::app {
@@ -74,6 +76,17 @@ void Forward(QAction* action, const char* slot) {
     });
 }
 
+/// As if the key had been pressed: a field that shows something else than it holds copies in its own way.
+void ForwardCopy(QAction* action) {
+    QObject::connect(action, &QAction::triggered, action, [] {
+        QWidget* focus = QApplication::focusWidget();
+        if (!focus || focus->metaObject()->indexOfSlot("copy()") < 0) return;
+        const QKeyCombination keys = QKeySequence::keyBindings(QKeySequence::Copy).constFirst()[0];
+        QKeyEvent press(QEvent::KeyPress, keys.key(), keys.keyboardModifiers());
+        QApplication::sendEvent(focus, &press);
+    });
+}
+
 void BuildEdit(MdiMenus& m, QMenuBar& bar) {
     Builder edit(m.mnuEdit = bar.addMenu(QObject::tr("&Edit")), "mnuEdit");
     m.mnuEditUndo = edit.Add("mnuEditUndo", QObject::tr("&Undo"), "edit-undo", QKeySequence("Ctrl+Z"));
@@ -85,7 +98,7 @@ void BuildEdit(MdiMenus& m, QMenuBar& bar) {
     m.mnuEditSelectAll =
         edit.Add("mnuEditSelectAll", QObject::tr("Select &All"), "edit-select-all", QKeySequence::SelectAll);
     Forward(m.mnuEditCut, "cut");
-    Forward(m.mnuEditCopy, "copy");
+    ForwardCopy(m.mnuEditCopy);
     Forward(m.mnuEditPaste, "paste");
     Forward(m.mnuEditSelectAll, "selectAll");
     edit.Line();
@@ -173,8 +186,9 @@ void EnableEditEntries(const MdiMenus& menus, const QWidget* focus) {
     const bool secret = line && line->echoMode() != QLineEdit::Normal;
     const bool selected =
         (!line && !text) || (line && line->hasSelectedText()) || (text && text->textCursor().hasSelection());
+    const bool whole = line && !line->text().isEmpty() && kit::CopiesWhole(*line);
     menus.mnuEditCut->setEnabled(has("cut()") && selected && !readOnly && !secret);
-    menus.mnuEditCopy->setEnabled(has("copy()") && selected && !secret);
+    menus.mnuEditCopy->setEnabled(has("copy()") && (selected || whole) && !secret);
     menus.mnuEditPaste->setEnabled(has("paste()") && !readOnly);
     menus.mnuEditSelectAll->setEnabled(has("selectAll()"));
 }

@@ -212,6 +212,7 @@ void frmClassified::BuildRow(QFormLayout& form, std::size_t i) {
     row.txtCtl->setMaxLength(static_cast<int>(store::kLongestText));
     row.txtCtl->installEventFilter(this);
     kit::GiveFieldMenu(*row.txtCtl, session_, [this, i] { return UseOf(i); });
+    kit::SetCopiesWhole(*row.txtCtl);
     row.copy = kit::MakeIconButton("copy" + number, "edit-copy",
                                    tr("Copy; gone from the clipboard after 30 seconds"));
     row.open = kit::MakeIconButton("open" + number, "internet-web-browser", tr("Open the web page"));

@@ -12,6 +12,8 @@
 namespace bmr::kit {
 namespace {
 
+constexpr const char* kCopiesWhole = "_bmr_copies_whole";
+
 QString Tr(const char* text) {
     return QCoreApplication::translate("FieldMenu", text);
 }
@@ -146,6 +148,14 @@ Ask InSession(store::Session& session, std::function<FieldUse()> use) {
 }
 
 }  // namespace
+
+void SetCopiesWhole(QLineEdit& field) {
+    field.setProperty(kCopiesWhole, true);
+}
+
+bool CopiesWhole(const QLineEdit& field) {
+    return field.property(kCopiesWhole).toBool();
+}
 
 void GiveFieldMenu(QLineEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use) {
     Give(field, Always({&prompter, &desktop, std::move(use)}));

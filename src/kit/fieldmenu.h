@@ -32,6 +32,10 @@ void GiveFieldMenu(QLineEdit& field, Prompter& prompter, Desktop& desktop, Field
 /// The same for a field of many lines; web, mail and dial take the selected text only.
 void GiveFieldMenu(QPlainTextEdit& field, Prompter& prompter, Desktop& desktop, FieldUse use = {});
 
+/// For a field that copies all that it holds when nothing is selected: "Copy" of other menus is enabled then.
+void SetCopiesWhole(QLineEdit& field);
+bool CopiesWhole(const QLineEdit& field);
+
 /// The menu for a field whose content is a name and nothing else.
 void GiveFieldMenu(QLineEdit& field);
 

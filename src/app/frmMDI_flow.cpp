@@ -259,7 +259,19 @@ void frmMDI::mnuViewShowPrivate_Switch() {
 
 void frmMDI::PrivateSwitched() {
     ShowPrivateState();
-    if (form_) form_->Refresh();
+    if (!form_) return;
+    // Without the private ones a long list takes a while to build; what it shows must not stand there so
+    // long.
+    QWidget cover(stack_);
+    if (!session_.ShowPrivate) {
+        cover.setObjectName("cover");
+        cover.setAutoFillBackground(true);
+        cover.setGeometry(stack_->rect());
+        cover.show();
+        cover.raise();
+        cover.repaint();
+    }
+    form_->Refresh();
 }
 
 void frmMDI::CloseDatabase() {

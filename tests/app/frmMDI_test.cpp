@@ -6,9 +6,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScreen>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QToolBar>
+#include <functional>
 
 #include "app/sectioncolumn.h"
 #include "app/windowmemory.h"
@@ -25,6 +27,7 @@ using test::kPassphrase;
 /// What the forms of a test tell about themselves.
 struct Journal {
     std::vector<std::string> lines;
+    std::function<void()> onRefresh;
 };
 
 /// A section's screen with nothing but what the frame asks for. Its "Edit" opens a dialog and then, as every
@@ -34,6 +37,8 @@ class FakeSection final : public SectionForm {
     FakeSection(std::uint8_t code, Journal& journal, QWidget* parent)
         : SectionForm(parent), code_(code), journal_(journal), menu_("&Fake", this), edit_("Edit", this) {
         setFocusPolicy(Qt::StrongFocus);
+        setAutoFillBackground(true);
+        setPalette(QPalette(Qt::red));
         menu_.addAction(&edit_);
         connect(&edit_, &QAction::triggered, this, [this] { Edit(); });
         Tell("open");
@@ -44,7 +49,10 @@ class FakeSection final : public SectionForm {
         return code_ == Section::Todo ? QList<QAction*>{&edit_, nullptr, &wide_} : QList<QAction*>{&edit_};
     }
     QString HelpPage() const override { return code_ == Section::Todo ? "tasks" : "not there"; }
-    void Refresh() override { Tell("refresh"); }
+    void Refresh() override {
+        Tell("refresh");
+        if (journal_.onRefresh) journal_.onRefresh();
+    }
     void SetSearch(const QString& text) override { Tell("search " + text.toStdString()); }
     void SelectRecord(std::int32_t) override {}
 
@@ -140,6 +148,29 @@ TEST_F(MainWindow, StandsEmptyUntilADatabaseIsOpen) {
     EXPECT_FALSE(test::Named<QToolBar>(*frame, "Toolbar1").isEnabled());
     EXPECT_FALSE(menuEnabled("mnuTools"));
     EXPECT_TRUE(menuEnabled("mnuFile"));
+}
+
+TEST_F(MainWindow, CoversTheSectionBeforeItsListsAreBuiltWithoutThePrivateRecords) {
+    Start();
+    frame->optSection_Click(Section::Todo);
+    sitting.session.ShowPrivate = true;
+    QCoreApplication::processEvents();
+    const auto shown = [this] {
+        const QPoint middle = frame->Form()->mapTo(frame.get(), frame->Form()->rect().center());
+        return frame->screen()->grabWindow(frame->winId()).toImage().pixelColor(middle);
+    };
+    const QColor form = shown();
+    ASSERT_EQ(form, frame->Form()->palette().color(QPalette::Window));
+    bool looked = false;
+    journal.onRefresh = [&] {
+        looked = true;
+        EXPECT_NE(shown(), form) << "what was shown still stands on the screen";
+    };
+    Action("mnuViewShowPrivate").trigger();
+    EXPECT_TRUE(looked);
+    EXPECT_FALSE(sitting.session.ShowPrivate);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown(), form);
 }
 
 TEST_F(MainWindow, ShowsOneSectionAtATime) {

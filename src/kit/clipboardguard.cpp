@@ -89,12 +89,12 @@ void ClipboardGuard::Tell() {
 
 void ClipboardGuard::ClearClipboard() {
     own_ = true;
-    const bool ours = clipboard_.ownsClipboard();
+    auto* secret = qobject_cast<SecretMime*>(const_cast<QMimeData*>(clipboard_.mimeData()));
+    const bool ours = secret || clipboard_.ownsClipboard();  // some platforms do not tell
     if (ours || (alsoForeign && !(probe_ && probe_->HoldsText() == false))) {
         qsizetype length = kForeignLength;
         if (ours) {
             // Wiped where it lies first: that much works even if the platform refuses the rest.
-            auto* secret = qobject_cast<SecretMime*>(const_cast<QMimeData*>(clipboard_.mimeData()));
             length = secret ? secret->Length() : clipboard_.text().size();
             if (secret) secret->Wipe();
         }

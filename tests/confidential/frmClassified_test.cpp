@@ -300,6 +300,24 @@ TEST_F(Classified, AHighFieldKeepsItsLinesAndTabAndEnterGoTheToldWay) {
     EXPECT_EQ(Find<QPlainTextEdit>("txtTall").toPlainText(), "Long Lane 1\nOld Town");
 }
 
+TEST_F(Classified, EnterInAMaskedFieldGoesOnAndOnlyTabStopsAtTheDice) {
+    form->cat_Click(7);  // the last two are masked
+    OnDialog([](QDialog& editor) {
+        auto* masked = editor.findChild<QLineEdit*>("txtCtl4");
+        for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+            masked->setFocus();
+            QTest::keyClick(masked, key);
+            EXPECT_EQ(editor.focusWidget()->objectName(), "txtNotes");
+            EXPECT_TRUE(editor.isVisible()) << "and does not save";
+        }
+        masked->setFocus();
+        QTest::keyClick(masked, Qt::Key_Tab);
+        EXPECT_EQ(editor.focusWidget()->objectName(), "dice4");
+        editor.reject();
+    });
+    form->cmdAdd_Click();
+}
+
 TEST_F(Classified, ADamagedRecordIsShownAsSuchAndOnlyWrittenOverWhenAsked) {
     form->cat_Click(1);
     AddLogin("Broken", "rosebud");

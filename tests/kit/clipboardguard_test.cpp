@@ -2,6 +2,8 @@
 
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <algorithm>
+#include <functional>
 
 #include "support/forms.h"
 #include "support/ports.h"
@@ -38,6 +40,36 @@ TEST_F(Clip, CountsDownFromTheLastCopyAndThenTheClipboardIsEmpty) {
     EXPECT_FALSE(seen.front().isEmpty()) << "overwritten before it is dropped";
     EXPECT_NE(seen.front(), "again");
     EXPECT_EQ(seen.back(), "");
+}
+
+/// Lets a test look in the moment before the clipboard is overwritten.
+struct WatchedRandom final : RandomSource {
+    void Fill(std::span<std::uint8_t> out) override {
+        drawn = out.size();
+        if (atFill) atFill();
+        std::ranges::fill(out, std::uint8_t{'#'});
+    }
+    double Uniform() override { return 0; }
+    std::function<void()> atFill;
+    std::size_t drawn = 0;
+};
+
+TEST(ClipboardGuard, WipesOurSecretWhereItLiesBeforeItTriesTheRest) {
+    test::FixedClock clock;
+    WatchedRandom random;
+    QClipboard& clipboard = *QApplication::clipboard();
+    ClipboardGuard guard(clipboard, random, clock);
+    guard.Copy("pass word");
+    bool looked = false;
+    random.atFill = [&] {
+        looked = true;
+        ASSERT_TRUE(qobject_cast<const SecretMime*>(clipboard.mimeData()))
+            << "nothing has overwritten it yet";
+        EXPECT_EQ(clipboard.text(), "") << "a platform that refuses the rest has nothing to paste";
+    };
+    guard.ClearClipboard();
+    EXPECT_TRUE(looked);
+    EXPECT_EQ(random.drawn, 9U) << "as long as the secret was";
 }
 
 TEST_F(Clip, ForeignTextGoesOnlyWhenTheUserWantsIt) {

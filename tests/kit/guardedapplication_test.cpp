@@ -1,8 +1,10 @@
 #include "kit/guardedapplication.h"
 
+#include <QtTest/qtestspontaneevent.h>
 #include <QAccessible>
 #include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QWheelEvent>
 #include <QWindow>
 
 #include "kit/keycapture.h"
@@ -65,7 +67,12 @@ TEST(GuardedApplication, CountsWhatHandsDoAndNothingElse) {
     QTest::mouseClick(dialog.windowHandle(), Qt::LeftButton, {}, QPoint(5, 5));
     QTest::qWait(0);
     EXPECT_GE(seen, 7);
-    const int before = seen;
+    int before = seen;
+    QWheelEvent wheel({5, 5}, {5, 5}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel);
+    App().notify(dialog.windowHandle(), &wheel);
+    EXPECT_GT(seen, before) << "who reads a long text turns nothing but the wheel";
+    before = seen;
     QCoreApplication::postEvent(dialog.txtInput, new QKeyEvent(QEvent::KeyPress, Qt::Key_A, {}, "a"));
     dialog.update();
     QTest::qWait(20);

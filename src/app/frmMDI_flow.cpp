@@ -23,12 +23,12 @@
 #include "custody/lifecycle.h"
 #include "custody/openfailure.h"
 #include "custody/passphrase.h"
+#include "kit/emptycontrols.h"
 #include "kit/failure.h"
 #include "kit/icons.h"
 #include "kit/listpane.h"
 #include "kit/recordlistview.h"
 #include "kit/steps.h"
-#include "kit/words.h"
 #include "shell/navigator.h"
 
 namespace bmr::app {

@@ -1,16 +1,11 @@
 #include "kit/words.h"
 
 #include <QCoreApplication>
-#include <QLabel>
-#include <QLineEdit>
 #include <QLocale>
-#include <QPlainTextEdit>
-#include <QSignalBlocker>
 #include <QStringEncoder>
 #include <QStringList>
 #include <algorithm>
 
-#include "kit/recordlistmodel.h"
 #include "store/words.h"
 
 namespace bmr::kit {
@@ -119,21 +114,6 @@ Secret ToLatinSecret(const QString& text) {
 void WipeQString(QString& text) {
     if (!text.isEmpty() && text.isDetached()) text.fill(QChar(u'\0'));
     text.clear();
-}
-
-void EmptyControls(QWidget& form) {
-    for (auto* edit : form.findChildren<QLineEdit*>()) {
-        const QSignalBlocker quiet(edit);
-        edit->clear();
-    }
-    for (auto* edit : form.findChildren<QPlainTextEdit*>()) {
-        const QSignalBlocker quiet(edit);
-        edit->clear();  // its steps to undo go with it
-    }
-    for (auto* label : form.findChildren<QLabel*>())
-        label->clear();
-    for (auto* model : form.findChildren<RecordListModel*>())
-        model->ForgetAll();
 }
 
 }  // namespace bmr::kit

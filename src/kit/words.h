@@ -7,8 +7,6 @@
 #include "base/wiped.h"
 #include "crypto/secret.h"
 
-class QWidget;
-
 namespace bmr::kit {
 
 /// Text of code page 1252 for a widget: names of categories, labels, passphrases.
@@ -54,10 +52,5 @@ struct WipedLetters : QString {
     WipedLetters& operator=(WipedLetters&&) noexcept = default;
     ~WipedLetters() { WipeQString(*this); }
 };
-
-/// Empties every field and label of a form that goes, and of the dialogs over it, and what its lists have
-/// read, without a word to anybody: it is not to lie in memory until the toolkit needs that for something
-/// else.
-void EmptyControls(QWidget& form);
 
 }  // namespace bmr::kit

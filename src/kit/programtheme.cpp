@@ -130,7 +130,7 @@ class BmrStyle final : public QProxyStyle {
 
     // Fusion's outlines are shades of the window's colour: on dark grounds they drown, and black has none.
     static void DrawOutline(PrimitiveElement element, const QStyleOption& option, QPainter& painter) {
-        const bool frame = element == PE_FrameLineEdit || element == PE_Frame;
+        const bool frame = element == PE_FrameLineEdit || element == PE_Frame || element == PE_PanelMenu;
         const bool contrast = IsContrast(option.palette);
         if (!(frame && IsDark(option.palette)) && !(contrast && element == PE_PanelButtonCommand)) return;
         const bool focused = option.state & State_HasFocus;

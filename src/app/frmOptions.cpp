@@ -22,6 +22,7 @@
 #include "custody/passphrase.h"
 #include "custody/users.h"
 #include "kit/failure.h"
+#include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/secretedit.h"
 #include "kit/stepedit.h"
@@ -80,6 +81,7 @@ void frmOptions::Lay() {
     column->setSpacing(Space::Margin);
     column->addWidget(SSTab1, 1);
     column->addWidget(buttons);
+    kit::GiveLetters(*this);
     // Only now: a button remembers no dialog that it does not stand in, and Return would be lost with the
     // focus.
     buttons->button(QDialogButtonBox::Ok)->setDefault(true);

@@ -130,6 +130,7 @@ void frmEditConfidential::Lay() {
     column->addWidget(fields_.Row(txtNotes), 1);
     column->addWidget(ctlPrivate);
     column->addWidget(buttons.box);
+    kit::GiveLetters(*this);
     OrderByEye();
     resize(qMax(560, fontMetrics().averageCharWidth() * 80), fontMetrics().lineSpacing() * 30);
 }

@@ -99,6 +99,7 @@ frmGenerate::frmGenerate(RandomSource& random, QWidget* parent) : QDialog(parent
     column->addLayout(grid);
     column->addStretch();
     column->addWidget(buttons);
+    kit::GiveLetters(*this);
     setMinimumWidth(fontMetrics().averageCharWidth() * 72);
     kit::GuardDialog(*this);
     optCharacters->setChecked(true);

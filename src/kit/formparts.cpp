@@ -5,10 +5,12 @@
 #include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QGridLayout>
+#include <QGroupBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTabBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -142,17 +144,37 @@ SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save) {
     return {box, cmdOK, cmdEsc};
 }
 
-void GiveLetters(const QList<QAbstractButton*>& buttons) {
+namespace {
+
+QChar LetterOf(const QString& text) {
+    const QKeySequence keys = QKeySequence::mnemonic(text);
+    return keys.isEmpty() ? QChar() : QChar(keys[0].key()).toLower();
+}
+
+QString LettersIn(const QWidget& window) {
     QString taken;
-    const auto letterOf = [](const QString& text) {
-        const QKeySequence keys = QKeySequence::mnemonic(text);
-        return keys.isEmpty() ? QChar() : QChar(keys[0].key()).toLower();
+    const auto take = [&taken](const QString& text) {
+        if (const QChar letter = LetterOf(text); !letter.isNull()) taken += letter;
     };
-    for (const QAbstractButton* button : buttons)
-        if (const QChar letter = letterOf(button->text()); !letter.isNull()) taken += letter;
-    for (QAbstractButton* button : buttons) {
+    for (const auto* label : window.findChildren<QLabel*>())
+        if (label->buddy()) take(label->text());
+    for (const auto* button : window.findChildren<QAbstractButton*>())
+        take(button->text());
+    for (const auto* group : window.findChildren<QGroupBox*>())
+        take(group->title());
+    for (const auto* tabs : window.findChildren<QTabBar*>())
+        for (int tab = 0; tab < tabs->count(); ++tab)
+            take(tabs->tabText(tab));
+    return taken;
+}
+
+}  // namespace
+
+void GiveLetters(QDialog& dialog) {
+    QString taken = LettersIn(dialog);
+    for (QAbstractButton* button : dialog.findChild<QDialogButtonBox*>()->buttons()) {
         const QString text = button->text();
-        if (!letterOf(text).isNull()) continue;
+        if (!LetterOf(text).isNull()) continue;
         for (qsizetype at = 0; at < text.size(); ++at) {
             const QChar letter = text[at].toLower();
             if (!letter.isLetter() || taken.contains(letter)) continue;
@@ -164,7 +186,7 @@ void GiveLetters(const QList<QAbstractButton*>& buttons) {
 }
 
 void FinishBox(QMessageBox& box) {
-    GiveLetters(box.buttons());
+    GiveLetters(box);
     box.layout()->setContentsMargins(Space::Margin, Space::Margin, Space::Margin, Space::Margin);
     auto* grid = qobject_cast<QGridLayout*>(box.layout());
     grid->setVerticalSpacing(Space::Margin);

@@ -71,8 +71,9 @@ struct SaveCancel {
 };
 SaveCancel MakeSaveCancel(QDialog& editor, std::function<void()> save);
 
-/// Gives each button that lacks one a letter of its own to be pressed by.
-void GiveLetters(const QList<QAbstractButton*>& buttons);
+/// Gives each button at the foot of a dialog a letter to be pressed by, which nothing else in the dialog has.
+/// Call once all is laid out.
+void GiveLetters(QDialog& dialog);
 
 /// The last touch to a message box: room around its text, and a letter for each button.
 void FinishBox(QMessageBox& box);

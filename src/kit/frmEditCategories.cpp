@@ -12,6 +12,7 @@
 #include "base/ports.h"
 #include "kit/categorycombo.h"
 #include "kit/failure.h"
+#include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recorddelegate.h"
 #include "kit/theme.h"
@@ -83,6 +84,7 @@ void frmEditCategories::Lay() {
     column->addWidget(lblCount);
     column->addSpacing(Space::Tight);
     column->addWidget(buttons);
+    GiveLetters(*this);
     const auto key = [this](const QKeySequence& keys, void (frmEditCategories::*slot)()) {
         auto* shortcut = new QShortcut(keys, CatList);
         shortcut->setContext(Qt::WidgetShortcut);

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "kit/fieldmenu.h"
+#include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/theme.h"
 
@@ -43,6 +44,7 @@ frmInputbox::frmInputbox(const QString& title, const QString& prompt, const QStr
     column->addWidget(txtInput);
     column->addSpacing(Space::Tight);
     column->addWidget(buttons);
+    GiveLetters(*this);
     GuardDialog(*this);
 }
 

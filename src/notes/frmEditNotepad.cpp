@@ -85,6 +85,7 @@ void frmEditNotepad::Lay() {
     column->addLayout(options);
     column->addSpacing(Space::Row);
     column->addLayout(foot);
+    kit::GiveLetters(*this);
     kit::SetTabOrder(
         {ctlSubject, ctlNote, cboCategory->Combo(), cboCategory->Button(), ctlPrivate, cmdOK, cmdEsc});
     resize(qMax(620, fontMetrics().averageCharWidth() * 90), fontMetrics().lineSpacing() * 30);

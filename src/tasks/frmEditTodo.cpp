@@ -166,6 +166,7 @@ void frmEditTodo::Lay() {
     column->addWidget(fields_.Row(ctlNote), 1);
     column->addSpacing(Space::Row);
     column->addWidget(MakeButtons());
+    kit::GiveLetters(*this);
     kit::SetTabOrder({ctlTask, ctlPri[0], ctlPri[1], ctlPri[2], cboCategory->Combo(), cboCategory->Button(),
                       ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote, cmdOK, cmdEsc});
     resize(qMax(620, fontMetrics().averageCharWidth() * 96), fontMetrics().lineSpacing() * 25);

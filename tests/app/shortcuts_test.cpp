@@ -2,6 +2,7 @@
 // of one window ask for the same key or letter.
 #include <gtest/gtest.h>
 
+#include <QDialogButtonBox>
 #include <QFile>
 #include <QGroupBox>
 #include <QLabel>
@@ -210,6 +211,10 @@ void Judge(QWidget& window, const std::vector<std::string>& headings = {}) {
     const QSize least = window.minimumSizeHint().expandedTo(window.minimumSize());
     EXPECT_LE(least.width(), 792);
     EXPECT_LE(least.height(), 464);
+    for (const auto* foot : window.findChildren<QDialogButtonBox*>())
+        for (const QAbstractButton* button : foot->buttons())
+            EXPECT_FALSE(QKeySequence::mnemonic(button->text()).isEmpty() && name != "frmPW")
+                << button->text().toStdString();
     auto page = KeysOfPage();
     Keys told;
     for (const std::string& heading : headings) {

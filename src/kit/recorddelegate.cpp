@@ -48,7 +48,8 @@ void RecordDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelI
     } else if (marks & RowMark::Overdue) {
         paint(InkOf(Ink::Alarm, palette));
     } else if (marks & RowMark::Faint) {
-        paint(Blend(base, ink, 0.4));
+        // Who asked for high contrast has not asked for a hint.
+        paint(IsContrast(palette) ? palette.color(QPalette::PlaceholderText) : Blend(base, ink, 0.4));
     } else if (marks & RowMark::Quiet) {
         paint(palette.color(QPalette::PlaceholderText));
     }

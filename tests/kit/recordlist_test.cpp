@@ -333,6 +333,10 @@ TEST(RecordDelegateTest, SelectionIsATintAndABarUnderTheSameInk) {
         EXPECT_GT(CountNear(marked, colour), 20) << mark;
         EXPECT_EQ(CountNear(marked, ink), 0) << mark;
     }
+    model.marks = RowMark::Faint;
+    view.setPalette(HighContrastPalette());
+    EXPECT_GT(CountNear(row(), HighContrastPalette().color(QPalette::PlaceholderText)), 20);
+    view.setPalette(LightPalette());
     model.marks = 0;
     model.words.clear();
     EXPECT_GT(CountNear(row(), palette.color(QPalette::PlaceholderText)), 5)

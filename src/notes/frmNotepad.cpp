@@ -159,8 +159,8 @@ void frmNotepad::cmdDelete_Click() {
 void frmNotepad::mnuMemoDeleteAll_Click(bool oneCategory) {
     if (model_->rowCount() == 0 || (oneCategory && cboCategories->Number() == Category::All)) return;
     const std::int32_t category = oneCategory ? cboCategories->Number() : Category::All;
-    const bool noWayBack =
-        store::TooLargeToUndo(session_, store::Section::Memo, store::CategoryClause(category));
+    const bool noWayBack = store::TooLargeToUndo(
+        session_, store::Section::Memo, store::CategoryClause(session_, store::Section::Memo, category));
     if (session_.ports.prompter.Ask(ConfirmDelete(oneCategory ? 102 : 80, Msg(oneCategory ? 102 : 80))) !=
         Answer::Ok)
         return;

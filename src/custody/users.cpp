@@ -244,7 +244,8 @@ int LoadPin(Session& session) {
     }
     auto pin = NeverSet(stored) ? PinRecord() : DecodePin(session, stored);
     if (pin && pin->Pin.empty() && !session.ProgramDb->ReadOnly()) return SetDefaultPin(session);
-    session.pin = pin ? std::move(*pin) : PinRecord{.Unread = true};
+    session.pin = pin ? std::move(*pin) : PinRecord();
+    session.pin.Unread = !pin;
     return 0;
 }
 

@@ -12,6 +12,7 @@ TEST_PACKAGES=(
   clang libclang-rt-14-dev ccache mold python3
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb openbox dbus at-spi2-core libxcb-record0-dev fonts-inter
+  desktop-file-utils binutils
 )
 
 need_packages() {

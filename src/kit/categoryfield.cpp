@@ -7,6 +7,7 @@
 #include "kit/categorycombo.h"
 #include "kit/formparts.h"
 #include "kit/frmEditCategories.h"
+#include "kit/icons.h"
 #include "kit/theme.h"
 #include "store/sections.h"
 #include "store/session.h"
@@ -55,10 +56,12 @@ void CategoryField::Fill(std::int32_t number) {
     FillCategoryCombo(*combo_, entries_);
     if (!SelectCategory(*combo_, number) && !filter) SelectCategory(*combo_, Category::Unfiled);
     number_ = SelectedCategory(*combo_);
+    const bool unread = store::CategoriesUnread(session_, section_);
+    cmdEditCat->setIcon(Icon(unread ? "dialog-warning" : "configure"));
+    cmdEditCat->setToolTip(unread ? tr("The list of categories cannot be read") : tr("Edit categories"));
     // What a record's category is called may be lost; that it has one is not, unless the person chooses
     // another.
-    if (!filter && number > 0 && number_ == Category::Unfiled && store::CategoriesUnread(session_, section_))
-        number_ = number;
+    if (!filter && unread && number > 0 && number_ == Category::Unfiled) number_ = number;
     emit Filled();
 }
 

@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
+#include <QToolButton>
 
 #include "kit/categoryfield.h"
 #include "store/section_store.h"
@@ -157,9 +158,11 @@ TEST_F(FormCategories, ARecordKeepsItsNumberWhileTheListCannotBeRead) {
     field.Fill(3);
     EXPECT_EQ(field.Number(), 3);
     EXPECT_EQ(field.Combo()->currentText(), "Unfiled");
+    EXPECT_TRUE(field.Button()->toolTip().contains("cannot be read"));
     ASSERT_EQ(store::StoreCategories(db.session, {{"a", 1}}, Section::Todo), 0);
     field.Fill(3);
     EXPECT_EQ(field.Number(), 0) << "the category is gone for good";
+    EXPECT_FALSE(field.Button()->toolTip().contains("cannot be read"));
 }
 
 }  // namespace

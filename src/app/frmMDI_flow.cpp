@@ -106,9 +106,9 @@ void frmMDI::Opened() {
     session_.SectionCode = store::Section::None;
     column_->SetCurrent(0);
     ShowPrivateState();
-    ShowLocks();
     ShowForm(store::Section::None);
     HideShow(true);
+    ShowLocks();  // only now can a button show that it asks for the PIN
     emit DatabaseOpened();
     opened_ = true;
     const std::uint8_t first = shell::StartSectionOf(session_, AvailableSet());

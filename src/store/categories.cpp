@@ -8,6 +8,7 @@
 #include "base/languageus.h"
 #include "store/record_get.h"
 #include "store/section_store.h"
+#include "store/undo.h"
 
 namespace bmr::store {
 namespace {
@@ -147,6 +148,9 @@ Result<std::vector<std::int32_t>> CarriedNumbers(Session& session, std::uint8_t 
     while (rows->Next())
         if (IsReal(rows->Int(0))) numbers.insert(rows->Int(0));
     if (rows->error() != 0) return Error{rows->error(), session.ProgramDb->LastError()};
+    // What is taken back must not come back under another name.
+    for (const std::int32_t number : NumbersInSteps(session, section))
+        if (IsReal(number)) numbers.insert(number);
     return std::vector<std::int32_t>(numbers.begin(), numbers.end());
 }
 

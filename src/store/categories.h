@@ -57,8 +57,8 @@ inline std::int32_t RealCategory(std::int32_t number) {
 /// list cannot be read, what carries none at all.
 std::string CategoryClause(Session& session, std::uint8_t section, std::int32_t category);
 
-/// The real numbers (1 to 9998) that are carried: by the entries of `list` and by the section's records,
-/// whose category may be gone. In ascending order. None of them may be given to another category.
+/// The real numbers (1 to 9998) that are carried: by the entries of `list`, by the section's records, whose
+/// category may be gone, and by the steps that can be taken back. In ascending order. None of them may be given to another category.
 Result<std::vector<std::int32_t>> CarriedNumbers(Session& session, std::uint8_t section,
                                                  const CategoryList& list);
 

@@ -284,6 +284,8 @@ TEST_F(Undo, KnowsTheNumbersThatWouldComeBack) {
     const auto numbers = NumbersInSteps(store.session, Section::Memo);
     for (const std::int32_t number : {3, 5, 7})
         EXPECT_TRUE(numbers.contains(number)) << number;
+    EXPECT_EQ(*NewCategoryNumber(store.session, Section::Memo, {}), 1);
+    EXPECT_EQ(*NewCategoryNumber(store.session, Section::Memo, {{"a", 1}, {"b", 2}, {"c", 4}}), 6);
     EXPECT_TRUE(NumbersInSteps(store.session, Section::Todo).empty());
 }
 

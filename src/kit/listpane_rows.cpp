@@ -86,7 +86,7 @@ void ListPane::MoveSelected(std::int32_t category) {
 void ListPane::ChangeSelected(const std::function<store::SeveralOutcome(store::Keys keys)>& change) {
     const std::vector<std::int32_t> keys = list_->SelectedKeys();
     if (keys.empty()) return;
-    const int row = list_->SelectedRow();
+    const int row = model_->RowOf(keys.front());
     const store::SeveralOutcome outcome = change(keys);
     const QString what = keys.size() == 1 ? tr("The %1 was not stored.") : tr("The %1 were not stored.");
     TellFailure(session_, outcome.error, what.arg(CountOf(parts_.section, keys.size())));
@@ -98,7 +98,7 @@ void ListPane::ChangeSelected(const std::function<store::SeveralOutcome(store::K
 
 void ListPane::DeleteSelected(int number) {
     const std::vector<std::int32_t> keys = list_->SelectedKeys();
-    const int row = list_->SelectedRow();
+    const int row = model_->RowOf(keys.front());
     QString count = CountOf(parts_.section, keys.size());
     std::string text = Msg(number) + " \r\n\r\n   " + count.toStdString();
     if (store::TooLargeToUndo(session_, keys)) text += store::kCannotBeUndone;

@@ -15,7 +15,7 @@ int RecordListModel::rowCount(const QModelIndex& parent) const {
 
 Qt::ItemFlags RecordListModel::flags(const QModelIndex& index) const {
     if (index.isValid() && Heading(index.row())) return Qt::ItemNeverHasChildren;
-    return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
+    return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren | Qt::ItemIsDragEnabled;
 }
 
 const CellTexts& RecordListModel::TextsOf(int row) const {

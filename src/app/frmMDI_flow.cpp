@@ -111,6 +111,15 @@ void frmMDI::Opened() {
     ShowLocks();  // only now can a button show that it asks for the PIN
     emit DatabaseOpened();
     opened_ = true;
+    if (session_.SettingsUnread) {
+        Box box;
+        box.text = tr("The preferences in this file cannot be read. They are left as they are, and the usual "
+                      "ones hold, until you store others under Tools > Preferences.")
+                       .toStdString();
+        box.icon = BoxIcon::Warning;
+        session_.ports.prompter.Ask(box);
+        if (session_.ending) return;
+    }
     const std::uint8_t first = shell::StartSectionOf(session_, AvailableSet());
     if (first != store::Section::None) optSection_Click(first);
 }

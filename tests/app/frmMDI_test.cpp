@@ -115,6 +115,15 @@ class MainWindow : public testing::Test {
     int ended = 0;
 };
 
+TEST_F(MainWindow, TellsOfPreferencesThatCannotBeRead) {
+    sitting.Edit("fSec=5", [](engine::Recordset& row) { row.SetField("fEtx", Bytes(64, 'x')); });
+    sitting.prompter.Expect(0);
+    Start();
+    EXPECT_NE(sitting.prompter.shown.back().text.find("preferences in this file"), std::string::npos);
+    frame->CloseDatabase();
+    EXPECT_EQ(sitting.Rows(" WHERE fSec=5").front().at("fEtx"), Value(Bytes(64, 'x')));
+}
+
 TEST_F(MainWindow, StandsEmptyUntilADatabaseIsOpen) {
     EXPECT_EQ(Text("status"), "   No database open");
     for (const char* name : {"mnuFileNew", "mnuFileOpen", "mnuFileQuit", "mnuHelpAbout"})

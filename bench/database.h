@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -25,6 +26,7 @@ class SilentPrompter final : public Prompter {
         return std::nullopt;
     }
     bool AskSecret(const PassphraseRequest&, Secret& typed) override {
+        if (onSecret) onSecret();
         typed = Secret(std::string_view(kPassphrase));
         return true;
     }
@@ -32,6 +34,8 @@ class SilentPrompter final : public Prompter {
     std::optional<std::filesystem::path> AskSaveFile(const FileRequest&) override { return std::nullopt; }
     void Comment(const std::string&, bool) override {}
     void PauseAfterFailure() override {}
+
+    std::function<void()> onSecret;  ///< what happens when the prompt would stand there
 };
 
 class NoRegistry final : public Registry {

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -152,6 +153,27 @@ void frmPW::Restart() {
 void frmPW::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     txtInput->setFocus();
+    if (!parentWidget()) return;
+    // At the start the window behind has not got its place yet: the prompt follows it there.
+    CentreOverParent();
+    parentWidget()->window()->installEventFilter(this);
+}
+
+void frmPW::CentreOverParent() {
+    QRect place = frameGeometry();
+    const QRect screen = parentWidget()->screen()->availableGeometry();
+    place.moveCenter(parentWidget()->window()->frameGeometry().center());
+    place.moveRight(std::min(place.right(), screen.right()));
+    place.moveBottom(std::min(place.bottom(), screen.bottom()));
+    place.moveLeft(std::max(place.left(), screen.left()));
+    place.moveTop(std::max(place.top(), screen.top()));
+    move(place.topLeft());
+}
+
+bool frmPW::eventFilter(QObject* watched, QEvent* event) {
+    const bool placed = event->type() == QEvent::Move || event->type() == QEvent::Resize;
+    if (placed && isVisible() && watched == parentWidget()->window()) CentreOverParent();
+    return QDialog::eventFilter(watched, event);
 }
 
 void frmPW::SetCapsLock(bool on) {

@@ -57,7 +57,7 @@ Box DraftOffer(const store::Session& session, const custody::Draft& draft, custo
     box.words = {"Continue writing", "Discard", "Later"};
     box.standard = Answer::Yes;
     box.text = "On " + FormatShortDate(DayOf(draft.when), facts.shortDate) + " at " + ClockTime(draft.when) +
-               " the program ended while you were writing in " + section + ".";
+               " the database was closed while you were writing in " + section + ".";
     const WipedText words = FirstWords(draft.title.view(), kMostWords);
     const bool shown = !draft.isPrivate && !NeedsPin(session, draft.section);
     if (shown && !words.empty()) box.text += Joined("\n\n\xE2\x80\x9C", words, "\xE2\x80\x9D");

@@ -143,6 +143,22 @@ TEST_F(FormPW, ANewOneThatIsTooShortGoesToWhoAskedAtOnce) {
     EXPECT_EQ(form->TakeTypedSecret().view(), "short");
 }
 
+TEST_F(FormPW, StandsInTheMiddleOfItsWindowAlsoWhenThatGetsItsPlaceLater) {
+    QWidget window;
+    window.resize(700, 500);
+    window.show();
+    form = std::make_unique<frmPW>(PassphraseRequest{"Database: A.BMR", "Passphrase"}, boxes, &window);
+    form->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    const auto offCentre = [&] {
+        return (form->frameGeometry().center() - window.frameGeometry().center()).manhattanLength();
+    };
+    EXPECT_LE(offCentre(), 2);
+    window.move(60, 40);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return offCentre() <= 2; }, 1000)) << offCentre();
+    form.reset();  // before the window that it belongs to
+}
+
 TEST_F(FormPW, WeakFirstEntryIsQuestionedAndOnlyThat) {
     boxes.Expect(158, Answer::No).Expect(158, Answer::Yes);
     Show(true);

@@ -247,7 +247,7 @@ bool frmMDI::eventFilter(QObject* watched, QEvent* event) {
     if (watched == search_ && event->type() == QEvent::KeyPress && form_) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape || key == Qt::Key_Down || key == Qt::Key_Return) {
-            if (key == Qt::Key_Escape) search_->clear();
+            if (key == Qt::Key_Escape) search_->setText({});  // unlike clear, nothing is left to be undone
             searchDelay_->stop();
             form_->SetSearch(search_->text().trimmed());
             form_->setFocus(Qt::OtherFocusReason);

@@ -191,7 +191,7 @@ void frmMDI::ShowForm(std::uint8_t code) {
         connect(pane, &kit::ListPane::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
     connect(form_, &SectionForm::SearchEnded, this, [this] {
         const QSignalBlocker quiet(search_);
-        search_->clear();
+        search_->setText({});  // unlike clear, nothing is left to be undone
         searchDelay_->stop();
     });
     connect(form_, &SectionForm::DraftSettled, this, &frmMDI::ForgetDraft);
@@ -213,7 +213,7 @@ void frmMDI::CloseForm() {
         left_[session_.SectionCode] = std::move(begun);
     {
         const QSignalBlocker quiet(search_);
-        search_->clear();
+        search_->setText({});
         search_->setPlaceholderText({});
     }
     searchDelay_->stop();
@@ -313,12 +313,16 @@ void frmMDI::TakeStep(store::UndoWay way) {
     const auto outcome = store::TakeStep(session_, section, way);
     kit::TellFailure(session_, outcome.error, tr("Nothing was taken back."));
     if (outcome.error != 0 || !form_) return;
+    const int row = pane->List()->currentIndex().row();
     form_->Refresh();
-    // The filter may hide what has come back, or the row be one of another kind.
-    if (!outcome.keys.empty()) {
+    // Filter or search may hide what has come back, or the row be one of another kind.
+    if (!outcome.keys.empty() && !pane->Shows(outcome.keys.front()))
         form_->SelectRecord(outcome.keys.front());
+    pane = form_->Pane();
+    if (!outcome.keys.empty())
         pane->List()->SelectKeys(outcome.keys);
-    }
+    else if (pane->List()->SelectedRow() < 0)
+        pane->List()->PutCursor(row);
     const QString done = way == store::UndoWay::Undo ? tr("Undone: %1.") : tr("Done again: %1.");
     pane->Say(kit::StepTaken(done.arg(step), outcome));
     pane->setFocus(Qt::OtherFocusReason);
@@ -418,8 +422,8 @@ void frmMDI::QuitProgram() {
 
 void frmMDI::CloseAll() {
     if (!session_.DatabaseOpen) return;
-    // Nobody can be asked any more: what a failed write loses, a draft or the settings, is lost.
-    std::ignore = custody::StoreDrafts(session_, std::exchange(drafts_, {}));
+    // Nobody can be asked any more: at the end of the program, what a failed write loses is lost.
+    lostDrafts_ = custody::StoreDrafts(session_, std::exchange(drafts_, {}));
     CloseForm();
     left_.clear();
     std::ignore = custody::CloseDatabase(session_);
@@ -457,6 +461,14 @@ void frmMDI::Unlock() {
     ShowWithoutDatabase();
     SweepFreed();
     RunFlow([this] {
+        if (const int error = std::exchange(lostDrafts_, 0)) {
+            Box box;
+            box.text = tr("What you were writing could not be kept.").toStdString() + " " +
+                       custody::ExplainOpenFailure(error);
+            box.icon = BoxIcon::Critical;
+            session_.ports.prompter.Ask(box);
+            if (session_.ending) return;
+        }
         splash_->ShowOpening();
         const StartOutcome outcome = OpenNamed(session_, std::exchange(locked_, {}));
         Settle(outcome == StartOutcome::ShowMenuDB ? StartOutcome::Empty : outcome);

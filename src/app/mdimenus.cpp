@@ -4,8 +4,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMetaObject>
+#include <QPlainTextEdit>
 #include <QTextCursor>
-#include <QTextEdit>
 
 #include "app/sectioncolumn.h"
 #include "kit/fieldmenu.h"
@@ -181,7 +181,7 @@ void EnableEditEntries(const MdiMenus& menus, const QWidget* focus) {
         return focus && focus->metaObject()->indexOfSlot(slot) >= 0;
     };
     const auto* line = qobject_cast<const QLineEdit*>(focus);
-    const auto* text = qobject_cast<const QTextEdit*>(focus);
+    const auto* text = qobject_cast<const QPlainTextEdit*>(focus);
     const bool readOnly = (line && line->isReadOnly()) || (text && text->isReadOnly());
     const bool secret = line && line->echoMode() != QLineEdit::Normal;
     const bool selected =

@@ -12,7 +12,8 @@ namespace bmr::confidential {
 
 namespace {
 
-/// A row of a heading stands among the keys too; the engine counts records from 1 upwards.
+/// A row of a heading stands among the keys too, at numbers of which the engine, which draws keys from all of
+/// 32 bits, gives one in four thousand millions.
 std::int32_t HeadingKey(std::int32_t kind) {
     return std::numeric_limits<std::int32_t>::min() + kind;
 }

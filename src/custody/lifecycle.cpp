@@ -186,7 +186,7 @@ int Compact(Session& session, const fs::path& given) {
     name.replace(name.size() - std::min<std::size_t>(3, name.size()), std::string::npos, "tmp");
     copy.replace_filename(fs::u8path(name));
     std::error_code error;
-    if (copy == path || (fs::exists(copy, error) && !engine::IsLeftoverCopy(copy))) {
+    if (copy == path || (fs::exists(fs::symlink_status(copy, error)) && !engine::IsLeftoverCopy(copy))) {
         Warn(session, "The file \"" + name + "\" stands where the compacted copy would be written.");
         return engine::EngineNumber::Failed;
     }

@@ -31,6 +31,7 @@ namespace {
 constexpr std::string_view kMagic("SQLite format 3\0", 16);
 constexpr std::size_t kMarkAt = 60;  ///< in the head of a file, high byte first: what is read as user_version
 constexpr sqlite3_int64 kHead = 100;
+constexpr sqlite3_int64 kMostInMemory = sqlite3_int64{1} << 40;
 
 /// Puts the mark of a copy that has not taken its place yet into a head.
 void Mark(std::span<char> head) {
@@ -73,6 +74,8 @@ void WriteMarked(Engine& engine, const std::filesystem::path& target) {
     const std::string name =
         "file:/compacted-" + std::to_string(reinterpret_cast<std::uintptr_t>(&engine)) + "?vfs=memdb";
     SQLite::Database memory(name, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_URI);
+    sqlite3_int64 most = kMostInMemory;  // the library's own limit is lower
+    sqlite3_file_control(memory.getHandle(), "main", SQLITE_FCNTL_SIZE_LIMIT, &most);
     KeepReservedBytes(db);
     SQLite::Statement vacuum(db, "VACUUM INTO ?");
     vacuum.bind(1, name);

@@ -1,6 +1,7 @@
 #include "kit/categorydrop.h"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDropEvent>
 #include <QMimeData>
 
@@ -9,6 +10,12 @@
 #include "kit/words.h"
 
 namespace bmr::kit {
+
+namespace {
+
+constexpr int kAway = 48;  ///< px from the hand to what it could let something fall on
+
+}  // namespace
 
 const char* RowDrag::Mime() {
     return "application/x-brindlemere-rows";
@@ -40,7 +47,14 @@ void CategoryDrop::Unfold(const store::CategoryList& entries, const QWidget& com
     const QPoint below = parentWidget()->mapFromGlobal(combo.mapToGlobal(QPoint(0, combo.height())));
     const int rows = sizeHintForRow(0) * count() + 2 * frameWidth();
     const int room = parentWidget()->height() - below.y();
-    setGeometry(below.x(), below.y(), qMax(combo.width(), sizeHintForColumn(0) + 24), qMin(rows, room));
+    QRect place(below.x(), below.y(), qMax(combo.width(), sizeHintForColumn(0) + 24), qMin(rows, room));
+    // Not below the hand: a drag of some pixels must reach nothing.
+    const QPoint hand = parentWidget()->mapFromGlobal(QCursor::pos());
+    if (place.adjusted(-kAway, 0, kAway, kAway).contains(hand)) {
+        place.moveLeft(hand.x() + kAway);
+        if (place.right() > parentWidget()->width()) place.moveRight(hand.x() - kAway);
+    }
+    setGeometry(place);
     raise();
     show();
 }

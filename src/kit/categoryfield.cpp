@@ -47,7 +47,9 @@ CategoryField::CategoryField(store::Session& session, std::uint8_t section, Use 
 }
 
 CategoryField::~CategoryField() {
-    if (place_) session_.settings.LastCategory[*place_] = static_cast<std::int16_t>(number_);
+    // Among a list that cannot be read there was nothing to choose.
+    if (place_ && !store::CategoriesUnread(session_, section_))
+        session_.settings.LastCategory[*place_] = static_cast<std::int16_t>(number_);
 }
 
 void CategoryField::Fill(std::int32_t number) {

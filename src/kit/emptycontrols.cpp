@@ -12,7 +12,7 @@ namespace bmr::kit {
 void EmptyControls(QWidget& form) {
     for (auto* edit : form.findChildren<QLineEdit*>()) {
         const QSignalBlocker quiet(edit);
-        edit->clear();
+        edit->setText({});  // unlike clear, nothing is left to be undone
     }
     for (auto* edit : form.findChildren<QPlainTextEdit*>()) {
         const QSignalBlocker quiet(edit);

@@ -37,7 +37,7 @@ bool AskToOverwrite(store::Session& session, const QString& record) {
         QCoreApplication::translate(
             "failure",
             "This %1 cannot be read: what the file holds of it is damaged. Whatever you save now takes "
-            "the place of what is there, and that cannot be undone. Write the %1 anew?")
+            "the place of what is there. Write the %1 anew?")
             .arg(record)
             .toStdString();
     box.buttons = Buttons::YesNo;

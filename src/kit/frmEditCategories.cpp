@@ -212,9 +212,7 @@ void frmEditCategories::cmdOK_Click() {
     // A list that could not be read is not replaced by the nothing that is shown of it.
     if (session_.ending || unread_) return reject();
     if (const int error = store::StoreCategories(session_, Entries(), CategorySection); error != 0) {
-        const std::string why = error < 0 ? Msg(-error) : "Engine error " + std::to_string(error) + ".";
-        session_.ports.prompter.Ask({0, "The categories could not be stored. " + why, Buttons::Ok,
-                                     BoxIcon::Critical, Answer::Ok, ""});
+        TellFailure(session_, error, tr("The categories were not stored."));
         return;
     }
     accept();

@@ -13,6 +13,7 @@
 
 #include "base/languageus.h"
 #include "custody/passphrase.h"
+#include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/secretedit.h"
 #include "kit/theme.h"
@@ -73,6 +74,7 @@ void frmPW::BuildTexts() {
 void frmPW::BuildEntry() {
     txtInput = new SecretEdit;
     txtInput->setObjectName("txtInput");
+    SetMonospaced(*txtInput);  // in the clear, an l is no 1
     txtInput->setAccessibleName(QString::fromStdString(request_.prompt));
     lblPrompt->setBuddy(txtInput);
     // One pixel that can take the focus: a hidden box could not receive the decoys.
@@ -139,6 +141,7 @@ void frmPW::Lay() {
     column->addWidget(chkShowClear);
     column->addSpacing(Space::Row);
     column->addWidget(buttons);
+    GiveLetters(*this);
     const int width = std::max(440, fontMetrics().averageCharWidth() * 62);
     setFixedSize(width, std::max(column->totalHeightForWidth(width), column->totalSizeHint().height()));
 }

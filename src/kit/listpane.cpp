@@ -63,7 +63,6 @@ void ListPane::Rebuild(const std::vector<std::int32_t>& keys) {
     int error = 0;
     list_->Rebuild([&] { error = parts_.read(search_); });
     TellFailure(session_, error, parts_.unread);
-    if (toldStep_ != 0 && !store::MayTake(session_, parts_.section, store::UndoWay::Undo)) strip_->Clear();
     ShowState();
     list_->SelectKeys(keys);
     TellStatus();
@@ -99,7 +98,12 @@ void ListPane::ShowState() {
                 empty.wider);
 }
 
+bool ListPane::Shows(std::int32_t key) const {
+    return model_->RowOf(key) >= 0;
+}
+
 void ListPane::TellStatus() {
+    WithdrawStep();
     if (!read_) return emit StatusChanged({});
     const int count = model_->RecordCount();
     QStringList words{count == 1 ? parts_.one : parts_.many.arg(QLocale().toString(count))};

@@ -76,6 +76,8 @@ class ListPane final : public QWidget {
     ~ListPane() override;
 
     RecordListView* List() const { return list_; }
+    /// Whether the list shows the row of that key now.
+    bool Shows(std::int32_t key) const;
     /// New buttons that add, edit and delete: `cmdAdd`, `cmdEdit`, `cmdDelete`.
     std::array<QPushButton*, 3> MakeButtons() const;
 
@@ -124,6 +126,8 @@ class ListPane final : public QWidget {
     /// Runs a rebuild and selects what is left of `keys`, else puts the cursor where the first of them was.
     void ShowAfter(const std::vector<std::int32_t>& keys, int row);
     void TellUnread(std::size_t unread);
+    /// Takes the offer back once another step is the last.
+    void WithdrawStep();
 
     store::Session& session_;
     RecordListModel* model_;

@@ -32,7 +32,10 @@ void ListPane::BuildRowActions() {
     stripTime_->setSingleShot(true);
     stripTime_->setInterval(kStripTime);
     connect(stripTime_, &QTimer::timeout, strip_, &Strip::Clear);
-    connect(strip_, &Strip::Acted, this, &ListPane::UndoWanted);
+    connect(strip_, &Strip::Acted, this, [this] {
+        WithdrawStep();
+        if (toldStep_ != 0) emit UndoWanted();
+    });
     const auto* facts = store::FactsOf(parts_.section);
     if (facts->move && parts_.categories) {
         auto* menu = new QMenu(tr("Mo&ve to Category"), this);
@@ -79,13 +82,18 @@ void ListPane::UnfoldCategories() {
 }
 
 void ListPane::MoveSelected(std::int32_t category) {
-    ChangeSelected(
-        [&](store::Keys keys) { return store::FactsOf(parts_.section)->move(session_, keys, category); });
+    std::size_t moved = 0;
+    ChangeSelected([&](store::Keys keys) {
+        const auto outcome = store::FactsOf(parts_.section)->move(session_, keys, category);
+        moved = outcome.error == 0 ? outcome.changed : 0;
+        return outcome;
+    });
+    if (moved == 1) TellStep();  // a slip of the hand is told as well
 }
 
 void ListPane::ChangeSelected(const std::function<store::SeveralOutcome(store::Keys keys)>& change) {
     const std::vector<std::int32_t> keys = list_->SelectedKeys();
-    if (keys.empty()) return;
+    if (keys.empty() || !session_.DatabaseOpen) return;
     const int row = model_->RowOf(keys.front());
     const store::SeveralOutcome outcome = change(keys);
     const QString what = keys.size() == 1 ? tr("The %1 was not stored.") : tr("The %1 were not stored.");
@@ -126,6 +134,15 @@ void ListPane::TellStep() {
     strip_->Say(may ? done : done + " " + tr("This cannot be undone."), Strip::Kind::Note,
                 may ? tr("Undo") : QString());
     stripTime_->start();
+}
+
+void ListPane::WithdrawStep() {
+    if (toldStep_ == 0) return;
+    const auto* step = store::NextStep(session_, parts_.section, store::UndoWay::Undo);
+    const bool last = step && step->number == toldStep_;
+    if (last && (step->tooLarge || store::MayTake(session_, parts_.section, store::UndoWay::Undo))) return;
+    toldStep_ = 0;
+    strip_->Clear();
 }
 
 void ListPane::Say(const QString& text) {

@@ -200,18 +200,23 @@ void RecordListView::keyPressEvent(QKeyEvent* event) {
         emit DeleteWanted();
     else if (plain && event->key() == Qt::Key_Space)
         emit TickWanted();
+    else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
+        MenuByKey();  // for keyboards without the key for it
     else
         QTreeView::keyPressEvent(event);
 }
 
+void RecordListView::MenuByKey() {
+    const QRect row = currentIndex().isValid() ? visualRect(currentIndex()) : QRect();
+    emit MenuWanted(viewport()->mapToGlobal(QPoint(40, row.isValid() ? row.bottom() : 0)));
+}
+
 void RecordListView::contextMenuEvent(QContextMenuEvent* event) {
-    QPoint at = event->globalPos();
-    if (event->reason() == QContextMenuEvent::Keyboard) {
-        const QRect row = currentIndex().isValid() ? visualRect(currentIndex()) : QRect();
-        at = viewport()->mapToGlobal(QPoint(40, row.isValid() ? row.bottom() : 0));
-    }
-    emit MenuWanted(at);
     event->accept();
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        MenuByKey();
+    else
+        emit MenuWanted(event->globalPos());
 }
 
 void RecordListView::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -81,6 +81,7 @@ class RecordListView final : public QTreeView {
 
   private:
     std::vector<int> SelectedRows() const;
+    void MenuByKey();
     void HeaderMenu(const QPoint& at);
     void ColumnResized(int column, int width);
     void SaveColumns();

@@ -60,6 +60,7 @@ void frmNotepad::SelectRecord(std::int32_t fPK) {
         const auto memo = FetchRecord(session_, fPK);
         if (!memo) return;
         pane_->ClearSearch();
+        emit SearchEnded();
         if (cboCategories->Number() != Category::All) cboCategories->Fill(memo->category);
         pane_->Rebuild(fPK);
     }

@@ -108,7 +108,9 @@ int DeleteRows(Session& session, std::uint8_t section, const std::string& clause
             step.Record(key, std::move(before), {});
         }
     }
+    const std::int64_t changesBefore = session.ProgramDb->ChangeCount();
     if (const int error = session.ProgramDb->Execute("DELETE *" + which)) return error;
+    step.CountDeleted(static_cast<std::size_t>(session.ProgramDb->ChangeCount() - changesBefore));
     if (const int error = transaction.Commit()) return error;
     step.Keep();
     return 0;

@@ -56,9 +56,6 @@ class Reversal {
         inverse.section = section;
         inverse.words = step.words;
         inverse.privateShown = step.privateShown;
-        inverse.rows = step.rows;
-        inverse.added = step.added;
-        inverse.deleted = step.deleted;
     }
 
     UndoRecord inverse;
@@ -74,6 +71,9 @@ class Reversal {
             if (const int error = TakeBack(**table, *entry)) return error;
         session_.bucketOrder.Clear();
         if (const int error = all.Commit()) return error;
+        inverse.rows = outcome.written;
+        if (step_.added == step_.rows) inverse.added = inverse.rows;
+        if (step_.deleted == step_.rows) inverse.deleted = inverse.rows;
         SettlePlaces();
         return 0;
     }
@@ -102,7 +102,7 @@ class Reversal {
             if (const int error = PutImage(session_, table, section_, *entry.before, now.get(), anew))
                 return error;
             back.after = mark.stamp;
-            outcome.keys.push_back(entry.fPK);
+            if (SectionOf(*entry.before) == section_) outcome.keys.push_back(entry.fPK);
         } else if (const int error =
                        session_.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=?", {entry.fPK})) {
             return error;
@@ -162,9 +162,13 @@ UndoOutcome TakeStep(Session& session, std::uint8_t section, UndoWay way) {
     session.CalendarDirty = true;
     session.undo.size -= stack->back().size;
     stack->pop_back();
-    if (reversal.outcome.written > 0 && reversal.inverse.size <= UndoLog::kMostBytes) {
+    if (reversal.outcome.written > 0) {
         UndoStacks& stacks = session.undo.sections[section];
-        session.undo.Push(way == UndoWay::Undo ? stacks.undone : stacks.done, std::move(reversal.inverse));
+        auto& other = way == UndoWay::Undo ? stacks.undone : stacks.done;
+        if (reversal.inverse.size <= UndoLog::kMostBytes)
+            session.undo.Push(other, std::move(reversal.inverse));
+        else
+            session.undo.Clear(other);  // no older step over its head
     }
     return std::move(reversal.outcome);
 }
@@ -181,23 +185,21 @@ std::set<std::int32_t> NumbersInSteps(Session& session, std::uint8_t section) {
 }
 
 bool TooLargeToUndo(Session& session, std::uint8_t section, const std::string& clauses) {
+    auto rows = session.ProgramDb->OpenRecordset("SELECT * FROM tt WHERE fSec=" + std::to_string(section) +
+                                                 clauses + kOwnerAccess);
     std::size_t size = 0;
-    auto rows = session.ProgramDb->Select("SELECT fEtx, fT1 FROM tt WHERE fSec=" + std::to_string(section) +
-                                          clauses + kOwnerAccess);
-    while (rows && size <= UndoLog::kMostBytes && rows->Next())
-        size += sizeof(UndoEntry) + sizeof(RowImage) + rows->Bytes(0).size() + rows->Bytes(1).size();
+    for (; rows && !(*rows)->Eof() && size <= UndoLog::kMostBytes; (*rows)->MoveNext())
+        size += SizeOf({.fPK = 0, .before = ImageOf(**rows), .after = {}});
     return size > UndoLog::kMostBytes;
 }
 
 bool TooLargeToUndo(Session& session, std::span<const std::int32_t> keys) {
+    auto table = session.ProgramDb->OpenRecordset("tt");
     std::size_t size = 0;
-    for (const std::int32_t key : keys) {
-        auto row = session.ProgramDb->Select("SELECT fEtx, fT1 FROM tt WHERE fPK=?", {key});
-        if (row && row->Next())
-            size += sizeof(UndoEntry) + sizeof(RowImage) + row->Bytes(0).size() + row->Bytes(1).size();
-        if (size > UndoLog::kMostBytes) return true;
-    }
-    return false;
+    for (std::size_t i = 0; table && i < keys.size() && size <= UndoLog::kMostBytes; ++i)
+        if (auto image = FindImage(**table, keys[i]); image && *image)
+            size += SizeOf({.fPK = keys[i], .before = std::move(*image), .after = {}});
+    return size > UndoLog::kMostBytes;
 }
 
 }  // namespace bmr::store

@@ -15,7 +15,11 @@ UndoStep::UndoStep(Session& session, std::uint8_t section, StepWords words)
 }
 
 UndoStep::~UndoStep() {
-    if (outer_ && !kept_) session_.undo.open.reset();
+    if (!outer_ || kept_) return;
+    // What became of the rows may not be known: older steps then find no place as it was.
+    for (const auto& [stretch, change] : session_.undo.open->places)
+        session_.undo.NewState(stretch);
+    session_.undo.open.reset();
 }
 
 std::optional<RowMark> UndoStep::Mark(const engine::Recordset& row) const {
@@ -43,6 +47,11 @@ void UndoStep::Record(std::int32_t fPK, std::unique_ptr<RowImage> before,
     if (!step.tooLarge) return;
     step.entries = std::vector<UndoEntry>();
     step.size = 0;
+}
+
+void UndoStep::CountDeleted(std::size_t rows) {
+    if (session_.undo.recording && session_.undo.open->tooLarge)
+        session_.undo.open->rows = session_.undo.open->deleted = rows;
 }
 
 void UndoStep::Keep() {

@@ -27,6 +27,8 @@ class UndoStep {
     /// One row was written. `before`: as it stood, null for one that was added; `after`: as it stands, none
     /// for one that is gone.
     void Record(std::int32_t fPK, std::unique_ptr<RowImage> before, const std::optional<RowMark>& after);
+    /// So many rows were deleted in all, those that were not recorded for want of room included.
+    void CountDeleted(std::size_t rows);
     /// False once the step has outgrown the memory for all steps, or where nothing is recorded: no row need
     /// be read for it.
     bool WantsRows() const { return session_.undo.recording && !session_.undo.open->tooLarge; }

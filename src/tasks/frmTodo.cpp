@@ -95,6 +95,7 @@ void frmTodo::SelectRecord(std::int32_t fPK) {
         if (!task) return;
         if (task->completed && !ShowCompleted->isChecked()) ShowCompleted->setChecked(true);
         pane_->ClearSearch();
+        emit SearchEnded();
         if (cboCategories->Number() != Category::All && cboCategories->Number() != task->category)
             cboCategories->Fill(Category::All);
         showListitems();
@@ -154,7 +155,9 @@ void frmTodo::EditRecord(Task task, const custody::Draft* draft) {
 }
 
 EditEnd frmTodo::EditAndStore(Task& task, bool& another, const custody::Draft* draft) {
-    const auto categories = store::FillCategories(session_, store::Section::Todo, false, true, false);
+    auto categories = store::FillCategories(session_, store::Section::Todo, false, true, false);
+    // While the list cannot be read, nobody knows that the task's category is gone.
+    if (store::CategoriesUnread(session_, store::Section::Todo)) categories.push_back({{}, task.category});
     frmEditTodo editor(session_, RecordToEditor(task, categories), task.key, this);
     return round_.EditUntilStored(editor, draft, tr("The task was not stored."), [&] {
         another = std::exchange(editor.another, false);

@@ -13,6 +13,7 @@
 #include "confidential/frmClassified.h"
 #include "custody/lifecycle.h"
 #include "kit/categorydrop.h"
+#include "kit/listpane.h"
 #include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
 #include "notes/frmNotepad.h"
@@ -40,9 +41,19 @@ class WindowSteps : public testing::Test {
             memo.subject = subject;
             EXPECT_EQ(notes::WriteRecord(sitting.session, memo), 0);
         }
+        for (const std::int32_t kind : {1, 4}) {
+            confidential::Record record;
+            record.kind = kind;
+            record.n[0] = "harbour " + std::to_string(kind);
+            EXPECT_EQ(confidential::WriteRecord(sitting.session, record), 0);
+        }
         sitting.Close();
         SectionTable table;
         table[Section::Todo] = [](store::Session& s, QWidget* p) { return new tasks::frmTodo(s, p); };
+        table[Section::Confidential] = [](store::Session& s, QWidget* p) {
+            return new confidential::frmClassified(
+                s, [](const QString&) {}, p);
+        };
         table[Section::Memo] = [](store::Session& s, QWidget* p) { return new notes::frmNotepad(s, p); };
         frame = std::make_unique<frmMDI>(
             frmMDI::Parts{sitting.session, std::move(table), {sitting.folder.Path() / "documents"}});
@@ -237,6 +248,82 @@ TEST_F(WindowSteps, WhatWasChangedMeanwhileIsLeftAndTold) {
     EXPECT_EQ(Strip(), "Undone: change of 2 tasks. One row was changed meanwhile and stays as it is.");
     EXPECT_TRUE(tasks::FetchRecord(sitting.session, keys[0])->isPrivate);
     EXPECT_FALSE(tasks::FetchRecord(sitting.session, keys[1])->isPrivate);
+}
+
+TEST_F(WindowSteps, TheLineTakesBackWhatItNamesOrNothing) {
+    Select({"ask"});
+    sitting.prompter.Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    auto& offer = Named<QPushButton>(*frame->Form()->Pane(), "stripAction");
+    EXPECT_TRUE(offer.isVisible());
+    auto& line = Named<QLineEdit>(*frame, "txtQuickAdd");
+    test::TypeText(line, "eat");
+    QTest::keyClick(&line, Qt::Key_Return);
+    EXPECT_FALSE(offer.isVisible()) << "another step is the last now";
+    offer.click();
+    EXPECT_EQ(Shown(), (QStringList{"book", "call", "draw", "eat"}));
+}
+
+TEST_F(WindowSteps, ASearchStaysUnlessItHidesWhatComesBack) {
+    auto& search = Named<QLineEdit>(*frame, "txtSearch");
+    const auto look = [&](const char* words) {
+        search.setText(words);
+        QTest::keyClick(&search, Qt::Key_Return);
+    };
+    look("ask");
+    Select({"ask"});
+    sitting.prompter.Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    EXPECT_TRUE(Shown().isEmpty());
+    Entry("mnuEditUndo").trigger();
+    EXPECT_EQ(Shown(), QStringList{"ask"});
+    EXPECT_EQ(search.text(), "ask");
+    look("draw");
+    Entry("mnuEditRedo").trigger();
+    EXPECT_EQ(Shown(), QStringList{"draw"});
+    Entry("mnuEditUndo").trigger();
+    EXPECT_EQ(Shown().size(), 4) << "it would have hidden the row";
+    EXPECT_TRUE(search.text().isEmpty());
+
+    GoTo(Section::Confidential);
+    look("harbour");
+    list = frame->Form()->Pane()->List();
+    ASSERT_EQ(list->objectName(), "listFound");
+    Select({"harbour 4"});
+    sitting.prompter.Expect(79, Answer::Ok);
+    QTest::keyClick(list, Qt::Key_Delete);
+    EXPECT_EQ(Shown().filter("harbour").size(), 1);
+    Entry("mnuEditUndo").trigger();
+    EXPECT_EQ(frame->Form()->Pane()->List(), list) << "still what was found";
+    EXPECT_EQ(Shown().filter("harbour").size(), 2);
+    EXPECT_EQ(Strip(), "Undone: delete of the record.");
+    EXPECT_EQ(QApplication::focusWidget(), list);
+}
+
+TEST_F(WindowSteps, SearchWordsDoNotComeBackInAnotherSection) {
+    auto& search = Named<QLineEdit>(*frame, "txtSearch");
+    search.setFocus();
+    test::TypeText(search, "secret");
+    QTest::keyClick(&search, Qt::Key_Escape);
+    EXPECT_FALSE(search.isUndoAvailable());
+    test::TypeText(search, "secret");
+    GoTo(Section::Memo);
+    search.setFocus();
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(search.text().isEmpty());
+}
+
+TEST_F(WindowSteps, ADragOfSomePixelsReachesNoCategory) {
+    QCursor::setPos(list->viewport()->mapToGlobal(QPoint(60, 10)));
+    emit list->DragBegun();
+    const auto& drop = Named<kit::CategoryDrop>(*frame, "categoryDrop");
+    EXPECT_TRUE(drop.isVisible());
+    const QPoint hand = frame->mapFromGlobal(QCursor::pos());
+    EXPECT_FALSE(drop.geometry().adjusted(-20, -20, 20, 20).contains(hand));
+    EXPECT_TRUE(frame->rect().contains(drop.geometry()));
+    emit list->DragEnded();
+    for (int row = 0; row < list->model()->rowCount(); ++row)
+        EXPECT_TRUE(list->model()->index(row, 0).flags() & Qt::ItemIsDragEnabled);
 }
 
 }  // namespace

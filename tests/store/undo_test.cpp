@@ -270,10 +270,31 @@ TEST_F(Undo, MemoryHasItsLimit) {
     const UndoRecord* step = NextStep(session, Section::Memo, UndoWay::Undo);
     ASSERT_NE(step, nullptr);
     EXPECT_TRUE(step->tooLarge);
+    EXPECT_EQ(step->rows, 300U) << "those that were not recorded count as well";
     EXPECT_EQ(session.undo.sections[Section::Memo].done.size(), 1U) << "no way back over its head";
     EXPECT_FALSE(MayTake(session, Section::Memo, UndoWay::Undo));
     Add("after it");
     EXPECT_TRUE(MayTake(session, Section::Memo, UndoWay::Undo));
+}
+
+TEST_F(Undo, TheQuestionKnowsWhatTheStepWillTake) {
+    Session& session = store.session;
+    std::vector<Memo> memos(1, notes::ClearRecord(session, 0));
+    ASSERT_EQ(notes::AddRecords(session, memos), 0);
+    ASSERT_EQ(DeleteRows(session, Section::Memo), 0);
+    const std::size_t one = NextStep(session, Section::Memo, UndoWay::Undo)->size;
+    // As many as fit, and one more.
+    memos.assign(UndoLog::kMostBytes / one + 1, notes::ClearRecord(session, 0));
+    ASSERT_EQ(notes::AddRecords(session, memos), 0);
+    for (const std::size_t fewer : {0U, 400U}) {
+        for (std::size_t i = 0; i < fewer; ++i)
+            ASSERT_EQ(DeleteRow(session, memos[i].key), 0);
+        const bool told = TooLargeToUndo(session, Section::Memo, "");
+        engine::Transaction trial(*session.ProgramDb);
+        ASSERT_EQ(DeleteRows(session, Section::Memo), 0);
+        EXPECT_EQ(NextStep(session, Section::Memo, UndoWay::Undo)->tooLarge, told);
+        EXPECT_EQ(told, fewer == 0);
+    }
 }
 
 TEST_F(Undo, KnowsTheNumbersThatWouldComeBack) {

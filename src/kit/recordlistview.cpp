@@ -174,9 +174,9 @@ void RecordListView::startDrag(Qt::DropActions) {
     const int count = SelectedCount();
     if (count == 0) return;
     QDrag drag(this);
-    auto* data = new QMimeData;
-    data->setData(RowDrag::Mime(), QByteArray::number(QCoreApplication::applicationPid()));
-    drag.setMimeData(data);
+    auto* rows = new QMimeData;
+    rows->setData(RowDrag::Mime(), QByteArray::number(QCoreApplication::applicationPid()));
+    drag.setMimeData(rows);
     const QString words = QLocale().toString(count);
     QPixmap label((fontMetrics().size(0, words) + QSize(16, 8)) * devicePixelRatioF());
     label.setDevicePixelRatio(devicePixelRatioF());

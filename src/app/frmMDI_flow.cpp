@@ -1,6 +1,7 @@
 // The main window's half that has to do with the database and its sections.
 #include <QApplication>
 #include <QDialog>
+#include <QDrag>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -443,6 +444,7 @@ void frmMDI::LockNow() {
 void frmMDI::AwaitUnlocking() {
     if (quitting_) return;  // the idle end came first
     if (flows_ == 0 && !DialogsUnwinding()) return Unlock();
+    QDrag::cancel();
     QWidget* popup = QApplication::activePopupWidget();
     QWidget* modal = QApplication::activeModalWidget();
     if (popup)

@@ -268,12 +268,10 @@ void frmMDI::mnuViewShowPrivate_Switch() {
 }
 
 void frmMDI::PrivateSwitched() {
-    ShowPrivateState();
-    if (!form_) return;
     // Without the private ones a long list takes a while to build; what it shows must not stand there so
     // long.
     QWidget cover(stack_);
-    if (!session_.ShowPrivate) {
+    if (form_ && !session_.ShowPrivate) {
         cover.setObjectName("cover");
         cover.setAutoFillBackground(true);
         cover.setGeometry(stack_->rect());
@@ -281,7 +279,8 @@ void frmMDI::PrivateSwitched() {
         cover.raise();
         cover.repaint();
     }
-    form_->Refresh();
+    ShowPrivateState();
+    if (form_) form_->Refresh();
 }
 
 void frmMDI::CloseDatabase() {

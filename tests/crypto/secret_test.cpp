@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "support/sanitizer.h"
+
 namespace bmr {
 namespace {
 
@@ -29,18 +31,8 @@ int LockedAround(const void* address) {
     return locked;
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-#define BMR_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define BMR_SANITIZED
-#endif
-#endif
-
 TEST(Secret, LiesInPagesThatAreKeptFromTheSwap) {
-#ifdef BMR_SANITIZED
-    GTEST_SKIP() << "the sanitizer locks no pages";
-#endif
+    if (test::kSanitized) GTEST_SKIP() << "the sanitizer locks no pages";
     rlimit limit{};
     if (getrlimit(RLIMIT_MEMLOCK, &limit) != 0 || limit.rlim_cur < (rlim_t{64} << 10))
         GTEST_SKIP() << "the system grants no locked pages";

@@ -1,6 +1,7 @@
 // What stands in this process's memory once a database is closed.
 #ifdef __linux__
 #include "support/memory.h"
+#include "support/sanitizer.h"
 
 #include "confidential/confidential.h"
 #include "custody/drafts.h"
@@ -17,15 +18,6 @@ namespace {
 
 using test::Marker;
 using test::MemorySearch;
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define BMR_KEEPS_FREED_MEMORY 1
-#endif
-#endif
-#ifdef __SANITIZE_ADDRESS__
-#define BMR_KEEPS_FREED_MEMORY 1
-#endif
 
 /// The marker with letters before and behind it; `foreign` ones have no place in code page 1252.
 Secret Long(char which, bool foreign = false) {
@@ -129,9 +121,7 @@ void WorkOnDrafts(store::Session& session) {
 }
 
 TEST(Memory, HoldsNoTextOfARecordOnceTheDatabaseIsClosed) {
-#ifdef BMR_KEEPS_FREED_MEMORY
-    GTEST_SKIP() << "the checker keeps freed memory and maps more than can be searched";
-#endif
+    if (test::kSanitized) GTEST_SKIP() << "the checker keeps freed memory and maps more than can be searched";
     test::Sitting sitting;
     sitting.Make();
     const auto holdsMarker = [](const char* block, std::size_t size) {

@@ -35,7 +35,7 @@ class Catalogue(Base):
 
     def test_a_file_is_whole_after_many_operations(self):
         self.bmr("new")
-        done = call(RANDOM_OPS, self.file, "--operations", 3000, "--seed", time.time_ns() % 100000)
+        done = call(RANDOM_OPS, self.file, "--operations", 10000, "--seed", time.time_ns() % 100000)
         self.assertEqual((done.returncode, done.stderr), (0, ""), done.args)
         self.assertIn("all whole", self.bmr("check"))
 

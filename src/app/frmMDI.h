@@ -145,6 +145,7 @@ class frmMDI final : public QMainWindow {
 
     void ShowForm(std::uint8_t code);
     void CloseForm();
+    void EmptySearch();
     void ShowActions(const QList<QAction*>& actions);
     void ShowPrivateState();
     /// After private records were shown or hidden: the switch, and the lists.
@@ -180,7 +181,7 @@ class frmMDI final : public QMainWindow {
     int flows_ = 0;
     bool opened_ = false;                 ///< a database was opened whose drafts were not offered yet
     std::vector<custody::Draft> drafts_;  ///< collected for the end
-    int lostDrafts_ = 0;  ///< why the last closing could not keep them
+    int lostDrafts_ = 0;                  ///< why the last closing could not keep them
     std::int32_t continuing_ = 0;         ///< id of the draft that is worked on
     std::map<std::uint8_t, std::vector<custody::Draft>> left_;  ///< begun in sections that are closed
     std::filesystem::path locked_;                              ///< to be opened again; empty unless locked

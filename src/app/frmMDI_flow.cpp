@@ -190,11 +190,7 @@ void frmMDI::ShowForm(std::uint8_t code) {
     connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
     if (const auto* pane = form_->Pane())
         connect(pane, &kit::ListPane::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
-    connect(form_, &SectionForm::SearchEnded, this, [this] {
-        const QSignalBlocker quiet(search_);
-        search_->setText({});  // unlike clear, nothing is left to be undone
-        searchDelay_->stop();
-    });
+    connect(form_, &SectionForm::SearchEnded, this, &frmMDI::EmptySearch);
     connect(form_, &SectionForm::DraftSettled, this, &frmMDI::ForgetDraft);
     stack_->addWidget(form_);
     stack_->setCurrentWidget(form_);
@@ -207,17 +203,19 @@ void frmMDI::ShowForm(std::uint8_t code) {
     form_->setFocus(Qt::OtherFocusReason);
 }
 
+void frmMDI::EmptySearch() {
+    // The field hears its own signals: its button goes by them.
+    search_->setText({});  // unlike clear, nothing is left to be undone
+    searchDelay_->stop();
+}
+
 void frmMDI::CloseForm() {
     if (!form_) return;
     // With an editor open the database goes, and what it holds has been taken already.
     if (auto begun = form_->Editing() ? std::vector<custody::Draft>() : form_->Drafts(); !begun.empty())
         left_[session_.SectionCode] = std::move(begun);
-    {
-        const QSignalBlocker quiet(search_);
-        search_->setText({});
-        search_->setPlaceholderText({});
-    }
-    searchDelay_->stop();
+    EmptySearch();
+    search_->setPlaceholderText({});
     stack_->setCurrentWidget(splash_);
     status_->clear();
     sectionMenu_ = nullptr;

@@ -10,6 +10,7 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <functional>
 
 #include "app/sectioncolumn.h"
@@ -319,9 +320,23 @@ TEST_F(MainWindow, TheSearchFieldKeepsItsPlaceAndAnEndedSearchEmptiesIt) {
         return field.geometry();
     };
     EXPECT_EQ(place(Section::Todo), place(Section::Address));
+    auto* clear = field.findChild<QAction*>("_q_qlineeditclearaction");
+    ASSERT_TRUE(clear);
+    const auto offers = [&](bool wanted) {
+        for (const auto* button : field.findChildren<QToolButton*>())
+            if (button->defaultAction() == clear)
+                return QTest::qWaitFor([&] { return button->property("opacity").toReal() == wanted; }, 1000);
+        return false;
+    };
+    field.setText("milk");
+    EXPECT_TRUE(offers(true));
+    place(Section::Todo);
+    EXPECT_EQ(field.text(), "");
+    EXPECT_TRUE(offers(false)) << "an empty field has nothing to clear";
     field.setText("milk");
     emit frame->Form()->SearchEnded();
     EXPECT_EQ(field.text(), "");
+    EXPECT_TRUE(offers(false));
     Lines();
     QTest::qWait(300);
     EXPECT_EQ(Lines(), Strings{}) << "the list shows all already";

@@ -191,8 +191,13 @@ void FinishBox(QMessageBox& box) {
     auto* grid = qobject_cast<QGridLayout*>(box.layout());
     grid->setVerticalSpacing(Space::Margin);
     grid->setHorizontalSpacing(Space::Tight);  // a spacer of its own stands behind the icon
-    if (auto* text = box.findChild<QLabel*>("qt_msgbox_label"))
+    const auto* icon = box.findChild<QLabel*>("qt_msgboxex_icon_label");
+    if (auto* text = box.findChild<QLabel*>("qt_msgbox_label")) {
         text->setAlignment(Qt::AlignVCenter | Qt::AlignLeading);
+        // One line stands at the middle of the icon, not at its top.
+        if (icon && !icon->pixmap().isNull())
+            text->setMinimumHeight(qRound(icon->pixmap().deviceIndependentSize().height()));
+    }
 }
 
 void SetTabOrder(std::initializer_list<QWidget*> order) {

@@ -50,6 +50,17 @@ class BmrStyle final : public QProxyStyle {
         QProxyStyle::drawControl(element, option, painter, widget);
     }
 
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override {
+        const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        if (!bar || control != CC_ScrollBar || !(bar->subControls & SC_ScrollBarSlider))
+            return QProxyStyle::drawComplexControl(control, option, painter, widget);
+        QStyleOptionSlider without = *bar;
+        without.subControls &= ~SubControls(SC_ScrollBarSlider);
+        QProxyStyle::drawComplexControl(control, &without, painter, widget);
+        DrawThumb(*bar, *painter, subControlRect(control, bar, SC_ScrollBarSlider, widget));
+    }
+
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override {
         if (const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
@@ -118,6 +129,25 @@ class BmrStyle final : public QProxyStyle {
     }
 
   private:
+    // Fusion's thumb has the colour of a button, which is nearly that of the ground it moves on.
+    static void DrawThumb(const QStyleOptionSlider& bar, QPainter& painter, const QRect& thumb) {
+        if (bar.minimum == bar.maximum) return;
+        const QPalette& palette = bar.palette;
+        const bool held = (bar.state & State_Sunken) && (bar.activeSubControls & SC_ScrollBarSlider);
+        const bool hot = (bar.state & State_MouseOver) && (bar.activeSubControls & SC_ScrollBarSlider);
+        const double least = IsDark(palette) ? 0.55 : 0.42;  // a dark groove is lighter than the ground
+        const double strength = least + (held ? 0.2 : hot ? 0.1 : 0);
+        const QRectF shape = QRectF(thumb).adjusted(2.5, 2.5, -2.5, -2.5);
+        const double radius = qMin(shape.width(), shape.height()) / 2;
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Blend(palette.color(QPalette::Active, QPalette::Base),
+                               palette.color(QPalette::Active, QPalette::Text), strength));
+        painter.drawRoundedRect(shape, radius, radius);
+        painter.restore();
+    }
+
     // A line alone: Fusion fills the frame too, and every ink in a selected row would lose by it.
     static void DrawFocus(const QStyleOption& option, QPainter& painter) {
         painter.save();
@@ -151,6 +181,8 @@ class BmrStyle final : public QProxyStyle {
         const QRect words(inside.topLeft(), QPoint(arrow.left() - Space::Tight, inside.bottom()));
         part.rect = visualRect(header.direction, header.rect, words);
         part.sortIndicator = QStyleOptionHeader::None;
+        // Some models tell only the side: without a height the words would stand at the top.
+        if (!(part.textAlignment & Qt::AlignVertical_Mask)) part.textAlignment |= Qt::AlignVCenter;
         part.text = part.fontMetrics.elidedText(header.text, Qt::ElideRight, words.width());
         drawControl(CE_HeaderLabel, &part, &painter, widget);
     }

@@ -111,6 +111,17 @@ TEST(QtPrompter, AsksNothingOnceTheSessionEnds) {
     prompter.PauseAfterFailure();
 }
 
+TEST(QtPrompter, OneLineStandsAtTheMiddleOfItsIcon) {
+    QtPrompter prompter;
+    Visitor visitor;
+    visitor.Meet("boxMsg", [](QWidget& box) {
+        const auto middle = [&](const char* name) { return Named(box, name).geometry().center().y(); };
+        EXPECT_NEAR(middle("qt_msgbox_label"), middle("qt_msgboxex_icon_label"), 1);
+        box.close();
+    });
+    prompter.Ask({20, "Discard changes?", Buttons::YesNo, BoxIcon::Question, Answer::Yes, ""});
+}
+
 TEST(QtPrompter, InputBoxWantsWords) {
     QtPrompter prompter;
     Visitor visitor;

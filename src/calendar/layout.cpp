@@ -4,8 +4,6 @@
 #include <cmath>
 #include <map>
 
-#include "calendar/timespan.h"
-
 namespace bmr::calendar {
 namespace {
 
@@ -110,12 +108,12 @@ std::vector<DayBox> DayBoxes(std::span<const LayoutEntry> entries, const Packing
                          packing.places[i], false});
         // An end at midnight sharp has nothing left for the day that begins there.
         std::int64_t left =
-            std::int64_t{entry.end.count} - entry.start.count - (kDayMinutes - FirstMinute(entry));
-        for (std::int32_t later = day + 1; left > 0 && later < days; ++later, left -= kDayMinutes)
+            std::int64_t{entry.end.count} - entry.start.count - (kMinutesOfDay - FirstMinute(entry));
+        for (std::int32_t later = day + 1; left > 0 && later < days; ++later, left -= kMinutesOfDay)
             behind.push_back({i,
                               later,
                               0,
-                              static_cast<std::int32_t>(std::min<std::int64_t>(left, kDayMinutes)),
+                              static_cast<std::int32_t>(std::min<std::int64_t>(left, kMinutesOfDay)),
                               {},
                               true});
     }
@@ -129,7 +127,7 @@ std::vector<MoreBox> FitColumns(std::vector<DayBox>& boxes, std::int32_t most) {
     std::vector<bool> hidden(boxes.size());
     for (const auto& group : GroupsOf(boxes)) {
         if (boxes[group.front()].place.columns <= most) continue;
-        MoreBox more{.day = boxes[group.front()].day, .from = kDayMinutes, .place = {most, most}};
+        MoreBox more{.day = boxes[group.front()].day, .from = kMinutesOfDay, .place = {most, most}};
         for (const std::size_t at : group) {
             DayBox& box = boxes[at];
             more.all.push_back(box.entry);
@@ -157,7 +155,7 @@ std::int32_t FirstMinute(const LayoutEntry& entry) {
 
 std::int32_t LastMinute(const LayoutEntry& entry) {
     const std::int64_t last = FirstMinute(entry) + std::int64_t{entry.end.count} - entry.start.count;
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(last, 0, kDayMinutes));
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(last, 0, kMinutesOfDay));
 }
 
 BoxGeometry BoxAt(std::int32_t from, std::int32_t to, Place place, const GridGeometry& grid) {
@@ -175,7 +173,7 @@ BoxGeometry BoxAt(std::int32_t from, std::int32_t to, Place place, const GridGeo
 std::int32_t MinuteAt(double y, const GridGeometry& grid, std::int32_t step) {
     const double minute = (y + grid.offset) / GridGeometry::kHour * 60 / grid.zoom;
     const double line = std::floor(minute / step) * step;
-    return static_cast<std::int32_t>(std::clamp(line, 0.0, double{kDayMinutes}));
+    return static_cast<std::int32_t>(std::clamp(line, 0.0, double{kMinutesOfDay}));
 }
 
 }  // namespace bmr::calendar

@@ -63,10 +63,6 @@ void ExpandRecurrence(Minutes periodStart, Minutes periodEnd, std::int32_t timeO
 /// The same by days, for a string that was taken apart already.
 void ExpandRule(const RedoRule& rule, Period period, const LocaleFacts& locale, std::vector<Day>& days);
 
-/// The date of a year, month and day where any of them may overflow: the 31st of a month with 30 days is the
-/// 1st of the next, month 13 the January behind, day 0 the last of the month before.
-Day RolledDate(int year, int month, int day);
-
 /// The n-th `weekday` (Sunday-based) of the month of `date`; 5 is the last one. A weekday of 0 stands for
 /// that of `date`, an n of 0 for its week of the month.
 Day NthWeekdayOfMonth(int nth, int weekday, Day date);

@@ -87,7 +87,8 @@ Bytes BuildRedoString(const RedoState& state, const LocaleFacts& locale);
 RedoState ParseRedoString(std::string_view redoString, Day date, const LocaleFacts& locale);
 
 /// Last day from the number of occurrences, and number from the last day; both put the last day on an
-/// occurrence.
+/// occurrence, and a series on n-th weekdays begins on one. While the form is filled nothing moves and
+/// nothing is asked.
 void SeriesFromCount(RedoState& state, const LocaleFacts& locale, const SeriesVoice& voice = {});
 void CountFromEndDate(RedoState& state, const LocaleFacts& locale, const SeriesVoice& voice = {});
 /// The one of the two that the end mode asks for, after every change but while the form is filled.

@@ -29,7 +29,7 @@ Minutes Midnight(Minutes minutes) {
 /// Start and end within the start's day: the end at most at 24:00, and never before the start.
 void Set(TimeSpan& span, Minutes start, Minutes end) {
     span.start = start;
-    span.end = std::clamp(end, start, Later(Midnight(start), kDayMinutes));
+    span.end = std::clamp(end, start, Later(Midnight(start), kMinutesOfDay));
     span.allDay = false;
 }
 
@@ -38,7 +38,7 @@ std::optional<std::int32_t> WholeNumber(std::string_view text) {
     const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || parsed.ptr != text.data() + text.size()) return std::nullopt;
     // More digits than fit are a large number all the same.
-    if (parsed.ec == std::errc::result_out_of_range) return text.front() == '-' ? -1 : kDayMinutes;
+    if (parsed.ec == std::errc::result_out_of_range) return text.front() == '-' ? -1 : kMinutesOfDay;
     return parsed.ec == std::errc() ? std::optional(number) : std::nullopt;
 }
 
@@ -50,10 +50,6 @@ bool OnlyDigits(std::string_view text) {
 
 std::int32_t TimeSpan::Length() const {
     return Later({}, std::max<std::int64_t>(0, Between(start, end))).count;
-}
-
-Minutes MidnightOf(Day day) {
-    return DateToMinutes(DateValue{static_cast<double>(day.serial)});
 }
 
 TimeSpan NewSpan(Minutes start, std::int32_t length) {
@@ -120,7 +116,7 @@ void SetAllDay(TimeSpan& span, bool allDay) {
         span.keptStart = span.start;
         span.keptEnd = span.end;
         span.start = Midnight(span.start);
-        span.end = Later(span.start, kDayMinutes);
+        span.end = Later(span.start, kMinutesOfDay);
     } else {
         span.start = span.keptStart;
         span.end = span.keptEnd;
@@ -134,7 +130,7 @@ void MoveToDay(TimeSpan& span, Day day) {
 }
 
 bool IsWholeDay(Minutes start, Minutes end) {
-    return MinuteOfDay(start) == 0 && Between(start, end) == kDayMinutes;
+    return MinuteOfDay(start) == 0 && Between(start, end) == kMinutesOfDay;
 }
 
 TimeSpan StoredSpan(TimeSpan span, bool recurring, Day date) {
@@ -142,7 +138,7 @@ TimeSpan StoredSpan(TimeSpan span, bool recurring, Day date) {
     span.allDay = span.allDay || IsWholeDay(span.start, span.end);
     if (span.allDay) {
         span.start = Midnight(span.start);
-        span.end = Later(span.start, kDayMinutes);
+        span.end = Later(span.start, kMinutesOfDay);
     }
     if (recurring) MoveToDay(span, date);
     return span;
@@ -176,7 +172,7 @@ std::optional<std::int32_t> ParseTime(std::string_view text) {
     if (!OnlyDigits(hours) || !OnlyDigits(minutes) || hours.size() > 2) return std::nullopt;
     const std::int32_t hour = *WholeNumber(hours);
     const std::int32_t minute = *WholeNumber(minutes);
-    if (minute > 59 || hour * 60 + minute > kDayMinutes) return std::nullopt;
+    if (minute > 59 || hour * 60 + minute > kMinutesOfDay) return std::nullopt;
     return hour * 60 + minute;
 }
 

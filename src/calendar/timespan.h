@@ -11,7 +11,6 @@
 /// box make of start and end.
 namespace bmr::calendar {
 
-inline constexpr std::int32_t kDayMinutes = 1440;
 /// Sliders, boxes and the duration's button go by it.
 inline constexpr std::int32_t kMinuteStep = 5;
 
@@ -33,9 +32,6 @@ struct TimeSpan {
     std::int32_t Length() const;
     bool operator==(const TimeSpan&) const = default;
 };
-
-/// Midnight of a day.
-Minutes MidnightOf(Day day);
 
 /// The span of a new appointment: `length` minutes from `start`; a start at exactly midnight becomes 09:00.
 TimeSpan NewSpan(Minutes start, std::int32_t length);

@@ -9,17 +9,12 @@
 
 #include "calendar/periods.h"
 #include "calendar/timespan.h"
-#include "support/data.h"
+#include "support/calendar.h"
 
 namespace bmr::calendar {
 namespace {
 
 using testing::ElementsAre;
-
-nlohmann::json Group(const char* name) {
-    static const nlohmann::json vectors = test::LoadVectors("logic.json");
-    return vectors.at("groups").at(name);
-}
 
 const Day kMonday{46391};
 
@@ -29,7 +24,7 @@ LayoutEntry Timed(std::int32_t from, std::int32_t to, int day = 0) {
 }
 
 TEST(Layout, ADayIsPackedByTheKnownAnswers) {
-    for (const auto& c : Group("PackDay")) {
+    for (const auto& c : test::CalendarVectors("PackDay")) {
         std::vector<LayoutEntry> entries;
         std::vector<Place> expected;
         for (const auto& entry : c.at("entries"))
@@ -41,7 +36,7 @@ TEST(Layout, ADayIsPackedByTheKnownAnswers) {
 }
 
 TEST(Layout, AViewIsPackedByTheKnownAnswers) {
-    for (const auto& c : Group("PackView")) {
+    for (const auto& c : test::CalendarVectors("PackView")) {
         std::vector<LayoutEntry> entries;
         for (const auto& entry : c.at("entries"))
             entries.push_back({{entry.at("start")}, {entry.at("end")}, entry.at("allday")});
@@ -145,7 +140,7 @@ TEST(Layout, WhatFindsNoRoomStandsUnderMore) {
 }
 
 TEST(Layout, BoxesStandByTheKnownAnswers) {
-    for (const auto& c : Group("Geometry")) {
+    for (const auto& c : test::CalendarVectors("Geometry")) {
         const auto& in = c.at("in");
         const GridGeometry grid{in.at("grid_left"), in.at("pitch"), in.at("width"), in.at("zoom"),
                                 in.at("offset")};

@@ -5,7 +5,7 @@
 #include <chrono>
 
 #include "calendar/layout.h"
-#include "support/data.h"
+#include "support/calendar.h"
 
 namespace bmr::calendar {
 namespace {
@@ -20,17 +20,10 @@ Day On(const char* date) {
     return *day;
 }
 
-LocaleFacts WeekFrom(int firstDay) {
-    LocaleFacts facts;
-    facts.firstDayOfWeek = firstDay;
-    return facts;
-}
-
 TEST(MonthTables, KnownAnswers) {
-    const auto vectors = test::LoadVectors("logic.json");
-    for (const auto& c : vectors.at("groups").at("MonthCells")) {
+    for (const auto& c : test::CalendarVectors("MonthCells")) {
         const int dow = c.at("dow");
-        const Period grid = PeriodBounds(Day{c.at("date")}, PeriodKind::MonthGrid, WeekFrom(dow));
+        const Period grid = PeriodBounds(Day{c.at("date")}, PeriodKind::MonthGrid, test::WeekFrom(dow));
         const auto& out = c.at("out");
         EXPECT_EQ(grid.first.serial, out.at("first")) << c;
         EXPECT_EQ(grid.last.serial, out.at("last")) << c;
@@ -53,7 +46,7 @@ TEST(MonthTables, KnownAnswers) {
 
 TEST(MonthTables, ShowOneMonthAndLeaveOutWhatLiesOutsideTheGrid) {
     // February 2026 begins on a Sunday and has four whole weeks.
-    const Period grid = PeriodBounds(On("2026-02-14"), PeriodKind::MonthGrid, WeekFrom(kSunday));
+    const Period grid = PeriodBounds(On("2026-02-14"), PeriodKind::MonthGrid, test::WeekFrom(kSunday));
     const Minutes before{(grid.first.serial - kEpoch.serial) * 1440 - 1};
     const Minutes behind{(grid.last.serial + 1 - kEpoch.serial) * 1440};
     const Minutes last{behind.count - 1};
@@ -115,7 +108,7 @@ TEST(Navigation, StepsByPeriodsWithinTheLimits) {
 }
 
 TEST(Navigation, AClickInsideThePeriodKeepsIt) {
-    const LocaleFacts locale = WeekFrom(kMonday);
+    const LocaleFacts locale = test::WeekFrom(kMonday);
     CalendarState state;
     EXPECT_TRUE(ChangeView(state, PeriodKind::Week, On("2027-01-06"), locale));
     EXPECT_EQ(state.periodStart, On("2027-01-04"));
@@ -133,7 +126,7 @@ TEST(Navigation, AClickInsideThePeriodKeepsIt) {
 TEST(Headings, TellThePeriod) {
     const CalendarNames names;
     const auto heading = [&names](const char* day, PeriodKind kind) {
-        return PeriodHeading(PeriodBounds(On(day), kind, WeekFrom(kMonday)), kind, names);
+        return PeriodHeading(PeriodBounds(On(day), kind, test::WeekFrom(kMonday)), kind, names);
     };
     EXPECT_EQ(heading("2027-01-05", PeriodKind::Day), "Tuesday, 5 January 2027");
     EXPECT_EQ(heading("2027-01-05", PeriodKind::WorkWeek), "4 – 8 January 2027");

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/data.h"
+#include "support/calendar.h"
 #include "support/store.h"
 #include "tasks/task.h"
 
@@ -13,8 +13,7 @@ namespace {
 using testing::ElementsAre;
 
 TEST(TaskPane, KeysAndDatesByTheKnownAnswers) {
-    const auto vectors = test::LoadVectors("logic.json");
-    for (const auto& c : vectors.at("groups").at("TaskPaneKey")) {
+    for (const auto& c : test::CalendarVectors("TaskPaneKey")) {
         const auto due = c.at("hasDueDate").get<bool>() ? std::optional(Day{c.at("due")}) : std::nullopt;
         EXPECT_EQ(PaneKey(due, c.at("priority")), c.at("out")) << c;
         EXPECT_EQ(PaneDate(due), c.at("date")) << c;

@@ -41,11 +41,6 @@ std::string MonthAndYear(chrono::year_month month, const CalendarNames& names) {
            std::to_string(static_cast<int>(month.year()));
 }
 
-std::string LongDate(Day day, const CalendarNames& names) {
-    const auto date = YearMonthDay(day);
-    return std::to_string(DayNumber(day)) + " " + MonthAndYear(date.year() / date.month(), names);
-}
-
 std::string SpanHeading(const Period& period, const CalendarNames& names) {
     const auto first = YearMonthDay(period.first);
     const auto last = YearMonthDay(period.last);
@@ -118,6 +113,11 @@ std::vector<Day> DaysOf(const Period& period) {
     for (Day day = period.first; day <= period.last; ++day.serial)
         days.push_back(day);
     return days;
+}
+
+std::string LongDate(Day day, const CalendarNames& names) {
+    const auto date = YearMonthDay(day);
+    return std::to_string(DayNumber(day)) + " " + MonthAndYear(date.year() / date.month(), names);
 }
 
 std::string PeriodHeading(const Period& period, PeriodKind kind, const CalendarNames& names) {

@@ -51,6 +51,8 @@ struct CalendarNames {
     std::array<std::string, 7> shortWeekdays = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 };
 
+/// "3 May 2027".
+std::string LongDate(Day day, const CalendarNames& names);
 /// What stands above the view: "Tuesday, 5 January 2027", "4 – 10 January 2027", "28 December 2026 – 3
 /// January 2027", "January 2027".
 std::string PeriodHeading(const Period& period, PeriodKind kind, const CalendarNames& names);

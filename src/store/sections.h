@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/buckets.h"
 #include "base/result.h"
 #include "crypto/secret.h"
 #include "store/fieldtable.h"
@@ -37,6 +38,18 @@ struct PlainColumns {
     bool fF2 = false;
     bool fF3 = false;
 };
+
+/// How rows stand in the order of their days: fR3 tells the day, fR1 the place in it.
+struct DayOrder {
+    /// Gives a row in AddNew or Edit, all of whose other columns stand, a place among the rows that its day
+    /// has now; they may move. 0 or an error number.
+    int (*place)(Session& session, engine::Recordset& row) = nullptr;
+};
+
+/// The day of a row of such a section, by fR3.
+inline std::int32_t DayOfPoint(std::int32_t fR3) {
+    return UnpackDate(fR3, DateKind::Start).serial;
+}
 
 /// Something that a record's plain columns tell. `cell` is what a table shows of it, under `header`; a value
 /// without a header is for programs alone.
@@ -92,6 +105,7 @@ struct SectionFacts {
     // What follows is left out by a section that is not in this version.
 
     const NamedOrder* order = nullptr;  ///< of a section in alphabetical order
+    const DayOrder* days = nullptr;     ///< of one in the order of days
     /// The conditions of a list, beside the section.
     std::string (*clauses)(Session& session, const ListRequest& request) = nullptr;
     /// The keys of a list in the order of the section's window.

@@ -1,5 +1,6 @@
 #include "calendar/section.h"
 
+#include "calendar/addwords.h"
 #include "calendar/appointment.h"
 #include "calendar/dayorder.h"
 
@@ -39,6 +40,8 @@ constexpr store::SectionFacts kSections[] = {
      .days = &kDayOrder,
      .clauses = Clauses,
      .list = List,
+     .add = AddFromWords,
+     .options = kAddOptions,
      .columns = Columns,
      .hide = HideSeveral,
      .remove = DeleteSeveral},

@@ -71,6 +71,7 @@ struct NewRecord {
     std::int32_t group = 0;  ///< category or kind
     bool isPrivate = false;
     std::vector<std::pair<std::string, std::string>> fields;  ///< names and values, UTF-8
+    LocaleFacts locale;  ///< on which day a week begins
     /// Asks for a value that may stand in no argument list, by its caption.
     std::function<Result<Secret>(const std::string& caption)> ask;
 };
@@ -80,6 +81,7 @@ struct FieldOption {
     const char* option;  ///< "--subject"
     std::string_view field;
     const char* help;
+    bool flag = false;  ///< takes no value
 };
 
 /// What a group of records calls a field, where groups do.

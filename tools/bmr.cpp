@@ -61,6 +61,11 @@ class CommandLine {
         list->add_option("--category", options_.category, "Only this category");
         list->add_option("--kind", options_.kind, "Only this kind of confidential records, 1 to 16");
         list->add_flag("--all", options_.all, "Completed tasks too");
+        list->add_option("--from", options_.from,
+                         "calendar: first day, YYYY-MM-DD (today, or a year before --to)");
+        list->add_option("--to", options_.to, "calendar: last day, YYYY-MM-DD (a year after --from)");
+        list->add_flag("--rows", options_.rows, "calendar: the rows as they stand, a series once");
+        Week(list);
         Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
         Plain(ShowPrivate(Json(Command("dump", "Show every record of every section", bmr::tools::RunDump))));
     }
@@ -78,8 +83,16 @@ class CommandLine {
                         "confidential: read passwords and PINs from this file descriptor, a line for each in "
                         "the order of the fields. Without it the terminal asks.");
         add->add_flag("--private", options_.makePrivate, "Make it a private record");
+        Week(add);
         Key(Command("done", "Tick a task", bmr::tools::RunDone));
         Key(Command("delete", "Delete a record", bmr::tools::RunDelete));
+    }
+
+    void Week(CLI::App* command) {
+        command
+            ->add_option("--week", options_.week,
+                         "calendar: a week begins on mon or sun (as the locale says)")
+            ->check(CLI::IsMember({"mon", "sun"}));
     }
 
     /// Sections may share an option; each has words of its own for it.
@@ -88,6 +101,10 @@ class CommandLine {
         const std::string help = std::string(section.command) + ": " + option.help;
         if (CLI::Option* shared = add->get_option_no_throw(option.option))
             shared->description(shared->get_description() + "; " + help);
+        else if (option.flag)
+            add->add_flag(
+                option.option, [this, name = option.option](std::int64_t) { options_.given[name] = ""; },
+                help);
         else
             add->add_option(option.option, options_.given[option.option], help);
     }
@@ -125,6 +142,12 @@ class CommandLine {
         Command("passwd", "Change the passphrase", bmr::tools::RunPasswd);
         Command("compact", "Repair and compact the file", bmr::tools::RunCompact);
         Command("check", "Check the file and decode every record", bmr::tools::RunCheck);
+        CLI::App* archive = ShowPrivate(Command(
+            "archive", "Delete old appointments, or move them to an archive", bmr::tools::RunArchive));
+        archive->add_option("--until", options_.until, "The last day that goes, YYYY-MM-DD")->required();
+        archive->add_option(
+            "--to", options_.archive,
+            "Keep them in this file, which is made or added to (.bma); without it they are gone");
     }
 
     CLI::App app_;

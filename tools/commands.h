@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/ports.h"
 #include "confidential/generator.h"
 
 namespace bmr::tools {
@@ -20,6 +21,15 @@ struct Options {
     bool showPrivate = false;
     /// Completed tasks too.
     bool all = false;
+    /// Of a list of the calendar: its period as dates, and rows in place of occurrences.
+    std::string from;
+    std::string to;
+    bool rows = false;
+    /// The day on which a week begins, "mon" or "sun"; empty: as the locale says.
+    std::string week;
+    /// Of `archive`: the last day that goes, and the file that keeps it; empty: none.
+    std::string until;
+    std::filesystem::path archive;
     std::string section = "todo";
     std::string category;
     std::int32_t fPK = 0;
@@ -50,6 +60,12 @@ void RunDelete(const Options& options);
 void RunPasswd(const Options& options);
 void RunCompact(const Options& options);
 void RunCheck(const Options& options);
+void RunArchive(const Options& options);
 void RunGenerate(const Options& options);
+
+/// `RunList` of a calendar whose rows are not asked for.
+void ListOccurrences(const Options& options);
+/// The first day of a week, Sunday-based, and all else as in no locale.
+LocaleFacts LocaleOf(const Options& options);
 
 }  // namespace bmr::tools

@@ -66,10 +66,12 @@ void RunAdd(const Options& options) {
     store::NewRecord record;
     record.isPrivate = options.makePrivate;
     record.fields = FieldsOf(options, section);
+    record.locale = LocaleOf(options);
     if (options.secretFd >= 0 && !section.caption)
         throw Failure("--secret-fd is for confidential, not for " + options.section + ".");
     if (options.kind) RefuseKinds(section);
     if (!options.category.empty()) RefuseCategories(section);
+    if (!options.week.empty()) RefuseWeeks(section);
     if (section.kindName && !options.kind) throw Failure("--kind is required.");
     record.ask = [&options](const std::string& caption) { return AskSecret(options.secretFd, caption); };
 

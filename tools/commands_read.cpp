@@ -68,6 +68,10 @@ void PrintRecord(const Json& json, bool plain) {
 
 void RunList(const Options& options) {
     const store::SectionFacts& section = SectionByName(options.section);
+    const bool ofPeriod = !options.from.empty() || !options.to.empty();
+    if (ofPeriod || options.rows || !options.week.empty()) RefuseWeeks(section);
+    if (options.rows && ofPeriod) throw Failure("--rows shows every row: --from and --to do not go with it.");
+    if (section.code == store::Section::Calendar && !options.rows) return ListOccurrences(options);
     Sitting sitting(options.passphraseFd);
     sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();

@@ -98,6 +98,12 @@ void RefuseCategories(const store::SectionFacts& section) {
     if (!section.grouped) throw Failure(std::string(section.title) + " records have no categories.");
 }
 
+void RefuseWeeks(const store::SectionFacts& section) {
+    if (section.code != store::Section::Calendar)
+        throw Failure("--week, --from, --to and --rows are for calendar, not for " +
+                      std::string(section.command) + ".");
+}
+
 std::optional<FieldRule> RuleOf(const RecordKind& kind, std::uint8_t number) {
     if (kind.fSec == kSystemRow && kind.fSub == 3 && number == kDrafts)
         return FieldRule{number, FieldTag::Text, "", Kind::Secret};

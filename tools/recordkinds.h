@@ -28,9 +28,10 @@ std::string TitleOf(std::int32_t fSec, std::int32_t fSub);
 /// The section of a name of the command line ("todo"); throws Failure for another word.
 const store::SectionFacts& SectionByName(std::string_view name);
 
-/// Throw Failure where --kind or --category mean nothing to a section.
+/// Throw Failure where --kind, --category, --week or a period mean nothing to a section.
 void RefuseKinds(const store::SectionFacts& section);
 void RefuseCategories(const store::SectionFacts& section);
+void RefuseWeeks(const store::SectionFacts& section);
 
 /// The rule of a field; nothing when the class has no such field. Category lists and user labels follow a
 /// pattern by their number instead of a table.

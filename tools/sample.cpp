@@ -45,6 +45,7 @@ constexpr SampleSection kSections[] = {
     {store::Section::Memo, "memo", FillMemos},
     {store::Section::Todo, "todo", FillTasks},
     {store::Section::Confidential, "confidential", FillConfidential},
+    {store::Section::Calendar, "calendar", FillCalendar},
 };
 
 }  // namespace

@@ -10,7 +10,6 @@
 namespace bmr::calendar {
 namespace {
 
-constexpr std::int32_t kMinutesOfDay = 1440;
 constexpr int kMonday = 2;
 
 template <class Int>
@@ -54,6 +53,10 @@ Day DayOf(Minutes minutes) {
 std::int32_t MinuteOfDay(Minutes minutes) {
     const std::int32_t rest = minutes.count % kMinutesOfDay;
     return rest < 0 ? rest + kMinutesOfDay : rest;
+}
+
+Minutes MidnightOf(Day day) {
+    return {ClampTo<std::int32_t>((static_cast<double>(day.serial) - kEpoch.serial) * kMinutesOfDay)};
 }
 
 DayCount DateToDays16(Day day) {

@@ -19,6 +19,8 @@ inline constexpr Day kEpoch{35509};
 inline constexpr Day kLowerLimit{9185};
 inline constexpr Day kUpperLimit{61833};
 
+inline constexpr std::int32_t kMinutesOfDay = 1440;
+
 /// Minutes since the epoch: starts and ends of appointments, alarms, occurrences.
 struct Minutes {
     std::int32_t count = 0;
@@ -38,6 +40,9 @@ DateValue MinutesToDate(Minutes minutes);
 /// Day and time of day of a minute count, split by floor, so that days before the epoch come out right.
 Day DayOf(Minutes minutes);
 std::int32_t MinuteOfDay(Minutes minutes);
+
+/// The midnight at which a day begins; the ends of 32 bits for a day beyond them.
+Minutes MidnightOf(Day day);
 
 /// Clamped to the ends of 16 bits.
 DayCount DateToDays16(Day day);

@@ -1,30 +1,32 @@
 #include "calendar/section.h"
 
+#include "calendar/addwords.h"
+#include "calendar/appointment.h"
+#include "calendar/dayorder.h"
+
 namespace bmr::calendar {
 namespace {
 
-using store::FieldRule;
-using store::FieldTag;
-using store::Kind;
-using store::Section;
+constexpr auto kRules = store::RulesOf(kAppointmentFields);
 
-/// Never renumber: files in the field carry these.
-constexpr FieldRule kFields[] = {
-    {0, FieldTag::Byte, "UserNumber", Kind::Stamp},
-    {1, FieldTag::Boolean, "ctlPrivate", Kind::Private},
-    {2, FieldTag::Int32, "ctlAppoStart", Kind::Minutes},
-    {3, FieldTag::Int32, "ctlAppoEnd", Kind::Minutes},
-    {4, FieldTag::Byte, "ctlAllday"},
-    {5, FieldTag::Byte, "ctlAlarmYN"},
-    {6, FieldTag::Int32, "ctlAlarmTime", Kind::Minutes},
-    {7, FieldTag::Text, "ctlRedoString", Kind::Hex},
-    {8, FieldTag::Text, "ctlSubject", Kind::Words},
-    {9, FieldTag::Text, "ctlLocation", Kind::Words},
-    {10, FieldTag::Memo, "ctlNotes", Kind::Words},
-};
+/// All appointments: they have no categories, and nothing is left out at first.
+std::string Clauses(store::Session&, const store::ListRequest&) {
+    return {};
+}
+
+Result<std::vector<std::int32_t>> List(store::Session& session, const store::ListRequest&) {
+    return ListRecords(session);
+}
+
+std::vector<store::ColumnValue> Columns(const store::PlainColumns& row) {
+    const Day day{store::DayOfPoint(row.fR3)};
+    const bool recurring = row.fSub >= kFirstSeriesSub;
+    return {{"date", DateValue{static_cast<double>(day.serial)}, "Date", IsoDate(day)},
+            {"recurring", recurring, "Recurs", recurring ? "x" : ""}};
+}
 
 constexpr store::SectionFacts kSections[] = {
-    {.code = Section::Calendar,
+    {.code = store::Section::Calendar,
      .command = "calendar",
      .title = "Calendar",
      .name = "Calendar",
@@ -33,8 +35,16 @@ constexpr store::SectionFacts kSections[] = {
      .purpose = "Appointments by day, week and month.",
      .icon = "x-office-calendar",
      .privateField = 1,
-     .fields = kFields,
-     .grouped = false},
+     .fields = kRules,
+     .grouped = false,
+     .days = &kDayOrder,
+     .clauses = Clauses,
+     .list = List,
+     .add = AddFromWords,
+     .options = kAddOptions,
+     .columns = Columns,
+     .hide = HideSeveral,
+     .remove = DeleteSeveral},
 };
 
 }  // namespace

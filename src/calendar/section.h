@@ -6,7 +6,7 @@
 
 namespace bmr::calendar {
 
-/// The calendar, for those who serve all sections. Its records are read and shown by the command line only.
+/// The calendar, for those who serve all sections.
 std::span<const store::SectionFacts> Sections();
 
 }  // namespace bmr::calendar

@@ -98,8 +98,11 @@ int VersionNumber(std::string_view text) {
 
 int ReadDatabaseVersion(Session& session) {
     const auto payload = FetchSinglePayload(session, kSystemClass, kSystemSubclass);
-    if (!payload || !*payload) return 0;
-    return VersionNumber(TextOf(GetPayloadField((*payload)->view(), kVersionField)));
+    return payload && *payload ? VersionIn((*payload)->view()) : 0;
+}
+
+int VersionIn(std::string_view payload) {
+    return VersionNumber(TextOf(GetPayloadField(payload, kVersionField)));
 }
 
 int WriteSystemRecord(Session& session) {

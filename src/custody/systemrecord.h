@@ -18,6 +18,9 @@ namespace bmr::custody {
 /// The version in the system record, 0 when the row is missing or does not decode.
 int ReadDatabaseVersion(store::Session& session);
 
+/// The same of a plain payload; 0 for one that is no system record's.
+int VersionIn(std::string_view payload);
+
 /// Adds the system record (1,3) where there is none; one that stands is left alone. 0 or the engine's number.
 [[nodiscard]] int WriteMissingSystemRecord(store::Session& session);
 

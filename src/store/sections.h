@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/buckets.h"
 #include "base/result.h"
 #include "crypto/secret.h"
 #include "store/fieldtable.h"
@@ -38,6 +39,18 @@ struct PlainColumns {
     bool fF3 = false;
 };
 
+/// How rows stand in the order of their days: fR3 tells the day, fR1 the place in it.
+struct DayOrder {
+    /// Gives a row in AddNew or Edit, all of whose other columns stand, a place among the rows that its day
+    /// has now; they may move. 0 or an error number.
+    int (*place)(Session& session, engine::Recordset& row) = nullptr;
+};
+
+/// The day of a row of such a section, by fR3.
+inline std::int32_t DayOfPoint(std::int32_t fR3) {
+    return UnpackDate(fR3, DateKind::Start).serial;
+}
+
 /// Something that a record's plain columns tell. `cell` is what a table shows of it, under `header`; a value
 /// without a header is for programs alone.
 struct ColumnValue {
@@ -58,6 +71,7 @@ struct NewRecord {
     std::int32_t group = 0;  ///< category or kind
     bool isPrivate = false;
     std::vector<std::pair<std::string, std::string>> fields;  ///< names and values, UTF-8
+    LocaleFacts locale;  ///< on which day a week begins
     /// Asks for a value that may stand in no argument list, by its caption.
     std::function<Result<Secret>(const std::string& caption)> ask;
 };
@@ -67,6 +81,7 @@ struct FieldOption {
     const char* option;  ///< "--subject"
     std::string_view field;
     const char* help;
+    bool flag = false;  ///< takes no value
 };
 
 /// What a group of records calls a field, where groups do.
@@ -92,6 +107,7 @@ struct SectionFacts {
     // What follows is left out by a section that is not in this version.
 
     const NamedOrder* order = nullptr;  ///< of a section in alphabetical order
+    const DayOrder* days = nullptr;     ///< of one in the order of days
     /// The conditions of a list, beside the section.
     std::string (*clauses)(Session& session, const ListRequest& request) = nullptr;
     /// The keys of a list in the order of the section's window.

@@ -4,6 +4,7 @@
 #include "store/indices.h"
 #include "store/record_get.h"
 #include "store/section_store.h"
+#include "store/sections.h"
 #include "store/undorow.h"
 
 namespace bmr::store {
@@ -34,7 +35,12 @@ int PutImage(Session& session, engine::Recordset& table, std::uint8_t section, c
     SetImage(table, image);
     const RowMark mark = MarkOf(image, section);
     if (!mark.stretch) return table.Update();
-    if (now && MarkOf(*now, section).fR2 == mark.fR2) {
+    if (const DayOrder* days = FactsOf(section)->days) {
+        if (anew)
+            if (const int error = days->place(session, table)) return error;
+        return table.Update();
+    }
+    if (now && MarkOf(*now, section).point == mark.point) {
         // It never left its place; a neighbour may have moved that since.
         table.SetField("fR1", MarkOf(*now, section).fR1);
     } else if (anew) {
@@ -84,10 +90,24 @@ class Reversal {
         return change == step_.places.end() || log_.StateOf(stretch) != change->second.after;
     }
 
+    /// A row that made room goes back, unless its stretch has another order since.
+    int MoveBack(engine::Recordset& table, std::int32_t fPK, const RowPlace& place, const RowImage* now) {
+        const auto present = now ? PlaceOf(*now, section_) : std::nullopt;
+        if (!present || present->stretch != place.stretch || Anew(place.stretch)) return 0;
+        table.Edit();
+        table.SetField("fR1", place.fR1);
+        table.SetField("AE", place.AE ? Value(*place.AE) : Value(Null{}));
+        UndoEntry back{.fPK = fPK, .moved = present};
+        inverse.size += SizeOf(back);
+        inverse.entries.push_back(std::move(back));
+        return table.Update();
+    }
+
     int TakeBack(engine::Recordset& table, const UndoEntry& entry) {
         auto found = FindImage(table, entry.fPK);
         if (!found) return found.error().number;
         std::unique_ptr<RowImage> now = std::move(*found);
+        if (entry.moved) return MoveBack(table, entry.fPK, *entry.moved, now.get());
         std::optional<std::uint64_t> stamp;
         if (now) stamp = MarkOf(*now, section_).stamp;
         if (stamp != entry.after) {

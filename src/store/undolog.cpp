@@ -18,6 +18,23 @@ void UndoLog::TellSpread(const PlaceKey& stretch) {
     NewState(stretch);
 }
 
+void UndoLog::TellMoved(std::int32_t fPK, const RowPlace& before) {
+    if (!open) return TellSpread(before.stretch);
+    if (!recording) return;
+    open->places.try_emplace(before.stretch, PlaceChange{StateOf(before.stretch), 0});
+    Append({.fPK = fPK, .moved = before});
+}
+
+void UndoLog::Append(UndoEntry entry) {
+    if (open->tooLarge) return;
+    open->size += SizeOf(entry);
+    open->entries.push_back(std::move(entry));
+    open->tooLarge = open->size > kMostBytes;
+    if (!open->tooLarge) return;
+    open->entries = std::vector<UndoEntry>();
+    open->size = 0;
+}
+
 void UndoLog::Close() {
     UndoRecord step = std::move(*open);
     open.reset();

@@ -28,15 +28,24 @@ struct RowImage {
     std::array<std::optional<Bytes>, kTexts> texts;
 };
 
+/// A stretch of rows whose order is kept in fR1: section and place of the stretch.
+using PlaceKey = std::pair<std::uint8_t, std::int32_t>;
+
+/// Where a row stands in its stretch, with its change marks.
+struct RowPlace {
+    PlaceKey stretch;
+    std::int32_t fR1 = 0;
+    std::optional<std::int32_t> AE;
+};
+
 /// What one step did to a row.
 struct UndoEntry {
     std::int32_t fPK = 0;
-    std::unique_ptr<RowImage> before;    ///< none: the step added the row
-    std::optional<std::uint64_t> after;  ///< stamp of what the step left; none: it deleted the row
+    std::unique_ptr<RowImage> before = {};    ///< none: the step added the row
+    std::optional<std::uint64_t> after = {};  ///< stamp of what the step left; none: it deleted the row
+    /// The row only made room: where it stood, and nothing else of it is the step's.
+    std::optional<RowPlace> moved = {};
 };
-
-/// A stretch of rows whose order is kept in fR1: section and place of the stretch.
-using PlaceKey = std::pair<std::uint8_t, std::int32_t>;
 
 /// The state of such a stretch before a step and after it.
 struct PlaceChange {
@@ -102,6 +111,11 @@ struct UndoLog {
     /// Rows that the open step does not concern were moved to make room: older places in the stretch no
     /// longer hold.
     void TellSpread(const PlaceKey& stretch);
+    /// A row that the open step does not concern makes room, and stood here: with the step it goes back.
+    /// Without an open step this is `TellSpread`.
+    void TellMoved(std::int32_t fPK, const RowPlace& before);
+    /// Takes an entry up into the open step; one that thereby outgrows its memory loses all.
+    void Append(UndoEntry entry);
     /// The open step becomes the last of its section, which can then not go forward any more. One that is too
     /// large to be taken back ends what came before it: an older step over its head would be no way back.
     void Close();

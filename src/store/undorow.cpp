@@ -14,11 +14,12 @@ constexpr std::array<const char*, RowImage::kTexts> kTextColumns{"fEtx", "fT1", 
 
 // Places in these lists.
 constexpr std::size_t kSec = 0;
+constexpr std::size_t kSub = 1;
 constexpr std::size_t kR1 = 2;
 constexpr std::size_t kR2 = 3;
-constexpr std::size_t kFirstOwn = 4;  ///< fR3; from here to fG1 a row's own numbers
-constexpr std::size_t kGroup = 10;    ///< fG1
-constexpr std::size_t kMarks = 11;    ///< AE
+constexpr std::size_t kR3 = 4;
+constexpr std::size_t kGroup = 10;  ///< fG1
+constexpr std::size_t kMarks = 11;  ///< AE
 constexpr std::size_t kPayload = 0;
 constexpr std::size_t kName = 1;
 
@@ -32,11 +33,28 @@ std::optional<Bytes> TextIn(Value value) {
     return text ? std::optional(std::move(*text)) : std::nullopt;
 }
 
-/// Whether rows of this section have their place among neighbours in fR1 and fR2. Elsewhere these are numbers
-/// of the record itself, as are those of a list of categories.
-bool IsPlaced(std::uint8_t section, std::int32_t fSec) {
+/// Whose neighbours a row stands among, by fR1. Elsewhere that is a number of the record itself, as are those
+/// of a list of categories.
+enum class Placing : std::uint8_t { None, Alphabet, Day };
+
+Placing PlacingOf(std::uint8_t section, std::int32_t fSec) {
     const SectionFacts* facts = FactsOf(section);
-    return fSec == section && facts && facts->order;
+    if (fSec != section || !facts) return Placing::None;
+    if (facts->order) return Placing::Alphabet;
+    return facts->days ? Placing::Day : Placing::None;
+}
+
+/// Whether a number belongs to the record itself, and so tells whether it was changed.
+bool IsOwn(std::size_t column, Placing placing) {
+    switch (placing) {
+        case Placing::None:
+            return column >= kR1;
+        case Placing::Alphabet:
+            return column >= kR3;
+        case Placing::Day:
+            return column >= kSub && column != kR1;
+    }
+    return true;
 }
 
 void Mix(std::uint64_t& stamp, std::uint64_t part) {
@@ -47,18 +65,24 @@ void Mix(std::uint64_t& stamp, std::uint64_t part) {
 template <class Number, class Text>
 RowMark MarkFrom(std::uint8_t section, const Number& number, const Text& text) {
     RowMark mark;
-    const bool placed = IsPlaced(section, number(kSec).value_or(0));
+    const Placing placing = PlacingOf(section, number(kSec).value_or(0));
     const std::optional<Bytes>& payload = text(kPayload);
     mark.stamp = payload ? std::hash<std::string_view>{}(*payload) : 1;
-    for (std::size_t i = placed ? kFirstOwn : kR1; i < kMarks; ++i) {
+    for (std::size_t i = kSub; i < kMarks; ++i) {
+        if (!IsOwn(i, placing)) continue;
         const std::optional<std::int32_t> value = number(i);
         Mix(mark.stamp, value ? std::uint64_t{static_cast<std::uint32_t>(*value)} + 2 : 1);
     }
-    if (!placed) return mark;
+    if (placing == Placing::None) return mark;
     mark.fR1 = number(kR1).value_or(0);
-    mark.fR2 = number(kR2).value_or(0);
+    if (placing == Placing::Day) {
+        mark.point = number(kR3).value_or(0);
+        mark.stretch = {section, DayOfPoint(mark.point)};
+        return mark;
+    }
+    mark.point = number(kR2).value_or(0);
     // A record without a name may have no place at all.
-    if (mark.fR1 != 0 || mark.fR2 != 0) mark.stretch = {section, BucketOfKey(mark.fR2)};
+    if (mark.fR1 != 0 || mark.point != 0) mark.stretch = {section, BucketOfKey(mark.point)};
     return mark;
 }
 
@@ -100,6 +124,12 @@ RowMark MarkOf(const RowImage& image, std::uint8_t section) {
     return MarkFrom(
         section, [&image](std::size_t i) { return image.numbers[i]; },
         [&image](std::size_t i) -> const std::optional<Bytes>& { return image.texts[i]; });
+}
+
+std::optional<RowPlace> PlaceOf(const RowImage& image, std::uint8_t section) {
+    const RowMark mark = MarkOf(image, section);
+    if (!mark.stretch) return std::nullopt;
+    return RowPlace{*mark.stretch, mark.fR1, image.numbers[kMarks]};
 }
 
 Result<std::unique_ptr<RowImage>> FindImage(engine::Recordset& table, std::int32_t fPK) {

@@ -25,9 +25,9 @@ struct RowMark {
     std::uint64_t stamp = 0;
     std::optional<PlaceKey> stretch;  ///< in which its place is kept; none for a row without a place
     std::int32_t fR1 = 0;
-    std::int32_t fR2 = 0;
+    std::int32_t point = 0;  ///< of its stretch: fR2 in the alphabet, fR3 in a day
 
-    bool SamePlace(const RowMark& other) const { return fR1 == other.fR1 && fR2 == other.fR2; }
+    bool SamePlace(const RowMark& other) const { return fR1 == other.fR1 && point == other.point; }
 };
 /// Of the row in hand, in AddNew or Edit as it will stand.
 RowMark MarkOf(const engine::Recordset& row, std::uint8_t section);
@@ -36,6 +36,9 @@ RowMark MarkOf(const RowImage& image, std::uint8_t section);
 /// The row of a key in a recordset of "tt", as it stands; null when there is none. An engine number where it
 /// could not be looked for.
 Result<std::unique_ptr<RowImage>> FindImage(engine::Recordset& table, std::int32_t fPK);
+
+/// Where the row of an image stands; nothing for one without a place.
+std::optional<RowPlace> PlaceOf(const RowImage& image, std::uint8_t section);
 
 /// Sets every column of a row in AddNew or Edit to what the image holds.
 void SetImage(engine::Recordset& row, const RowImage& image);

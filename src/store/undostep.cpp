@@ -40,13 +40,9 @@ void UndoStep::Record(std::int32_t fPK, std::unique_ptr<RowImage> before,
         for (const auto* end : {&mark, &after})
             if (*end && (*end)->stretch)
                 step.places.try_emplace(*(*end)->stretch, PlaceChange{log.StateOf(*(*end)->stretch), 0});
-    if (step.tooLarge) return;
-    step.entries.push_back({fPK, std::move(before), after ? std::optional(after->stamp) : std::nullopt});
-    step.size += SizeOf(step.entries.back());
-    step.tooLarge = step.size > UndoLog::kMostBytes;
-    if (!step.tooLarge) return;
-    step.entries = std::vector<UndoEntry>();
-    step.size = 0;
+    log.Append({.fPK = fPK,
+                .before = std::move(before),
+                .after = after ? std::optional(after->stamp) : std::nullopt});
 }
 
 void UndoStep::CountDeleted(std::size_t rows) {

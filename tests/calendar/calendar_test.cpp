@@ -4,25 +4,16 @@
 
 #include <limits>
 
-#include "support/data.h"
+#include "support/calendar.h"
 #include "support/ports.h"
 
 namespace bmr::calendar {
 namespace {
 
-nlohmann::json Group(const char* name) {
-    static const nlohmann::json vectors = test::LoadVectors("logic.json");
-    return vectors.at("groups").at(name);
-}
-
-LocaleFacts WeekFrom(int firstDay) {
-    LocaleFacts facts;
-    facts.firstDayOfWeek = firstDay;
-    return facts;
-}
+using test::WeekFrom;
 
 TEST(CalendarMinutes, KnownAnswersThereAndBack) {
-    for (const auto& c : Group("DateToMinutes")) {
+    for (const auto& c : test::CalendarVectors("DateToMinutes")) {
         const double time = c.at("minuteOfDay").get<double>() / 1440;
         const Minutes minutes = DateToMinutes(DateValue{c.at("serial").get<int>() + time});
         EXPECT_EQ(minutes.count, c.at("out")) << c;
@@ -30,7 +21,7 @@ TEST(CalendarMinutes, KnownAnswersThereAndBack) {
         EXPECT_EQ(MinuteOfDay(minutes), c.at("back").at("minuteOfDay")) << c;
         EXPECT_EQ(DateToMinutes(MinutesToDate(minutes)), minutes) << c;
     }
-    for (const auto& c : Group("DateToDays16"))
+    for (const auto& c : test::CalendarVectors("DateToDays16"))
         EXPECT_EQ(DateToDays16(Day{c.at("serial")}).count, c.at("out")) << c;
 }
 
@@ -49,15 +40,15 @@ TEST(CalendarMinutes, EveryMinuteOfADayBeforeAndAfterTheEpochSurvives) {
 }
 
 TEST(CalendarPeriods, KnownAnswers) {
-    for (const auto& c : Group("PeriodBounds")) {
+    for (const auto& c : test::CalendarVectors("PeriodBounds")) {
         const Period period = PeriodBounds(
             Day{c.at("serial")}, static_cast<PeriodKind>(c.at("kind").get<int>()), WeekFrom(c.at("dow")));
         EXPECT_EQ(period.first.serial, c.at("out")[0]) << c;
         EXPECT_EQ(period.last.serial, c.at("out")[1]) << c;
     }
-    for (const auto& c : Group("WeekStart"))
+    for (const auto& c : test::CalendarVectors("WeekStart"))
         EXPECT_EQ(WeekStart(Day{c.at("serial")}, c.at("first")).serial, c.at("out")) << c;
-    for (const auto& c : Group("MonthEnds")) {
+    for (const auto& c : test::CalendarVectors("MonthEnds")) {
         const Day day{c.at("serial")};
         EXPECT_EQ(MonthFirst(day).serial, c.at("out")[0]) << c;
         EXPECT_EQ(MonthLast(day).serial, c.at("out")[1]) << c;
@@ -66,7 +57,7 @@ TEST(CalendarPeriods, KnownAnswers) {
 }
 
 TEST(CalendarWeekdays, KnownAnswersInEveryWeekOrder) {
-    for (const auto& c : Group("Weekdays")) {
+    for (const auto& c : test::CalendarVectors("Weekdays")) {
         const LocaleFacts locale = WeekFrom(c.at("dow"));
         EXPECT_EQ(FirstDayOfWeek(locale), c.at("firstDayOfWeek")) << c;
         for (int k = 1; k <= 7; ++k) {
@@ -78,7 +69,7 @@ TEST(CalendarWeekdays, KnownAnswersInEveryWeekOrder) {
 }
 
 TEST(CalendarView, DateInViewAnswersTheOppositeOfItsFlag) {
-    for (const auto& c : Group("DateInView")) {
+    for (const auto& c : test::CalendarVectors("DateInView")) {
         CalendarState state;
         state.calView = static_cast<PeriodKind>(c.at("calView").get<int>());
         state.periodStart = Day{c.at("periodStart")};
@@ -91,7 +82,7 @@ TEST(CalendarView, DateInViewAnswersTheOppositeOfItsFlag) {
 TEST(CalendarLimits, TheUpperLimitIsToldAndTaken) {
     LocaleFacts locale;
     locale.shortDate = "d.M.yyyy";
-    for (const auto& c : Group("ClampUpperDate")) {
+    for (const auto& c : test::CalendarVectors("ClampUpperDate")) {
         test::ScriptedPrompter prompter;
         if (!c.at("msg").is_null()) prompter.Expect(c.at("msg"));
         EXPECT_EQ(ClampUpperDate(Day{c.at("serial")}, prompter, locale).serial, c.at("out")) << c;
@@ -110,7 +101,7 @@ TEST(CalendarLimits, APickerRefusesWhatLiesOutside) {
 }
 
 TEST(CalendarOccurrences, EqualMinutesKeepTheirOrder) {
-    for (const auto& c : Group("SortOccurrences")) {
+    for (const auto& c : test::CalendarVectors("SortOccurrences")) {
         std::vector<Occurrence> occurrences;
         std::vector<Occurrence> expected;
         for (std::size_t i = 0; i < c.at("pk").size(); ++i) {

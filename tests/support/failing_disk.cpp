@@ -6,21 +6,25 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 // Takes the place of the system's calls in the whole process. It is linked into the tests, and it is a
-// library that stands before the system's in a program that is started: that one reads from FAIL_CALLS ("3"
-// or "3-") which call fails, alone or with all behind it.
+// library that stands before the system's in a program that is started: that one reads from FAIL_CALLS ("3",
+// "3-" or "3!") which call fails, alone or with all behind it, or is never made because the program is
+// killed.
 namespace {
 
 std::atomic<int> calls = 0;
 std::atomic<int> first = 0;  ///< 0: none fails
 std::atomic<int> last = 0;
+std::atomic<bool> dies = false;
 
 bool FailsNow() {
     if (first == 0) return false;
     const int call = ++calls;
     if (call < first || call > last) return false;
+    if (dies) std::raise(SIGKILL);
     errno = EIO;
     return true;
 }
@@ -36,6 +40,7 @@ Call* Real(const char* name) {
     char* end = nullptr;
     const long number = std::strtol(words, &end, 10);
     last = *end == '-' ? bmr::test::FailingDisk::kForEver : static_cast<int>(number);
+    dies = *end == '!';
     first = static_cast<int>(number);
 }
 

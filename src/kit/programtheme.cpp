@@ -1,5 +1,6 @@
 #include "kit/programtheme.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QPainter>
 #include <QProxyStyle>
@@ -28,6 +29,8 @@ class BmrStyle final : public QProxyStyle {
             element == PE_IndicatorRadioButton)
             return DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
         if (element == PE_FrameFocusRect) return DrawFocus(*option, *painter);
+        if (element == PE_Frame && qobject_cast<const QAbstractScrollArea*>(widget))
+            return DrawFrame(*option, *painter);
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         DrawOutline(element, *option, *painter);
     }
@@ -81,6 +84,8 @@ class BmrStyle final : public QProxyStyle {
         if (metric == PM_IndicatorWidth || metric == PM_IndicatorHeight ||
             metric == PM_ExclusiveIndicatorWidth || metric == PM_ExclusiveIndicatorHeight)
             return 16;
+        // What is framed must not lie on the line, whatever pixel of a scaled screen it begins at.
+        if (metric == PM_DefaultFrameWidth && qobject_cast<const QAbstractScrollArea*>(widget)) return 2;
         if (metric == PM_HeaderMargin) return Space::Row;
         if (metric == PM_FocusFrameHMargin) return Space::Tight;
         if (metric == PM_LayoutVerticalSpacing) return Space::Row;
@@ -155,6 +160,23 @@ class BmrStyle final : public QProxyStyle {
         painter.setPen(QPen(InkOf(Ink::Accent, option.palette), 1));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+        painter.restore();
+    }
+
+    // On a scaled screen a field may begin between two pixels: Fusion's line of one then falls outside it. A
+    // smooth one always has a part inside.
+    static void DrawFrame(const QStyleOption& option, QPainter& painter) {
+        const QPalette& palette = option.palette;
+        const bool focused = option.state & State_HasFocus;
+        const QColor line = IsDark(palette) ? palette.color(focused ? QPalette::Highlight : QPalette::Mid)
+                                            : palette.color(QPalette::Window).darker(130);
+        const double width = IsContrast(palette) && focused ? 2 : 1;
+        const double half = width / 2;
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(line, width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(QRectF(option.rect).adjusted(half, half, -half, -half));
         painter.restore();
     }
 

@@ -36,9 +36,9 @@ QString Text(std::string_view text) {
 
 /// The chosen kind stands on yellow, in light and in dark windows.
 constexpr const char* kKindStyle =
-    "QPushButton { text-align: left; padding: 4px 8px; border: none; border-radius: 4px; }"
+    "QPushButton { text-align: left; padding: 3px 7px; border: 1px solid transparent; border-radius: 4px; }"
     "QPushButton:hover { background: palette(midlight); }"
-    "QPushButton:focus { border: 1px solid palette(highlight); }"
+    "QPushButton:focus { border-color: palette(highlight); outline: none; }"
     "QPushButton:checked { background: #ffff00; color: #1b1b1b; }";
 
 }  // namespace

@@ -23,6 +23,7 @@ class QToolButton;
 
 namespace bmr::kit {
 class NamedListModel;
+class PadPane;
 class PrivateMark;
 class RecordListView;
 }  // namespace bmr::kit
@@ -91,7 +92,7 @@ class frmClassified final : public SectionForm {
     void CloseFound();
     /// In the menu stand the verbs of the list that is shown.
     void ShowRowActions();
-    /// Where the keyboard goes on when the section gets it.
+    /// Where the keyboard goes on when the section gets it, and whether the pad waits for a choice.
     void AimFocus();
     kit::RecordListView* ShownList() const { return (searching_ ? found_ : pane_)->List(); }
     void ShowRecord(std::int32_t key);
@@ -138,6 +139,7 @@ class frmClassified final : public SectionForm {
     std::array<QAbstractButton*, 17> cat{};
     QAbstractButton* cmdAdd = nullptr;
     kit::RecordListView* ListSelect = nullptr;
+    kit::PadPane* padPane_ = nullptr;
     QFrame* padFrame = nullptr;
     QFormLayout* padForm_ = nullptr;
     QLabel* lblCategory;

@@ -145,6 +145,7 @@ QWidget* frmClassified::BuildList() {
     ListSelect->viewport()->installEventFilter(this);
     connect(ListSelect, &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);
+    connect(pane_, &kit::ListPane::FilledChanged, this, &frmClassified::AimFocus);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(Space::Row);
     const auto made = pane_->MakeButtons();
@@ -196,6 +197,7 @@ void frmClassified::BuildFound() {
     found_->List()->viewport()->installEventFilter(this);
     connect(found_->List(), &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
     connect(found_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);
+    connect(found_, &kit::ListPane::FilledChanged, this, &frmClassified::AimFocus);
     connect(found_, &kit::ListPane::UndoWanted, pane_, &kit::ListPane::UndoWanted);
     menu_->insertActions(pane_->RowActions().constFirst(), found_->RowActions());
     ShowRowActions();
@@ -290,8 +292,9 @@ QWidget* frmClassified::BuildPad() {
     right->viewport()->setBackgroundRole(QPalette::Base);
     right->setWidget(padFrame);
     padFrame->setAutoFillBackground(false);
-    return new kit::PadPane(padFrame, right, "object-locked",
-                            tr("The record that you choose at the left is shown here."));
+    padPane_ = new kit::PadPane(padFrame, right, "object-locked",
+                                tr("The record that you choose at the left is shown here."));
+    return padPane_;
 }
 
 }  // namespace bmr::confidential

@@ -12,6 +12,7 @@
 
 #include "confidential/frmClassified.h"
 #include "kit/formparts.h"
+#include "kit/pad.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
 #include "shell/helpers.h"
@@ -27,6 +28,7 @@ void frmClassified::FocusList() {
 }
 
 void frmClassified::AimFocus() {
+    padPane_->SetChoice(ShownList()->isEnabled() || (currentKind == 0 && !searching_));
     if (ShownList()->isEnabled())
         setFocusProxy(ShownList());
     else

@@ -44,6 +44,7 @@ ListPane::ListPane(store::Session& session, RecordListModel* model, ListParts pa
     connect(list_, &RecordListView::EditWanted, parts_.edit, &QAction::trigger);
     connect(list_, &RecordListView::DeleteWanted, parts_.remove, &QAction::trigger);
     connect(list_, &RecordListView::MenuWanted, this, parts_.menu);
+    connect(list_, &RecordListView::RowsSelected, this, &ListPane::TellStatus);
 }
 
 ListPane::~ListPane() = default;
@@ -90,6 +91,7 @@ void ListPane::ShowState() {
     list_->setEnabled(any);
     stack_->setCurrentIndex(any ? 0 : 1);
     setFocusProxy(any ? list_ : parts_.whenEmpty ? parts_.whenEmpty : empty_);
+    emit FilledChanged(any);
     if (any) return;
     const bool searched = read_ && !search_.isEmpty();
     Emptiness empty = parts_.empty();
@@ -108,7 +110,9 @@ void ListPane::TellStatus() {
     const int count = model_->RecordCount();
     QStringList words{count == 1 ? parts_.one : parts_.many.arg(QLocale().toString(count))};
     if (parts_.more) words += parts_.more();
-    if (!parts_.more && !session_.ShowPrivate) words += tr("private ones hidden");
+    if (const int selected = list_->SelectedCount())
+        words << tr("%1 selected").arg(QLocale().toString(selected));
+    if (!session_.ShowPrivate) words += tr("private ones hidden");
     emit StatusChanged(words.join(", "));
 }
 

@@ -48,7 +48,7 @@ struct ListParts {
 
     QString one;   ///< "1 memo"
     QString many;  ///< "%1 memos"
-    /// What the status line adds to the count; without it, that private records are hidden.
+    /// What the status line says behind the count, before how many are selected.
     std::function<QStringList()> more = {};
 
     const char* icon;  ///< of the empty list
@@ -111,6 +111,8 @@ class ListPane final : public QWidget {
 
   signals:
     void StatusChanged(const QString& text);
+    /// The list holds rows to choose from, or none; also told when it stays so.
+    void FilledChanged(bool any);
     /// The line's button: the last step is to be taken back.
     void UndoWanted();
 
@@ -123,7 +125,7 @@ class ListPane final : public QWidget {
     void FillCategoryMenu(QMenu& menu);
     void MoveSelected(std::int32_t category);
     void UnfoldCategories();
-    /// Runs a rebuild and selects what is left of `keys`, else puts the cursor where the first of them was.
+    /// Runs a rebuild and selects what is left of `keys`, else the row that has taken the first one's place.
     void ShowAfter(const std::vector<std::int32_t>& keys, int row);
     void TellUnread(std::size_t unread);
     /// Takes the offer back once another step is the last.

@@ -122,7 +122,7 @@ void ListPane::DeleteSelected(int number) {
 
 void ListPane::ShowAfter(const std::vector<std::int32_t>& keys, int row) {
     Rebuild(keys);
-    if (list_->SelectedRow() < 0) list_->PutCursor(row);
+    if (list_->SelectedRow() < 0) list_->SelectRow(row);
 }
 
 void ListPane::TellStep() {

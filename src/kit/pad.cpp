@@ -52,7 +52,13 @@ bool PadPane::eventFilter(QObject* watched, QEvent* event) {
 void PadPane::ShowState() {
     const bool shown = !pad_->isHidden();
     if (whole_ != pad_) whole_->setVisible(shown);
-    hint_->setVisible(!shown);
+    // What is not visible leaves no room: the ground stays.
+    hint_->setVisible(!shown && choice_);
+}
+
+void PadPane::SetChoice(bool any) {
+    choice_ = any;
+    ShowState();
 }
 
 }  // namespace bmr::kit

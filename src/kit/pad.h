@@ -33,6 +33,8 @@ class PadPane final : public QWidget {
   public:
     /// `whole` is the pad or what scrolls it.
     PadPane(QWidget* pad, QWidget* whole, const char* icon, const QString& sentence);
+    /// Whether there is anything to choose; without it the sentence would send the person to an empty list.
+    void SetChoice(bool any);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -40,6 +42,7 @@ class PadPane final : public QWidget {
   private:
     void ShowState();
 
+    bool choice_ = true;
     QWidget* pad_;
     QWidget* whole_;
     EmptyState* hint_;

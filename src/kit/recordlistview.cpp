@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 #include "kit/categorydrop.h"
 #include "kit/recorddelegate.h"
@@ -55,23 +56,29 @@ RecordListView::RecordListView(QWidget* parent) : QTreeView(parent) {
 void RecordListView::SetModel(RecordListModel* model) {
     model_ = model;
     setModel(model);
-    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            [this] { emit KeySelected(SelectedKey()); });
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        TellKey();
+        emit RowsSelected();
+    });
+    // The cursor may move among rows that stay selected.
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, &RecordListView::TellKey);
+    connect(model, &QAbstractItemModel::modelReset, this, [this] { toldKey_ = kNoKey; });
     for (int column = 0; column < model->columnCount(); ++column) {
         widths_ << header()->sectionSize(column);
         hidden_ << false;
     }
     SetTextColumn(0, 0);
-    // A column may have become empty, or the first row have come.
+    // A column may have become empty, or the first row have come. While rows only change, columns stay: none
+    // may come under the pointer that has just ticked one.
     connect(model, &QAbstractItemModel::modelReset, this, &RecordListView::FitColumns);
-    connect(model, &QAbstractItemModel::dataChanged, this, &RecordListView::FitColumns);
 }
 
 int RecordListView::SelectedRow() const {
     if (!selectionModel() || !selectionModel()->hasSelection()) return -1;
     const QModelIndex current = selectionModel()->currentIndex();
     if (selectionModel()->isSelected(current)) return current.row();
-    return selectionModel()->selection().constFirst().top();
+    const std::vector<int> rows = SelectedRows();
+    return rows.empty() ? -1 : rows.front();
 }
 
 std::int32_t RecordListView::SelectedKey() const {
@@ -117,8 +124,10 @@ void RecordListView::SelectKeys(const std::vector<std::int32_t>& keys) {
     }
     // What modifier is held down just now must not matter.
     const QModelIndex first = model_->index(rows.front(), 0);
-    selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
-    selectionModel()->select(chosen, QItemSelectionModel::ClearAndSelect);
+    TellOnce([&] {
+        selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+        selectionModel()->select(chosen, QItemSelectionModel::ClearAndSelect);
+    });
     scrollTo(first);
 }
 
@@ -136,6 +145,34 @@ void RecordListView::SelectOneOf(std::initializer_list<std::int32_t> keys) {
 void RecordListView::PutCursor(int row) {
     const int place = qMin(row, model_->rowCount() - 1);
     if (place >= 0) selectionModel()->setCurrentIndex(model_->index(place, 0), QItemSelectionModel::NoUpdate);
+}
+
+void RecordListView::SelectRow(int row) {
+    int place = qMin(row, model_->rowCount() - 1);
+    while (place > 0 && model_->Heading(place))
+        --place;
+    if (place >= 0) SelectKey(model_->KeyAt(place));
+}
+
+void RecordListView::TellOnce(const std::function<void()>& step) {
+    ++steps_;
+    step();
+    --steps_;
+    TellKey();
+}
+
+void RecordListView::TellKey() {
+    if (steps_ > 0 || !model_) return;
+    const std::int32_t key = SelectedKey();
+    if (std::exchange(toldKey_, key) != key) emit KeySelected(key);
+}
+
+bool RecordListView::TakeCursorRow() {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || selectionModel()->hasSelection()) return false;
+    TellOnce(
+        [&] { selectionModel()->select(current, QItemSelectionModel::Select | QItemSelectionModel::Rows); });
+    return selectionModel()->hasSelection();
 }
 
 void RecordListView::ShowKey(std::int32_t key) {
@@ -194,16 +231,23 @@ void RecordListView::startDrag(Qt::DropActions) {
 
 void RecordListView::keyPressEvent(QKeyEvent* event) {
     const bool plain = !(event->modifiers() & ~Qt::KeypadModifier);
-    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    const int key = event->key();
+    const bool acts = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Delete ||
+                      key == Qt::Key_Space || key == Qt::Key_Down;
+    if (plain && acts && TakeCursorRow() && key == Qt::Key_Down) return;
+    if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter))
         emit EditWanted();
-    else if (plain && event->key() == Qt::Key_Delete)
+    else if (plain && key == Qt::Key_Delete)
         emit DeleteWanted();
-    else if (plain && event->key() == Qt::Key_Space)
+    else if (plain && key == Qt::Key_Space)
         emit TickWanted();
-    else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
+    else if (key == Qt::Key_Space && currentIndex().isValid())
+        // The base class would tick: with Ctrl and Shift the key chooses rows.
+        selectionModel()->select(currentIndex(), selectionCommand(currentIndex(), event));
+    else if (key == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
         MenuByKey();  // for keyboards without the key for it
     else
-        QTreeView::keyPressEvent(event);
+        TellOnce([&] { QTreeView::keyPressEvent(event); });
 }
 
 void RecordListView::MenuByKey() {
@@ -217,6 +261,10 @@ void RecordListView::contextMenuEvent(QContextMenuEvent* event) {
         MenuByKey();
     else
         emit MenuWanted(event->globalPos());
+}
+
+void RecordListView::mousePressEvent(QMouseEvent* event) {
+    TellOnce([&] { QTreeView::mousePressEvent(event); });
 }
 
 void RecordListView::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -42,8 +42,11 @@ class RecordListView final : public QTreeView {
     void SelectFirst();
     /// Selects the first of these keys that has a row, else the first row.
     void SelectOneOf(std::initializer_list<std::int32_t> keys);
-    /// The keyboard goes on from that row, or from the last one; nothing is selected by it.
+    /// The keyboard goes on from that row, or from the last one; nothing is selected by it. The first key
+    /// that does something then does it with that row.
     void PutCursor(int row);
+    /// Selects that row, or the last one.
+    void SelectRow(int row);
     /// Brings a row into view without selecting it.
     void ShowKey(std::int32_t key);
 
@@ -65,7 +68,10 @@ class RecordListView final : public QTreeView {
     /// Rows are being dragged, until `DragEnded`.
     void DragBegun();
     void DragEnded();
+    /// `SelectedKey` is another, or the same one was selected anew after a rebuild.
     void KeySelected(std::int32_t key);
+    /// Other rows are selected, be it only more or fewer.
+    void RowsSelected();
     void EditWanted();
     void DeleteWanted();
     void TickWanted();
@@ -76,11 +82,19 @@ class RecordListView final : public QTreeView {
     void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
     std::vector<int> SelectedRows() const;
+    /// Runs something that moves cursor and selection one after the other, and tells the key that comes of
+    /// it.
+    void TellOnce(const std::function<void()>& step);
+    void TellKey();
+    /// Where the cursor stands and nothing is selected, a key that does something means the cursor's row.
+    /// Returns whether that row has become selected by it.
+    bool TakeCursorRow();
     void MenuByKey();
     void HeaderMenu(const QPoint& at);
     void ColumnResized(int column, int width);
@@ -88,6 +102,8 @@ class RecordListView final : public QTreeView {
     void FitColumns();
 
     RecordListModel* model_ = nullptr;
+    std::int32_t toldKey_ = kNoKey;  ///< by `KeySelected`
+    int steps_ = 0;                  ///< in which cursor and selection move
     int textColumn_ = -1;
     int least_ = 0;
     bool fitting_ = false;  ///< what changes now is no choice of the person

@@ -153,6 +153,7 @@ void frmNotepad::Lay() {
     column->addLayout(buttons);
     auto* right = new kit::PadPane(padFrame, padFrame, "view-pim-notes",
                                    tr("The memo that you choose at the left is shown here."));
+    connect(pane_, &kit::ListPane::FilledChanged, right, &kit::PadPane::SetChoice);
 
     auto* splitter = new QSplitter;
     splitter->setChildrenCollapsible(false);

@@ -73,8 +73,6 @@ QStringList frmTodo::StatusWords() const {
     QStringList words;
     if (const int overdue = model_->CountOverdue())
         words << tr("%1 overdue").arg(QLocale().toString(overdue));
-    if (const int selected = TodoList->SelectedCount())
-        words << tr("%1 selected").arg(QLocale().toString(selected));
     return words;
 }
 

@@ -191,7 +191,10 @@ void frmTodo::BuildList() {
     TodoList->SetTextColumn(SubItem::Task, metrics.averageCharWidth() * 52);
     TodoList->RememberColumns(session_.ports.registry, "tasks");
     connect(header, &QHeaderView::sectionClicked, this, &frmTodo::ColumnClick);
-    connect(TodoList, &kit::RecordListView::KeySelected, pane_, &kit::ListPane::TellStatus);
+    connect(pane_, &kit::ListPane::FilledChanged, this, [this](bool any) {
+        for (QAction* action : {mnuTodoEdit, mnuTodoDeleteSelected, complete_})
+            action->setEnabled(any);
+    });
     connect(TodoList, &kit::RecordListView::KeySelected, this, &frmTodo::ShowNote);
     connect(TodoList, &kit::RecordListView::TickWanted, this, [this] {
         if (TodoList->SelectedCount() > 1) return mnuCompleted_Click();

@@ -121,8 +121,11 @@ TEST_F(WindowSteps, ADeleteOfSeveralIsAskedOnceAndTakenBackByLineMenuAndKey) {
     EXPECT_EQ(sitting.prompter.shown.back().text, "Confirm deletion of task: \r\n\r\n   2 tasks");
     EXPECT_EQ(sitting.prompter.shown.back().standard, Answer::Cancel);
     EXPECT_EQ(Shown().size(), 4);
+    const int first = list->model()->index(0, 0).data() == "ask" ? 0 : 1;
     Press(Qt::Key_Delete);
     EXPECT_EQ(Shown(), (QStringList{"book", "draw"}));
+    EXPECT_EQ(list->SelectedRow(), first) << "the row that took the place";
+    EXPECT_EQ(list->SelectedCount(), 1);
     EXPECT_EQ(Strip(), "2 tasks deleted.");
 
     test::Click(*frame->Form()->Pane(), "stripAction");

@@ -114,7 +114,7 @@ TEST_F(ClassifiedSearch, GoesThroughAllKindsAndEndsAtTheOneThatWasChosen) {
     form->SetSearch("garden");
     EXPECT_TRUE(found().isVisible());
     EXPECT_EQ(Found(), (QStringList{"Web Login", "Garden forum", "E-Commerce", "Garden shop"}));
-    EXPECT_EQ(status.back()[0].toString(), "2 records found");
+    EXPECT_EQ(status.back()[0].toString(), "2 records found, 1 selected");
     EXPECT_EQ(found().SelectedKey(), keys["Garden forum"]) << "a heading is no record";
     EXPECT_EQ(Find<QLabel>("lblTxt4").isVisible(), false);
     QTest::keyClick(&found(), Qt::Key_Down);
@@ -137,9 +137,38 @@ TEST_F(ClassifiedSearch, GoesThroughAllKindsAndEndsAtTheOneThatWasChosen) {
 
     form->SetSearch("nobody has this");
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+    EXPECT_FALSE(Find<QWidget>("padHint").isVisible()) << "there is nothing to choose";
     form->SetSearch("");
     EXPECT_TRUE(Pressed(16)) << "where it began";
     EXPECT_EQ(Shown(), "Garden shop");
+}
+
+TEST_F(ClassifiedSearch, OfSeveralRowsPadAndCopyMeanTheOneWithTheCursor) {
+    auto record = FetchRecord(store.session, keys["Bank"]);
+    ASSERT_TRUE(record);
+    record->n[3] = "the bank's";
+    ASSERT_EQ(WriteRecord(store.session, *record), 0);
+    form->cat_Click(1);
+    auto& list = Find<kit::RecordListView>("ListSelect");
+    ASSERT_EQ(Names(), (QStringList{"Bank", "Garden forum"}));
+    const auto click = [&](int row, Qt::KeyboardModifiers held, Qt::MouseButton button) {
+        const QRect cell = list.visualRect(list.model()->index(row, 0));
+        QTest::mouseClick(list.viewport(), button, held, cell.center());
+    };
+    const auto copy = [this] {
+        Find<QAction>("mnuConfidentialCopy").trigger();
+        return std::exchange(copied, {});
+    };
+    click(1, Qt::ControlModifier, Qt::LeftButton);
+    EXPECT_EQ(Shown(), "Garden forum");
+    EXPECT_EQ(copy(), "secret");
+    click(0, {}, Qt::RightButton);
+    EXPECT_EQ(list.SelectedCount(), 2);
+    EXPECT_EQ(Shown(), "Bank");
+    EXPECT_EQ(copy(), "the bank's");
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(Shown(), "Garden forum");
+    EXPECT_EQ(copy(), "secret");
 }
 
 TEST_F(ClassifiedSearch, EditsAndDeletesWhatWasFoundAndAKindEndsIt) {

@@ -48,11 +48,13 @@ class CountingModel final : public RecordListModel {
         return TextsOf(index.row()).texts[static_cast<std::size_t>(index.column())];
     }
     QVariant headerData(int section, Qt::Orientation, int role) const override {
+        if (role == Qt::TextAlignmentRole && side != 0) return side;
         return role == Qt::DisplayRole ? QVariant(QString("Column %1").arg(section)) : QVariant();
     }
     void sort(int, Qt::SortOrder) override { Turn(); }
     bool ColumnEmpty(int column) const override { return empty.contains(column); }
     std::set<int> empty;
+    int side = 0;  ///< of the captions, as a model may tell it
 
   protected:
     CellTexts ReadTexts(int row) const override {
@@ -113,6 +115,54 @@ TEST_F(RecordList, SelectionAndScrollHangOnTheKey) {
     EXPECT_EQ(told.constLast()[0].toInt(), RecordListView::kNoKey);
     view.SelectFirst();
     EXPECT_EQ(view.SelectedKey(), 1000);
+}
+
+TEST_F(RecordList, TellsOnceWhichOfSeveralRowsTheCursorMeans) {
+    const auto click = [&](int row, Qt::KeyboardModifiers held = {},
+                           Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(view.viewport(), button, held, view.visualRect(model.index(row, 0)).center());
+    };
+    using Rows = std::vector<std::int32_t>;
+    Rows told;
+    QObject::connect(&view, &RecordListView::KeySelected, [&](std::int32_t key) {
+        EXPECT_EQ(key, view.SelectedKey());
+        told.push_back(key);
+    });
+    QSignalSpy tick(&view, &RecordListView::TickWanted);
+    click(5);
+    click(3, Qt::ControlModifier);
+    click(5, {}, Qt::RightButton);
+    EXPECT_EQ(view.SelectedCount(), 2);
+    EXPECT_EQ(std::exchange(told, {}), (Rows{1005, 1003, 1005}));
+    QTest::keyClick(&view, Qt::Key_Up, Qt::ControlModifier);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::ControlModifier);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(std::exchange(told, {}), (Rows{1003, 1005, 1003})) << "beside the rows it is the first";
+    QTest::keyClick(&view, Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(view.SelectedKeys(), (Rows{1003, 1005, 1006}));
+    QTest::keyClick(&view, Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(view.SelectedKeys(), (Rows{1003, 1005}));
+    EXPECT_EQ(std::exchange(told, {}), (Rows{1006, 1003}));
+    EXPECT_TRUE(tick.empty());
+    click(8);
+    EXPECT_EQ(told, Rows{1008});
+}
+
+TEST_F(RecordList, TheFirstKeyTakesTheRowOfTheCursor) {
+    QSignalSpy edit(&view, &RecordListView::EditWanted), tick(&view, &RecordListView::TickWanted),
+        del(&view, &RecordListView::DeleteWanted);
+    const auto press = [&](Qt::Key key) {
+        view.SelectKey(RecordListView::kNoKey);
+        view.PutCursor(3);
+        EXPECT_EQ(view.SelectedKey(), RecordListView::kNoKey);
+        QTest::keyClick(&view, key);
+        EXPECT_EQ(view.SelectedKey(), 1003);
+    };
+    for (const auto key : {Qt::Key_Down, Qt::Key_Space, Qt::Key_Delete, Qt::Key_Return})
+        press(key);
+    EXPECT_EQ(edit.size() + tick.size() + del.size(), 3);
+    QTest::keyClick(&view, Qt::Key_Down);
+    EXPECT_EQ(view.SelectedKey(), 1004);
 }
 
 TEST_F(RecordList, KeysAndMenusSayWhatIsWanted) {
@@ -198,6 +248,8 @@ TEST_F(RecordList, EmptyColumnsGiveWayToTheWords) {
     EXPECT_EQ(view.columnWidth(0), 200);
     EXPECT_GT(view.horizontalScrollBar()->maximum(), 0);
     model.empty = {};
+    emit model.dataChanged(model.index(0, 0), model.index(0, 2));
+    EXPECT_TRUE(view.isColumnHidden(1)) << "none comes under the pointer";
     model.Fill(50);
     EXPECT_EQ(shape(360), (Shown{true, true})) << "it is not empty any more";
     EXPECT_EQ(shape(600), (Shown{true, true}));
@@ -246,6 +298,24 @@ TEST_F(RecordList, TheSortArrowStandsBehindTheWords) {
     list.header()->setSortIndicator(1, Qt::DescendingOrder);
     EXPECT_EQ(header(22), words) << "nothing of the words is covered or left out";
     EXPECT_NE(header(0), whole) << "the arrow is there";
+    model.side = Qt::AlignLeft;
+    list.header()->headerDataChanged(Qt::Horizontal, 0, 2);
+    EXPECT_EQ(header(22), words) << "nor do they stand higher where only their side is told";
+}
+
+TEST(ScrollBarLooks, TheThumbIsToldFromItsGround) {
+    const Themed themed;
+    for (const QPalette& palette : {LightPalette(), DarkPalette(), HighContrastPalette()}) {
+        QScrollBar bar(Qt::Vertical);
+        bar.setPalette(palette);
+        bar.setRange(0, 100);
+        bar.setPageStep(100);
+        bar.resize(bar.sizeHint().width(), 300);
+        bar.show();
+        const QImage image = bar.grab().toImage();
+        const auto light = [&](int y) { return qGray(image.pixel(image.width() / 2, y)); };
+        EXPECT_GT(std::abs(light(80) - light(240)), 60);
+    }
 }
 
 TEST(Screens, NoWindowIsLargerOrBeyondTheEdge) {

@@ -103,7 +103,7 @@ TEST_F(Notepad, ComesUpWithTheCategoryThatThePreferencesSay) {
 
 TEST_F(Notepad, RowsTellTheDayAndALockAndThePadWhatToDo) {
     auto& hint = Find<QWidget>("padHint");
-    EXPECT_TRUE(hint.isVisible());
+    EXPECT_FALSE(hint.isVisible()) << "there is nothing to choose";
     Add("Open", "body");
     EXPECT_FALSE(hint.isVisible());
     auto memo = ClearRecord(store.session, 0);
@@ -129,6 +129,20 @@ TEST_F(Notepad, RowsTellTheDayAndALockAndThePadWhatToDo) {
     list().SelectKey(kit::RecordListView::kNoKey);
     EXPECT_TRUE(hint.isVisible());
     EXPECT_FALSE(Find<QWidget>("padFrame").isVisible());
+    form->SetSearch("nobody has this");
+    EXPECT_FALSE(hint.isVisible());
+    form->SetSearch("");
+    store.session.ShowPrivate = false;
+    ASSERT_EQ(DeleteRecords(store.session, store::Category::All), 0);
+    for (const char* subject : {"One", "Two", "Three"}) {
+        memo = ClearRecord(store.session, 0);
+        memo.subject = subject;
+        ASSERT_EQ(WriteRecord(store.session, memo), 0);
+    }
+    form->Refresh();
+    QSignalSpy status(form.get(), &SectionForm::StatusChanged);
+    list().selectAll();
+    EXPECT_EQ(status.back()[0].toString(), "3 memos, 3 selected, private ones hidden");
 }
 
 TEST_F(Notepad, TheLineBetweenListAndPadIsFoundAgain) {

@@ -72,6 +72,29 @@ TEST_F(FormTodo, ADayOfUse) {
     EXPECT_EQ(list->SelectedKey(), key) << "a section opens on its first row";
 }
 
+TEST_F(FormTodo, ScatteredRowsAreChosenByKeysAndWithoutRowsNothingIsOffered) {
+    for (const char* name : {"mnuTodoEdit", "mnuTodoDeleteSelected", "mnuTodoCompleted"})
+        EXPECT_FALSE(Entry(name).isEnabled()) << name;
+    const auto a = Add("a"), b = Add("b"), c = Add("c");
+    Open();
+    for (const char* name : {"mnuTodoEdit", "mnuTodoDeleteSelected", "mnuTodoCompleted"})
+        EXPECT_TRUE(Entry(name).isEnabled()) << name;
+    for (const auto key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Space})
+        QTest::keyClick(list, key, Qt::ControlModifier);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(list->SelectedKeys(), (std::vector{a, c}));
+    EXPECT_FALSE(Stored(c).completed) << "only the plain key ticks";
+    db.prompter.Expect(29, Answer::Ok).Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(list->SelectedKeys(), std::vector{b}) << "what is left beside them";
+    const auto d = Add("d");
+    form->Refresh();
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(list->SelectedKey(), RecordListView::kNoKey);
+    Press(Qt::Key_Space);
+    EXPECT_TRUE(Stored(d).completed) << "the key means the row with the frame";
+}
+
 TEST_F(FormTodo, ComesUpAsThePreferencesSay) {
     Add("done", [this](Task& task) {
         task.completed = true;

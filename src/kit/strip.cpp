@@ -46,6 +46,8 @@ void Strip::Say(const QString& text, Kind kind, const QString& action) {
     kind_ = kind;
     text_->setText(text);
     action_->setText(action);
+    // As wide as its word: beside a narrow list every pixel of a usual button is taken from the words.
+    action_->setFixedWidth(action_->fontMetrics().horizontalAdvance(action) + 2 * Space::Margin);
     action_->setVisible(!action.isEmpty());
     setAccessibleName(text);
     Colour();

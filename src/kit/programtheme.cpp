@@ -50,6 +50,12 @@ class BmrStyle final : public QProxyStyle {
         const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option);
         if (header && element == CE_Header && header->sortIndicator != QStyleOptionHeader::None)
             return DrawSortedHeader(*header, *painter, widget);
+        if (header && element == CE_HeaderLabel && !(header->textAlignment & Qt::AlignVertical_Mask)) {
+            // Some models tell only the side: without a height the words would stand at the top.
+            QStyleOptionHeader centred = *header;
+            centred.textAlignment |= Qt::AlignVCenter;
+            return QProxyStyle::drawControl(element, &centred, painter, widget);
+        }
         QProxyStyle::drawControl(element, option, painter, widget);
     }
 
@@ -203,8 +209,6 @@ class BmrStyle final : public QProxyStyle {
         const QRect words(inside.topLeft(), QPoint(arrow.left() - Space::Tight, inside.bottom()));
         part.rect = visualRect(header.direction, header.rect, words);
         part.sortIndicator = QStyleOptionHeader::None;
-        // Some models tell only the side: without a height the words would stand at the top.
-        if (!(part.textAlignment & Qt::AlignVertical_Mask)) part.textAlignment |= Qt::AlignVCenter;
         part.text = part.fontMetrics.elidedText(header.text, Qt::ElideRight, words.width());
         drawControl(CE_HeaderLabel, &part, &painter, widget);
     }

@@ -74,6 +74,9 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     });
     QObject::connect(&prompter, &kit::QtPrompter::CommentChanged, &frame, &app::frmMDI::ShowComment);
 
+    QObject::connect(&frame, &app::frmMDI::DatabaseOpened, &frame,
+                     [&] { prompter.SetFolder(session.DatabasePath.parent_path()); });
+
     frame.show();
     // From the event loop, so that an end during the first question unwinds like any other.
     QTimer::singleShot(0, &frame, [&] { frame.Start(arguments.file); });

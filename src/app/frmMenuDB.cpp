@@ -6,6 +6,7 @@
 
 #include "app/choicebutton.h"
 #include "kit/icons.h"
+#include "kit/overparent.h"
 #include "kit/theme.h"
 
 namespace bmr::app {
@@ -43,6 +44,7 @@ frmMenuDB::frmMenuDB(Step newDatabase, Step oldDatabase, bool hadOne, QWidget* p
     ChoiceButton* likely = hadOne ? cmdOldDB : cmdNewDB;
     likely->setDefault(true);
     likely->setFocus();
+    kit::KeepOverParent(*this);
 }
 
 void frmMenuDB::Try(const Step& step) {

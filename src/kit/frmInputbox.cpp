@@ -9,6 +9,7 @@
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
 #include "kit/guards.h"
+#include "kit/overparent.h"
 #include "kit/theme.h"
 
 namespace bmr::kit {
@@ -45,6 +46,7 @@ frmInputbox::frmInputbox(const QString& title, const QString& prompt, const QStr
     column->addSpacing(Space::Tight);
     column->addWidget(buttons);
     GiveLetters(*this);
+    KeepOverParent(*this);
     GuardDialog(*this);
 }
 

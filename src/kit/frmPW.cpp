@@ -7,14 +7,15 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <initializer_list>
 
 #include "base/languageus.h"
 #include "custody/passphrase.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
+#include "kit/overparent.h"
 #include "kit/secretedit.h"
 #include "kit/theme.h"
 #include "kit/words.h"
@@ -54,6 +55,7 @@ frmPW::frmPW(const PassphraseRequest& request, Prompter& boxes, QWidget* parent)
     BuildTexts();
     BuildEntry();
     Lay();
+    KeepOverParent(*this);
     Restart();
 }
 
@@ -105,7 +107,6 @@ void frmPW::Lay() {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     cmdOK = buttons->button(QDialogButtonBox::Ok);
     cmdOK->setObjectName("cmdOK");
-    cmdOK->setDefault(true);
     cmdCancel = buttons->button(QDialogButtonBox::Cancel);
     cmdCancel->setObjectName("cmdCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, &frmPW::cmdOK_Click);
@@ -132,6 +133,11 @@ void frmPW::Lay() {
         barQuality->setTextVisible(false);
         barQuality->setFixedHeight(6);
         lblQuality = MakeLabel("lblQuality", false);
+        for (QWidget* meter : std::initializer_list<QWidget*>{barQuality, lblQuality}) {
+            QSizePolicy policy = meter->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);
+            meter->setSizePolicy(policy);
+        }
         column->addWidget(barQuality);
         column->addWidget(lblQuality);
     }
@@ -142,6 +148,7 @@ void frmPW::Lay() {
     column->addSpacing(Space::Row);
     column->addWidget(buttons);
     GiveLetters(*this);
+    cmdOK->setDefault(true);  // earlier it has no dialog yet, whose own default it is to be
     const int width = std::max(440, fontMetrics().averageCharWidth() * 62);
     setFixedSize(width, std::max(column->totalHeightForWidth(width), column->totalSizeHint().height()));
 }
@@ -149,6 +156,7 @@ void frmPW::Lay() {
 void frmPW::Restart() {
     lblPrompt->setText(QString::fromStdString(request_.prompt));
     txtInput->Empty();
+    ShowMeter(true);
     ShowHint({}, false);
     txtInput->setFocus();
 }
@@ -156,27 +164,6 @@ void frmPW::Restart() {
 void frmPW::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     txtInput->setFocus();
-    if (!parentWidget()) return;
-    // At the start the window behind has not got its place yet: the prompt follows it there.
-    CentreOverParent();
-    parentWidget()->window()->installEventFilter(this);
-}
-
-void frmPW::CentreOverParent() {
-    QRect place = frameGeometry();
-    const QRect screen = parentWidget()->screen()->availableGeometry();
-    place.moveCenter(parentWidget()->window()->frameGeometry().center());
-    place.moveRight(std::min(place.right(), screen.right()));
-    place.moveBottom(std::min(place.bottom(), screen.bottom()));
-    place.moveLeft(std::max(place.left(), screen.left()));
-    place.moveTop(std::max(place.top(), screen.top()));
-    move(place.topLeft());
-}
-
-bool frmPW::eventFilter(QObject* watched, QEvent* event) {
-    const bool placed = event->type() == QEvent::Move || event->type() == QEvent::Resize;
-    if (placed && isVisible() && watched == parentWidget()->window()) CentreOverParent();
-    return QDialog::eventFilter(watched, event);
 }
 
 void frmPW::SetCapsLock(bool on) {
@@ -197,10 +184,19 @@ void frmPW::ShowHint(const QString& text, bool alarm) {
     lblHint->setText(text.isEmpty() && capsLock_ ? tr("Caps Lock is on.") : text);
 }
 
+void frmPW::ShowMeter(bool on) {
+    if (!barQuality) return;
+    barQuality->setVisible(on);
+    lblQuality->setVisible(on);
+}
+
 void frmPW::ShowQuality() {
     if (!barQuality) return;
     const std::string_view text = txtInput->Content();
-    const double bits = shell::GuessBits(text);
+    double bits = shell::GuessBits(text);
+    const bool weak = shell::IsWeak(text) || bits < kFair;
+    // Many guesses do not help a passphrase that will be called weak: bar and word say the same.
+    if (weak) bits = std::min(bits, kFair / 2);
     struct Grade {
         QString words;
         Ink ink;
@@ -210,7 +206,7 @@ void frmPW::ShowQuality() {
     else if (text.size() < custody::kShortestPassphrase)
         grade = {tr("Too short: %n more to go", nullptr, kLeastLength - static_cast<int>(text.size())),
                  Ink::Alarm};
-    else if (shell::IsWeak(text) || bits < kFair)
+    else if (weak)
         grade = {tr("Weak"), Ink::Warning};
     else if (bits < kGood)
         grade = {tr("Fair"), Ink::Accent};
@@ -240,6 +236,7 @@ void frmPW::cmdOK_Click() {
     if (step == Step::Type) return Restart();
     if (step == Step::Confirm) {
         lblPrompt->setText(QString::fromStdString(Msg(42)));
+        ShowMeter(false);  // what was accepted is not judged again
         ShowHint(tr("Type it once more."), false);
         txtInput->setFocus();
         return;

@@ -52,13 +52,12 @@ class frmPW final : public QDialog {
 
   protected:
     void showEvent(QShowEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void BuildTexts();
     void BuildEntry();
     void Lay();
-    void CentreOverParent();
+    void ShowMeter(bool on);
     void Restart();
     void InputChanged();
     void ShowHint(const QString& text, bool alarm);

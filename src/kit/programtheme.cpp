@@ -100,6 +100,8 @@ class BmrStyle final : public QProxyStyle {
 
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override {
+        // A greyed entry is etched in the palette's light colour, which on black is as loud as the words.
+        if (hint == SH_EtchDisabledText || hint == SH_DitherDisabledText) return 0;
         if (hint == SH_FormLayoutLabelAlignment) return Qt::AlignRight | Qt::AlignVCenter;
         if (hint == SH_FormLayoutFormAlignment) return Qt::AlignLeft | Qt::AlignTop;
         if (hint == SH_ItemView_ActivateItemOnSingleClick) return 0;
@@ -190,8 +192,11 @@ class BmrStyle final : public QProxyStyle {
     static void DrawOutline(PrimitiveElement element, const QStyleOption& option, QPainter& painter) {
         const bool frame = element == PE_FrameLineEdit || element == PE_Frame || element == PE_PanelMenu;
         const bool contrast = IsContrast(option.palette);
-        if (!(frame && IsDark(option.palette)) && !(contrast && element == PE_PanelButtonCommand)) return;
         const bool focused = option.state & State_HasFocus;
+        // A field to read has no cursor that would tell of the focus.
+        const bool wanted = (frame && IsDark(option.palette)) || (element == PE_Frame && focused) ||
+                            (contrast && element == PE_PanelButtonCommand);
+        if (!wanted) return;
         painter.setPen(QPen(option.palette.color(focused ? QPalette::Highlight : QPalette::Mid),
                             contrast && focused ? 2 : 1));
         painter.setBrush(Qt::NoBrush);

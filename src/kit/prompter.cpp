@@ -23,6 +23,7 @@
 #include "kit/formparts.h"
 #include "kit/frmInputbox.h"
 #include "kit/frmPW.h"
+#include "kit/overparent.h"
 #include "kit/theme.h"
 #include "kit/words.h"
 
@@ -189,6 +190,7 @@ class PauseForm final : public QDialog {
         column->addWidget(&text_);
         column->addWidget(&bar_);
         column->addWidget(&dropped_);
+        KeepOverParent(*this);
         timerPW.setObjectName("timerPW");
         timerPW.setSingleShot(true);
         timerPW.setTimerType(Qt::PreciseTimer);
@@ -263,6 +265,7 @@ Answer QtPrompter::Ask(const Box& box) {
         form.addButton(ButtonOf(answer));
     NameButtons(form, box, answers);
     FinishBox(form);
+    KeepOverParent(form);
     if (FollowsSecret(box.number)) form.DropLetters();
     form.setDefaultButton(ButtonOf(box.standard));
     form.setEscapeButton(ButtonOf(answers.back()));
@@ -290,6 +293,10 @@ bool QtPrompter::AskSecret(const PassphraseRequest& request, Secret& typed) {
     if (form.exec() != QDialog::Accepted || Ending()) return false;
     typed = form.TakeTypedSecret();
     return !typed.empty();
+}
+
+void QtPrompter::SetFolder(const std::filesystem::path& folder) {
+    folder_ = QString::fromStdU16String(folder.u16string());
 }
 
 std::optional<std::filesystem::path> QtPrompter::AskOpenFile(const FileRequest& request) {

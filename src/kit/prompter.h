@@ -22,6 +22,9 @@ class QtPrompter final : public QObject, public Prompter {
     /// The window that boxes stand over when no dialog is open.
     void SetWindow(QWidget* window) { window_ = window; }
 
+    /// The folder in which the next file dialog begins.
+    void SetFolder(const std::filesystem::path& folder);
+
     /// Tells whether the session is going down (`Session::ending`).
     void SetEnding(std::function<bool()> ending) { ending_ = std::move(ending); }
 
@@ -52,7 +55,7 @@ class QtPrompter final : public QObject, public Prompter {
     QPointer<QWidget> window_;
     std::function<bool()> ending_;
     std::function<void(QWidget&)> onPrompt_;
-    QString folder_;  ///< where the last file was chosen
+    QString folder_;  ///< where the last file was chosen or opened
     int pause_ = 2000;
     bool busy_ = false;
 };

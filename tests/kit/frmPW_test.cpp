@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QLabel>
+#include <QProgressBar>
 #include <QRegularExpression>
 #include <QSignalSpy>
 
@@ -134,6 +135,10 @@ TEST_F(FormPW, TheMeterDoesNotPraiseWhatEverybodyTriesFirst) {
     EXPECT_EQ(grade("Qwertyuiop1!"), "Weak");
     EXPECT_EQ(grade("seven77"), "Too short: 1 more to go");
     EXPECT_EQ(grade("gTz41uVq9pLmWx73"), "Strong");
+    auto& bar = Named<QProgressBar>(*form, "barQuality");
+    const int strong = bar.value();
+    EXPECT_EQ(grade("correct horse battery staple"), "Weak");
+    EXPECT_LT(bar.value(), strong / 2) << "the bar says the same";
 }
 
 TEST_F(FormPW, ANewOneThatIsTooShortGoesToWhoAskedAtOnce) {
@@ -165,8 +170,11 @@ TEST_F(FormPW, WeakFirstEntryIsQuestionedAndOnlyThat) {
     Enter("only small letters");
     EXPECT_TRUE(edit->Content().empty());
     EXPECT_EQ(Prompt(), "New Passphrase");
+    EXPECT_TRUE(Named(*form, "barQuality").isVisible());
     Enter("ONLYCAPITALS");
     EXPECT_EQ(Prompt(), "Confirm passphrase:");
+    EXPECT_FALSE(Named(*form, "barQuality").isVisible()) << "what was accepted is not judged again";
+    EXPECT_FALSE(Named(*form, "lblQuality").isVisible());
     Enter("ONLYCAPITALS");
     EXPECT_EQ(form->result(), QDialog::Accepted);
     EXPECT_EQ(form->TakeTypedSecret().view(), "ONLYCAPITALS");

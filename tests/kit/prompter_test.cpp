@@ -47,6 +47,27 @@ TEST(QtPrompter, GivesTheButtonThatWasPressed) {
     EXPECT_EQ(prompter.Ask(three), Answer::Cancel);
 }
 
+TEST(QtPrompter, BoxesStandInTheMiddleOfTheirWindowAlsoWhenThatGetsItsPlaceLater) {
+    QWidget window;
+    window.setGeometry(40, 40, 700, 500);
+    window.show();
+    QtPrompter prompter;
+    prompter.SetWindow(&window);
+    Visitor visitor;
+    const auto judge = [&window](QWidget& box) {
+        const auto offCentre = [&] {
+            return (box.frameGeometry().center() - window.frameGeometry().center()).manhattanLength();
+        };
+        EXPECT_LE(offCentre(), 2);
+        window.move(window.pos() + QPoint(50, 30));
+        EXPECT_LE(offCentre(), 2);
+        QTest::keyClick(&box, Qt::Key_Escape);
+    };
+    visitor.Meet("boxMsg", judge).Meet("frmInputbox", judge);
+    prompter.Ask({20, "Discard changes?", Buttons::YesNo, BoxIcon::Question, Answer::No, ""});
+    prompter.InputBox("Memo", "Enter subject:", {});
+}
+
 TEST(QtPrompter, BoxSaysWhatItsButtonsDoAndReturnAndEscapeAreSafe) {
     QtPrompter prompter;
     Visitor visitor;

@@ -18,7 +18,10 @@
 #include "app/helpwindow.h"
 #include "app/sectioncolumn.h"
 #include "app/windowmemory.h"
+#include "kit/formparts.h"
 #include "kit/icons.h"
+#include "kit/listpane.h"
+#include "kit/recordlistview.h"
 #include "kit/theme.h"
 #include "shell/timeout.h"
 
@@ -65,6 +68,9 @@ frmMDI::frmMDI(Parts parts)
             form_->setFocus(Qt::OtherFocusReason);
     });
     connect(splash_, &frmSplash::SectionChosen, this, &frmMDI::optSection_Click);
+    connect(splash_, &frmSplash::UnlockChosen, this, [this] {
+        if (flows_ == 0) Unlock();
+    });
     connect(splash_, &frmSplash::NewChosen, this, &frmMDI::mnuFileNew_Click);
     connect(splash_, &frmSplash::OpenChosen, this, &frmMDI::mnuFileOpen_Click);
     for (const auto& [code, factory] : parts_.sections)
@@ -106,6 +112,10 @@ void frmMDI::BuildToolbar() {
 
     const std::pair<const char*, QString> standard[] = {
         {"document-new", tr("New")}, {"document-edit", tr("Edit")}, {"edit-delete", tr("Delete")}};
+    undoTool_ = new QAction(kit::Icon("edit-undo"), tr("Undo"), this);
+    undoTool_->setObjectName("undoTool");
+    undoTool_->setEnabled(false);
+    connect(undoTool_, &QAction::triggered, this, [this] { TakeStep(store::UndoWay::Undo); });
     for (const auto& [icon, text] : standard) {
         auto* action = new QAction(kit::Icon(icon), text, this);
         action->setEnabled(false);
@@ -124,6 +134,7 @@ void frmMDI::BuildSearch() {
     search_->setClearButtonEnabled(true);
     search_->addAction(kit::Icon("edit-find"), QLineEdit::LeadingPosition);
     search_->installEventFilter(this);
+    kit::LeaveUndoToWindow(*search_);
     searchEntry_ = toolbar_->addWidget(search_);
 
     searchDelay_ = new QTimer(this);
@@ -162,6 +173,7 @@ void frmMDI::BuildStatusBar() {
 
     statusBar()->setSizeGripEnabled(false);
     statusBar()->setContentsMargins(kit::Space::Row, 0, kit::Space::Row, 0);
+    status_->setContentsMargins(0, 0, kit::Space::Group, 0);
     statusBar()->addWidget(status_);
     statusBar()->addWidget(comment_, 1);
     statusBar()->addPermanentWidget(clipboard_);
@@ -244,10 +256,19 @@ bool frmMDI::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
+    if (event->type() == QEvent::KeyPress && form_ && !search_->text().isEmpty() &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && form_->Pane() &&
+        watched == form_->Pane()->List()) {
+        EndSearch();
+        return true;
+    }
     if (watched == search_ && event->type() == QEvent::KeyPress && form_) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Escape || key == Qt::Key_Down || key == Qt::Key_Return) {
-            if (key == Qt::Key_Escape) search_->setText({});  // unlike clear, nothing is left to be undone
+            if (key == Qt::Key_Escape) {
+                EndSearch();
+                return true;
+            }
             searchDelay_->stop();
             form_->SetSearch(search_->text().trimmed());
             form_->setFocus(Qt::OtherFocusReason);
@@ -255,6 +276,13 @@ bool frmMDI::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QMainWindow::eventFilter(watched, event);
+}
+
+void frmMDI::EndSearch() {
+    search_->setText({});  // unlike clear, nothing is left to be undone
+    searchDelay_->stop();
+    form_->SetSearch({});
+    form_->setFocus(Qt::OtherFocusReason);
 }
 
 void frmMDI::FitToolbar() {

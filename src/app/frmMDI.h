@@ -13,6 +13,7 @@
 #include "kit/programtheme.h"
 #include "kit/sectionform.h"
 #include "kit/sessionevents.h"
+#include "kit/tabring.h"
 #include "shell/navigator.h"
 #include "shell/startflow.h"
 #include "store/session.h"
@@ -89,6 +90,7 @@ class frmMDI final : public QMainWindow {
     void Ended();
 
   protected:
+    bool focusNextPrevChild(bool next) override { return kit::StepFocus(*this, next); }
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -111,6 +113,8 @@ class frmMDI final : public QMainWindow {
     void TakeStep(store::UndoWay way);
     /// What the entries Undo and Redo say, and whether they can be chosen.
     void NameSteps();
+    /// The same for the button in the toolbar, which has no key that it could keep from being heard.
+    void ShowUndo();
     void mnuToolsPassphrase_Click();
     void mnuDbRepair_Click();
     void mnuToolsPreferences_Click();
@@ -147,6 +151,8 @@ class frmMDI final : public QMainWindow {
     void CloseForm();
     void EmptySearch();
     void ShowActions(const QList<QAction*>& actions);
+    /// Empties the search field; the list shows all again and has the focus.
+    void EndSearch();
     void ShowPrivateState();
     /// After private records were shown or hidden: the switch, and the lists.
     void PrivateSwitched();
@@ -164,6 +170,7 @@ class frmMDI final : public QMainWindow {
     QList<QAction*> placeholders_;  ///< New, Edit, Delete while no section is open
     QList<QAction*> shownActions_;  ///< what stands in the toolbar before the search field
     QList<QAction*> toolbarLines_;
+    QAction* undoTool_ = nullptr;
     QAction* spacer_ = nullptr;
     QAction* searchEntry_ = nullptr;
     QLineEdit* search_ = nullptr;
@@ -184,7 +191,8 @@ class frmMDI final : public QMainWindow {
     int lostDrafts_ = 0;                  ///< why the last closing could not keep them
     std::int32_t continuing_ = 0;         ///< id of the draft that is worked on
     std::map<std::uint8_t, std::vector<custody::Draft>> left_;  ///< begun in sections that are closed
-    std::filesystem::path locked_;                              ///< to be opened again; empty unless locked
+    bool lostCategories_ = false;   ///< the lock closed the category editor over changes
+    std::filesystem::path locked_;  ///< to be opened again; empty unless locked
 };
 
 }  // namespace bmr::app

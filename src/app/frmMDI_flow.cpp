@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
+#include <algorithm>
 #include <utility>
 
 #include "app/frmMDI.h"
@@ -26,6 +27,8 @@
 #include "custody/passphrase.h"
 #include "kit/emptycontrols.h"
 #include "kit/failure.h"
+#include "kit/frmEditCategories.h"
+#include "kit/frmInputbox.h"
 #include "kit/icons.h"
 #include "kit/listpane.h"
 #include "kit/recordlistview.h"
@@ -101,6 +104,7 @@ void frmMDI::Settle(StartOutcome outcome) {
 }
 
 void frmMDI::Opened() {
+    locked_.clear();
     const QString file = ToQString(session_.DatabasePath);
     setWindowTitle(QFileInfo(file).completeBaseName() + " — Brindlemere");
     status_->clear();
@@ -129,12 +133,13 @@ void frmMDI::ShowWithoutDatabase() {
     setWindowTitle("Brindlemere");
     column_->SetCurrent(0);
     ShowLocks();
-    splash_->ShowNoDatabase();
+    splash_->ShowNoDatabase(ToQString(locked_));
     stack_->setCurrentWidget(splash_);
     ShowActions(placeholders_);
     ShowComment({});
     status_->setText("   No database open");
     HideShow(false);
+    splash_->FocusFirst();
 }
 
 std::vector<std::uint8_t> frmMDI::AvailableSections() const {
@@ -188,6 +193,7 @@ void frmMDI::ShowForm(std::uint8_t code) {
     status_->clear();
     form_ = factory->second(session_, stack_);
     connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
+    connect(form_, &SectionForm::StatusChanged, this, &frmMDI::ShowUndo);
     if (const auto* pane = form_->Pane())
         connect(pane, &kit::ListPane::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
     connect(form_, &SectionForm::SearchEnded, this, &frmMDI::EmptySearch);
@@ -197,6 +203,7 @@ void frmMDI::ShowForm(std::uint8_t code) {
     sectionMenu_ = form_->SectionMenu();
     if (sectionMenu_) menuBar()->insertMenu(menus_.mnuTools->menuAction(), sectionMenu_);
     ShowActions(form_->ToolActions());
+    ShowUndo();
     search_->setPlaceholderText(tr("Search in %1").arg(SectionName(code)));
     search_->setAccessibleName(search_->placeholderText());
     if (const auto left = left_.extract(code)) form_->Resume(left.mapped());
@@ -223,6 +230,8 @@ void frmMDI::CloseForm() {
     std::unique_ptr<SectionForm> form(std::exchange(form_, nullptr));
     ShowActions(placeholders_);
     form->disconnect(status_);
+    disconnect(form.get(), &SectionForm::StatusChanged, this, nullptr);
+    ShowUndo();
     kit::EmptyControls(*form);
     if (!DialogsUnwinding() && !form->Editing()) return;
     form->hide();
@@ -236,7 +245,11 @@ void frmMDI::ShowActions(const QList<QAction*>& actions) {
     qDeleteAll(toolbarLines_);
     toolbarLines_.clear();
     shownActions_.clear();
-    for (QAction* action : actions) {
+    QList<QAction*> all = actions;
+    constexpr qsizetype kStandard = 3;  // New, Edit and Delete
+    all.insert(qMin(kStandard, all.size()), undoTool_);
+    all.insert(qMin(kStandard, all.size()), nullptr);
+    for (QAction* action : all) {
         if (action) {
             toolbar_->insertAction(spacer_, action);
             shownActions_ << action;
@@ -251,7 +264,7 @@ void frmMDI::ShowActions(const QList<QAction*>& actions) {
 void frmMDI::ShowPrivateState() {
     const QString caption = QString::fromStdString(shell::ShowPrivateCaption(session_));
     const QIcon icon = kit::Icon(session_.ShowPrivate ? "view-visible" : "view-hidden");
-    menus_.mnuViewShowPrivate->setText(caption);
+    menus_.mnuViewShowPrivate->setText(QString(caption).replace("Private", "&Private"));
     menus_.mnuViewShowPrivate->setIcon(icon);
     private_->setIcon(icon);
     private_->setText(session_.ShowPrivate ? tr("Private records shown") : tr("Private records hidden"));
@@ -301,6 +314,13 @@ void frmMDI::NameSteps() {
     };
     name(menus_.mnuEditUndo, tr("&Undo"), store::UndoWay::Undo);
     name(menus_.mnuEditRedo, tr("&Redo"), store::UndoWay::Redo);
+}
+
+void frmMDI::ShowUndo() {
+    const bool may = form_ && store::MayTake(session_, session_.SectionCode, store::UndoWay::Undo);
+    const auto* step = may ? store::NextStep(session_, session_.SectionCode, store::UndoWay::Undo) : nullptr;
+    undoTool_->setEnabled(may);
+    undoTool_->setToolTip((step ? tr("Undo %1").arg(kit::StepName(*step)) : tr("Undo")) + " (Ctrl+Z)");
 }
 
 void frmMDI::TakeStep(store::UndoWay way) {
@@ -432,6 +452,12 @@ void frmMDI::CloseAll() {
 void frmMDI::LockNow() {
     if (!session_.DatabaseOpen || session_.ending) return;
     locked_ = session_.DatabasePath;
+    const auto windows = QApplication::topLevelWidgets();
+    lostCategories_ = std::ranges::any_of(windows, [](const QWidget* window) {
+        const auto* form = qobject_cast<const kit::frmEditCategories*>(window);
+        const auto* name = form ? form->findChild<const kit::frmInputbox*>() : nullptr;
+        return form && form->isVisible() && (form->CategoriesChanged || (name && !name->Text().isEmpty()));
+    });
     CollectDrafts();
     session_.ending = true;  // what stands open unwinds as cancelled and stores nothing
     if (flows_ == 0) CloseAll();
@@ -468,8 +494,15 @@ void frmMDI::Unlock() {
             session_.ports.prompter.Ask(box);
             if (session_.ending) return;
         }
+        if (std::exchange(lostCategories_, false)) {
+            Box box;
+            box.text = tr("Changes of categories that were not saved are lost.").toStdString();
+            box.icon = BoxIcon::Warning;
+            session_.ports.prompter.Ask(box);
+            if (session_.ending) return;
+        }
         splash_->ShowOpening();
-        const StartOutcome outcome = OpenNamed(session_, std::exchange(locked_, {}));
+        const StartOutcome outcome = OpenNamed(session_, locked_);
         Settle(outcome == StartOutcome::ShowMenuDB ? StartOutcome::Empty : outcome);
     });
 }

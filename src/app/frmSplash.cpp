@@ -95,10 +95,17 @@ void frmSplash::ShowOpening() {
     lblFile->clear();
 }
 
-void frmSplash::ShowNoDatabase() {
+void frmSplash::ShowNoDatabase(const QString& locked) {
     Clear();
     lblHeading->setText(tr("No database open"));
     lblFile->setText(tr("Everything is kept in one encrypted file."));
+    if (!locked.isEmpty()) {
+        // An ampersand in the file's name is no mnemonic.
+        const QString name = QFileInfo(locked).completeBaseName().replace("&", "&&");
+        connect(Add("cmdSplashUnlock", kit::Icon("object-unlocked"), tr("&Unlock %1…").arg(name),
+                    tr("Its passphrase is asked for.")),
+                &QPushButton::clicked, this, &frmSplash::UnlockChosen);
+    }
     connect(Add("cmdSplashNew", kit::Icon("document-new"), tr("&New database…"),
                 tr("An empty file behind a passphrase of your choice.")),
             &QPushButton::clicked, this, &frmSplash::NewChosen);

@@ -19,7 +19,8 @@ class frmSplash final : public QWidget {
   public:
     explicit frmSplash(QWidget* parent = nullptr);
 
-    void ShowNoDatabase();
+    /// Without a database; `locked` is the file that was locked last, which can be unlocked again, or empty.
+    void ShowNoDatabase(const QString& locked = {});
     /// The program's name alone, behind the questions of an opening.
     void ShowOpening();
     /// `sections` are the codes that can be opened.
@@ -29,6 +30,7 @@ class frmSplash final : public QWidget {
     void FocusFirst();
 
   signals:
+    void UnlockChosen();
     void NewChosen();
     void OpenChosen();
     void SectionChosen(std::uint8_t code);

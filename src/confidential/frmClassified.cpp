@@ -64,6 +64,7 @@ frmClassified::frmClassified(store::Session& session, std::function<void(const Q
     columns->addWidget(splitter, 1);
     HidePad();
     AimFocus();
+    AimKinds();
     if (session_.confidentialKind != 0) PressKind(session_.confidentialKind, store::kNewRecord);
 }
 
@@ -88,6 +89,7 @@ void frmClassified::PressKind(std::int32_t kind, std::int32_t key) {
     cmdAdd->setEnabled(true);
     QAbstractButton& button = *cat[static_cast<std::size_t>(kind)];
     button.setChecked(true);
+    AimKinds();
     ShowCaptions(kind);
     listSelect_Initialize(key);
     kindsArea_->ensureWidgetVisible(&button);

@@ -94,6 +94,8 @@ class frmClassified final : public SectionForm {
     void ShowRowActions();
     /// Where the keyboard goes on when the section gets it, and whether the pad waits for a choice.
     void AimFocus();
+    /// The kinds are one stop for Tab: the pressed one, else the first.
+    void AimKinds();
     kit::RecordListView* ShownList() const { return (searching_ ? found_ : pane_)->List(); }
     void ShowRecord(std::int32_t key);
     void ShowFields();

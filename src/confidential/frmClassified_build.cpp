@@ -142,6 +142,7 @@ QWidget* frmClassified::BuildList() {
     menu_->insertActions(copyField_, pane_->RowActions());
     menu_->insertSeparator(copyField_);
     ListSelect->setHeaderHidden(true);
+    ListSelect->installEventFilter(this);
     ListSelect->viewport()->installEventFilter(this);
     connect(ListSelect, &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
     connect(pane_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);
@@ -194,6 +195,7 @@ void frmClassified::BuildFound() {
                                 .remove = deleteRecord_,
                                 .menu = [this](const QPoint& at) { menu_->popup(at); }});
     found_->List()->setHeaderHidden(true);
+    found_->List()->installEventFilter(this);
     found_->List()->viewport()->installEventFilter(this);
     connect(found_->List(), &kit::RecordListView::KeySelected, this, &frmClassified::ShowRecord);
     connect(found_, &kit::ListPane::StatusChanged, this, &frmClassified::StatusChanged);

@@ -35,6 +35,13 @@ void frmClassified::AimFocus() {
         setFocusProxy(cat[static_cast<std::size_t>(qMax(1, currentKind))]);
 }
 
+void frmClassified::AimKinds() {
+    for (const Kind& kind : ConfidentialKinds()) {
+        const bool stop = kind.number == qMax(1, currentKind);
+        cat[static_cast<std::size_t>(kind.number)]->setFocusPolicy(stop ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+}
+
 void frmClassified::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Down:
@@ -96,6 +103,12 @@ bool frmClassified::eventFilter(QObject* watched, QEvent* event) {
     }
     if (event->type() != QEvent::KeyPress) return SectionForm::eventFilter(watched, event);
     const auto* key = static_cast<QKeyEvent*>(event);
+    if (ListSelect && watched == ShownList()) {
+        if (key->key() != Qt::Key_Left || key->modifiers() != Qt::NoModifier) return false;
+        // As Right led into the list.
+        cat[static_cast<std::size_t>(qMax(1, currentKind))]->setFocus(Qt::TabFocusReason);
+        return true;
+    }
     if (auto* kind = qobject_cast<QAbstractButton*>(watched)) return KindKey(*kind, key->key());
     if (!key->matches(QKeySequence::Copy)) return false;
     for (std::size_t i = 0; i < rows_.size(); ++i) {

@@ -131,22 +131,7 @@ void frmEditConfidential::Lay() {
     column->addWidget(ctlPrivate);
     column->addWidget(buttons.box);
     kit::GiveLetters(*this);
-    OrderByEye();
     resize(qMax(560, fontMetrics().averageCharWidth() * 80), fontMetrics().lineSpacing() * 30);
-}
-
-void frmEditConfidential::OrderByEye() {
-    QWidget* last = nullptr;
-    const auto next = [&last](QWidget* widget) {
-        if (last && widget) setTabOrder(last, widget);
-        if (widget) last = widget;
-    };
-    for (std::size_t i = 0; i < txtCtl.size(); ++i) {
-        next(Field(i));
-        next(dice_[i]);
-    }
-    for (QWidget* widget : std::initializer_list<QWidget*>{txtNotes, ctlPrivate, cmdOK, cmdEsc})
-        next(widget);
 }
 
 void frmEditConfidential::Cover(const QWidget& pad) {

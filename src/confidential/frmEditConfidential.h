@@ -6,6 +6,7 @@
 
 #include "confidential/confidential.h"
 #include "kit/editorfields.h"
+#include "kit/tabring.h"
 
 class QCheckBox;
 class QLineEdit;
@@ -38,12 +39,12 @@ class frmEditConfidential final : public QDialog {
     void reject() override;
 
   protected:
+    bool focusNextPrevChild(bool next) override { return kit::StepFocus(*this, next); }
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void BuildFields();
     void Lay();
-    void OrderByEye();
     void cmdOK_Click();
     QWidget* Field(std::size_t i) const;
     void MoveOn(std::size_t from);

@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -106,6 +107,33 @@ QLineEdit* MakeLineField(const char* name, const QString& accessibleName) {
     return field;
 }
 
+namespace {
+
+class UndoLeaver final : public QObject {
+  public:
+    explicit UndoLeaver(QLineEdit& field) : QObject(&field), field_(field) { field.installEventFilter(this); }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::ShortcutOverride) return QObject::eventFilter(watched, event);
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        const bool step = key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
+        // Who has just taken back what they typed and presses once too often means the field still.
+        if (!step || field_.isUndoAvailable() || field_.isRedoAvailable()) return false;
+        event->ignore();
+        return true;
+    }
+
+  private:
+    QLineEdit& field_;
+};
+
+}  // namespace
+
+void LeaveUndoToWindow(QLineEdit& field) {
+    new UndoLeaver(field);
+}
+
 QPlainTextEdit* MakeTextField(const char* name, const QString& accessibleName) {
     auto* field = new QPlainTextEdit;
     field->setObjectName(name);
@@ -197,14 +225,6 @@ void FinishBox(QMessageBox& box) {
         // One line stands at the middle of the icon, not at its top.
         if (icon && !icon->pixmap().isNull())
             text->setMinimumHeight(qRound(icon->pixmap().deviceIndependentSize().height()));
-    }
-}
-
-void SetTabOrder(std::initializer_list<QWidget*> order) {
-    QWidget* before = nullptr;
-    for (QWidget* widget : order) {
-        if (before) QWidget::setTabOrder(before, widget);
-        before = widget;
     }
 }
 

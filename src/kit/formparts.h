@@ -6,7 +6,6 @@
 #include <QPlainTextEdit>
 #include <QString>
 #include <functional>
-#include <initializer_list>
 
 class QAbstractButton;
 class QCheckBox;
@@ -55,6 +54,8 @@ QAction* MakeAction(Form& form, const Command& command, void (Form::*slot)()) {
 QToolButton* MakeIconButton(const QString& name, const char* icon, const QString& tip);
 
 QLineEdit* MakeLineField(const char* name, const QString& accessibleName);
+/// A field that has nothing of its own to take back leaves Ctrl+Z and Ctrl+Shift+Z to the window.
+void LeaveUndoToWindow(QLineEdit& field);
 /// A field of many lines, which Tab leaves.
 QPlainTextEdit* MakeTextField(const char* name, const QString& accessibleName);
 /// The mark of a private record, in an editor.
@@ -77,9 +78,6 @@ void GiveLetters(QDialog& dialog);
 
 /// The last touch to a message box: room around its text, and a letter for each button.
 void FinishBox(QMessageBox& box);
-
-/// Tab goes from each to the next.
-void SetTabOrder(std::initializer_list<QWidget*> order);
 
 /// Shows or hides an error line; true when there is nothing to say.
 bool Tell(QLabel& line, const QString& why);

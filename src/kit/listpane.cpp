@@ -88,10 +88,12 @@ void ListPane::showEvent(QShowEvent* event) {
 
 void ListPane::ShowState() {
     const bool any = model_->rowCount() > 0;
+    const bool focused = list_->hasFocus();
     list_->setEnabled(any);
     stack_->setCurrentIndex(any ? 0 : 1);
     setFocusProxy(any ? list_ : parts_.whenEmpty ? parts_.whenEmpty : empty_);
     emit FilledChanged(any);
+    if (focused && !any && parts_.whenEmpty) setFocus(Qt::OtherFocusReason);
     if (any) return;
     const bool searched = read_ && !search_.isEmpty();
     Emptiness empty = parts_.empty();

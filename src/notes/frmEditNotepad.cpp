@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include "kit/categoryfield.h"
+#include "kit/drafttext.h"
 #include "kit/failure.h"
 #include "kit/fieldmenu.h"
 #include "kit/formparts.h"
@@ -86,8 +87,6 @@ void frmEditNotepad::Lay() {
     column->addSpacing(Space::Row);
     column->addLayout(foot);
     kit::GiveLetters(*this);
-    kit::SetTabOrder(
-        {ctlSubject, ctlNote, cboCategory->Combo(), cboCategory->Button(), ctlPrivate, cmdOK, cmdEsc});
     resize(qMax(620, fontMetrics().averageCharWidth() * 90), fontMetrics().lineSpacing() * 30);
 }
 
@@ -99,6 +98,16 @@ Memo frmEditNotepad::Value() {
 std::optional<custody::Draft> frmEditNotepad::HalfWritten() const {
     if (!recordChanged) return std::nullopt;
     return fields_.HalfWritten(store::Section::Memo, memo_.key);
+}
+
+custody::Draft frmEditNotepad::DraftOf(const QString& subject, std::int32_t category) {
+    custody::Draft draft;
+    draft.section = store::Section::Memo;
+    draft.category = category;
+    draft.isPrivate = false;
+    kit::SetTitle(draft, subject);
+    kit::PutText(draft, kSubject, subject);
+    return draft;
 }
 
 void frmEditNotepad::Fill(const custody::Draft& draft) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "kit/editorfields.h"
+#include "kit/tabring.h"
 #include "notes/memo.h"
 
 class QCheckBox;
@@ -28,10 +29,15 @@ class frmEditNotepad final : public QDialog {
 
     /// What the controls hold; nothing when nothing was changed.
     std::optional<custody::Draft> HalfWritten() const;
+    /// A draft of a new memo that has its subject only.
+    static custody::Draft DraftOf(const QString& subject, std::int32_t category);
     /// Puts a draft into the controls, as if it had been typed.
     void Fill(const custody::Draft& draft);
 
     void reject() override;
+
+  protected:
+    bool focusNextPrevChild(bool next) override { return kit::StepFocus(*this, next); }
 
   private:
     void BuildControls();

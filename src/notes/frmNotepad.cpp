@@ -1,5 +1,6 @@
 #include "notes/frmNotepad.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -7,6 +8,7 @@
 #include "base/languageus.h"
 #include "kit/dateentry.h"
 #include "kit/failure.h"
+#include "kit/frmInputbox.h"
 #include "kit/pad.h"
 #include "kit/recordlistview.h"
 #include "kit/words.h"
@@ -99,7 +101,9 @@ void frmNotepad::ShowMemo(std::int32_t key) {
 
 void frmNotepad::cmdAdd_Click() {
     if (round_.Open()) return;
+    asksSubject_ = true;
     auto subject = session_.ports.prompter.InputBox("Memo", "Enter subject:", {});
+    asksSubject_ = false;
     if (session_.ending || !subject || subject->empty()) return;
     Memo memo = ClearRecord(session_, cboCategories->Number());
     memo.subject = std::move(*subject);
@@ -114,6 +118,18 @@ void frmNotepad::cmdEdit_Click() {
     if (error != 0) return kit::TellFailure(session_, error, tr("The memo could not be read."));
     if (!memo) return cmdAdd_Click();
     EditRecord(std::move(*memo));
+}
+
+std::vector<custody::Draft> frmNotepad::Drafts() const {
+    std::vector<custody::Draft> drafts = round_.Drafts();
+    if (!asksSubject_) return drafts;
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        const auto* box = qobject_cast<const kit::frmInputbox*>(window);
+        const QString begun = box && box->isVisible() ? box->Text().trimmed() : QString();
+        if (!begun.isEmpty())
+            drafts.push_back(frmEditNotepad::DraftOf(begun, store::RealCategory(cboCategories->Number())));
+    }
+    return drafts;
 }
 
 void frmNotepad::OpenDraft(const custody::Draft& draft) {

@@ -34,7 +34,7 @@ class frmNotepad final : public SectionForm {
     void SelectRecord(std::int32_t fPK) override;
     kit::ListPane* Pane() const override { return pane_; }
     bool Editing() const override { return round_.Open() || cboCategories->Editing(); }
-    std::vector<custody::Draft> Drafts() const override { return round_.Drafts(); }
+    std::vector<custody::Draft> Drafts() const override;
     void OpenDraft(const custody::Draft& draft) override;
 
     // The operations that the menus call.
@@ -60,6 +60,7 @@ class frmNotepad final : public SectionForm {
     store::Session& session_;
     kit::NamedListModel* model_;
     kit::EditRound round_;
+    bool asksSubject_ = false;  ///< the box that asks for a new memo's subject is open
     kit::ListPane* pane_;
     QMenu* menu_;
 

@@ -8,6 +8,7 @@
 
 #include "kit/dateentry.h"
 #include "kit/fieldmenu.h"
+#include "kit/focusframe.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/pad.h"
@@ -97,13 +98,13 @@ void frmNotepad::BuildList() {
 void frmNotepad::BuildPad() {
     padFrame = new QFrame;
     padFrame->setObjectName("padFrame");
-    padFrame->setFrameShape(QFrame::NoFrame);
     padFrame->setBackgroundRole(QPalette::Base);
     padFrame->setAutoFillBackground(true);
     txtSubject = kit::MakeHeading("txtSubject");
     txtInput = kit::MakeTextField("txtInput", tr("Text of the memo"));
     txtInput->setReadOnly(true);
     txtInput->setFrameShape(QFrame::NoFrame);
+    kit::ShowFocusBy(*padFrame, *txtInput);
     txtInput->document()->setDocumentMargin(0);  // in line with the subject
     kit::GiveFieldMenu(*txtInput, session_);
     ctlPrivate = new kit::PrivateMark;
@@ -168,8 +169,6 @@ void frmNotepad::Lay() {
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(splitter);
-    kit::SetTabOrder(
-        {cboCategories->Combo(), cboCategories->Button(), listSelect, cmdAdd, cmdEdit, cmdDelete, txtInput});
 }
 
 }  // namespace bmr::notes

@@ -71,7 +71,7 @@ std::uint8_t StartSectionOf(const store::Session& session, SectionSet available)
 bool mnuViewShowPrivate_Switch(store::Session& session) {
     if (session.ShowPrivate)
         session.ShowPrivate = false;
-    else if (!custody::VerifyUser(session, Msg(159)))
+    else if (!custody::VerifyUser(session, Msg(159) + " to show the private records"))
         return false;
     else
         session.ShowPrivate = true;

@@ -114,7 +114,6 @@ QWidget* frmEditTodo::MakeButtons() {
     const kit::SaveCancel foot = kit::MakeSaveCancel(*this, [this] { cmdOK_Click(); });
     QDialogButtonBox* buttons = foot.box;
     cmdOK = foot.cmdOK;
-    cmdOK->setDefault(true);
     cmdEsc = foot.cmdEsc;
     if (IsNew()) {
         auto* more = buttons->addButton(tr("Save and ne&w"), QDialogButtonBox::ActionRole);
@@ -167,8 +166,7 @@ void frmEditTodo::Lay() {
     column->addSpacing(Space::Row);
     column->addWidget(MakeButtons());
     kit::GiveLetters(*this);
-    kit::SetTabOrder({ctlTask, ctlPri[0], ctlPri[1], ctlPri[2], cboCategory->Combo(), cboCategory->Button(),
-                      ctlPrivate, ctlDateDue, ctlDateCompleted, ctlNote, cmdOK, cmdEsc});
+    cmdOK->setDefault(true);  // earlier it has no dialog yet, whose own default it is to be
     resize(qMax(620, fontMetrics().averageCharWidth() * 96), fontMetrics().lineSpacing() * 25);
 }
 

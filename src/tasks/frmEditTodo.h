@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "kit/editorfields.h"
+#include "kit/tabring.h"
 #include "tasks/duepicker.h"
 #include "tasks/task.h"
 
@@ -47,6 +48,9 @@ class frmEditTodo final : public QDialog {
     void Fill(const custody::Draft& draft);
 
     void reject() override;
+
+  protected:
+    bool focusNextPrevChild(bool next) override { return kit::StepFocus(*this, next); }
 
   private:
     void BuildTexts();

@@ -174,7 +174,7 @@ void frmTodo::AddQuickly() {
     const int error = WriteRecord(session_, task).error;
     kit::TellFailure(session_, error, tr("The task was not stored."));
     if (error != 0) return;
-    quickAdd_->clear();
+    quickAdd_->setText({});  // unlike clear, nothing is left to be undone but the task
     strip_->Clear();
     showListitems();
     TodoList->ShowKey(task.key);

@@ -13,6 +13,7 @@
 #include "base/shortdate.h"
 #include "kit/dateentry.h"
 #include "kit/fieldmenu.h"
+#include "kit/focusframe.h"
 #include "kit/formparts.h"
 #include "kit/icons.h"
 #include "kit/recordlistview.h"
@@ -149,6 +150,7 @@ void frmTodo::BuildFilter() {
     quickAdd_->setPlaceholderText(tr("Type a task and press Return"));
     quickAdd_->addAction(kit::Icon("list-add"), QLineEdit::LeadingPosition);
     kit::GiveFieldMenu(*quickAdd_, session_);
+    kit::LeaveUndoToWindow(*quickAdd_);
     connect(quickAdd_, &QLineEdit::returnPressed, this, &frmTodo::AddQuickly);
 }
 
@@ -212,7 +214,7 @@ void frmTodo::BuildNote() {
     note_ = kit::MakeTextField("txtNote", tr("Note of the task"));
     note_->setReadOnly(true);
     note_->setUndoRedoEnabled(false);
-    note_->setFrameShape(QFrame::NoFrame);
+    kit::ShowFocusBy(*note_, *note_);
     note_->setPlaceholderText(tr("No note"));
     note_->setMinimumHeight(kit::HeightOfLines(*note_, 2));
     kit::GiveFieldMenu(*note_, session_);
@@ -268,8 +270,6 @@ void frmTodo::Lay() {
     kit::RememberSplitter(*splitter, session_.ports.registry, "tasks");
     column->addWidget(splitter, 1);
     column->addLayout(bottom);
-    kit::SetTabOrder({cboCategories->Combo(), cboCategories->Button(), ShowCompleted, TodoList, note_,
-                      quickAdd_, cmdAdd, cmdEdit, cmdDelete});
 }
 
 }  // namespace bmr::tasks

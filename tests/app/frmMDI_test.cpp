@@ -254,10 +254,10 @@ TEST_F(MainWindow, PrivateRecordsNeedThePassphraseToShowAgain) {
     frame->optSection_Click(Section::Todo);
     Lines();
     ASSERT_TRUE(sitting.session.ShowPrivate);
-    EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Hide Private Records");
+    EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Hide &Private Records");
     test::Click(*frame, "cmdShowPrivate");
     EXPECT_FALSE(sitting.session.ShowPrivate);
-    EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Show Private Records");
+    EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Show &Private Records");
     EXPECT_EQ(Lines(), Strings{"refresh 15"});
 
     sitting.prompter.Type("wrong passphrase").Expect(85);
@@ -280,7 +280,7 @@ TEST_F(MainWindow, PreferencesShowInTheWindow) {
         test::Visitor visitor;
         visitor.Meet("frmOptions", [&](QWidget& form) {
             test::Named<QAbstractButton>(form, "chkShowPrivate").click();
-            EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Show Private Records") << "at once";
+            EXPECT_EQ(Action("mnuViewShowPrivate").text(), "Show &Private Records") << "at once";
             EXPECT_EQ(Lines(), Strings{"refresh 15"});
             test::Named<QAbstractButton>(form, "PinApp0").click();
             EXPECT_FALSE(Button(Section::Address).Locked());

@@ -83,6 +83,13 @@ TEST_F(Locking, LeavesNoDatabaseOpenAfterACancel) {
     PressLock(*frame);  // does nothing
     test::Live(30);
     EXPECT_EQ(closed, 1);
+    ASSERT_EQ(frame->focusWidget()->objectName(), "cmdSplashUnlock") << "the way back is the first";
+    sitting.prompter.Type(test::kPassphrase);
+    QTest::keyClick(frame->focusWidget(), Qt::Key_Return);
+    ASSERT_TRUE(sitting.session.DatabaseOpen);
+    EXPECT_EQ(sitting.session.DatabasePath, sitting.file);
+    Named<QAction>(*frame, "mnuFileCloseDB").trigger();
+    EXPECT_EQ(frame->findChild<QWidget*>("cmdSplashUnlock"), nullptr) << "closed, not locked";
 }
 
 TEST_F(Locking, EndsTheProgramAfterThreeFailures) {

@@ -210,6 +210,45 @@ TEST_F(WindowSteps, WhatConcernsSeveralConcernsThemAllInOneStep) {
     EXPECT_EQ(CategoryOf("ask"), 2);
 }
 
+TEST_F(WindowSteps, AnEmptyListLeavesTheKeysAndTheButtonToTheStep) {
+    EXPECT_FALSE(Entry("undoTool").isEnabled());
+    Press(Qt::Key_A, Qt::ControlModifier);
+    sitting.prompter.Expect(29, Answer::Ok);
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(QApplication::focusWidget(), &Named<QLineEdit>(*frame, "txtQuickAdd"));
+    EXPECT_TRUE(Entry("undoTool").isEnabled());
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Shown().size(), 4);
+    EXPECT_FALSE(Entry("undoTool").isEnabled());
+    Named<QLineEdit>(*frame, "txtSearch").setFocus();
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(Shown().isEmpty());
+    Entry("undoTool").trigger();
+    EXPECT_EQ(Shown().size(), 4);
+
+    auto& line = Named<QLineEdit>(*frame, "txtQuickAdd");
+    line.setFocus();
+    test::TypeText(line, "eat");
+    Press(Qt::Key_Return);
+    EXPECT_EQ(Shown().size(), 5);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Shown().size(), 4);
+    EXPECT_TRUE(line.text().isEmpty());
+    GoTo(Section::Memo);
+    EXPECT_FALSE(Entry("undoTool").isEnabled()) << "another section's steps are not taken here";
+}
+
+TEST_F(WindowSteps, EscInTheListEndsTheSearch) {
+    auto& search = Named<QLineEdit>(*frame, "txtSearch");
+    search.setText("ask");
+    QTest::keyClick(&search, Qt::Key_Return);
+    EXPECT_EQ(Shown(), QStringList{"ask"});
+    Press(Qt::Key_Escape);
+    EXPECT_EQ(Shown().size(), 4);
+    EXPECT_TRUE(search.text().isEmpty());
+    EXPECT_EQ(QApplication::focusWidget(), list);
+}
+
 TEST_F(WindowSteps, ATextFieldKeepsItsOwnUndo) {
     Select({"ask"});
     sitting.prompter.Expect(29, Answer::Ok);

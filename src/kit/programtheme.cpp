@@ -57,6 +57,12 @@ class BmrStyle final : public QProxyStyle {
             return QProxyStyle::drawControl(element, &centred, painter, widget);
         }
         QProxyStyle::drawControl(element, option, painter, widget);
+        // The outline alone tells of the default button too, and of a tab nothing does.
+        if ((element == CE_PushButton || element == CE_TabBarTab) && (option->state & State_HasFocus)) {
+            QStyleOption inside = *option;
+            inside.rect.adjust(3, 3, -3, -3);
+            DrawFocus(inside, *painter);
+        }
     }
 
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,

@@ -7,6 +7,8 @@
 #include "custody/drafts.h"
 #include "custody/passphrase.h"
 #include "forms.h"
+#include "kit/frmEditCategories.h"
+#include "kit/frmInputbox.h"
 #include "notes/memo.h"
 #include "store/categories.h"
 #include "support/forms.h"
@@ -122,6 +124,34 @@ TEST_F(Locking, GoesThroughEveryDialogAndKeepsWhatStoodThere) {
     const auto memos = notes::ListRecords(sitting.session, store::Category::All);
     ASSERT_TRUE(memos);
     EXPECT_EQ(notes::FetchRecord(sitting.session, memos->front())->body, "Ask for three");
+    frame->CloseDatabase();
+}
+
+TEST_F(Locking, KeepsTheSubjectThatWasBegunAndTellsOfLostCategories) {
+    sitting.prompter.onInput = [this] {
+        kit::frmInputbox box("Memo", "Enter subject:", "Gutter");
+        box.show();
+        frame->LockNow();
+    };
+    sitting.prompter.inputs = {""};
+    sitting.prompter.Type(test::kPassphrase).Expect(0, Answer::Yes);
+    QTimer::singleShot(0, &*frame, [this] { Named<QAction>(*frame->Form(), "mnuMemoAdd").trigger(); });
+    visitor.Meet("frmEditNotepad", [](QWidget& editor) {
+        EXPECT_EQ(Named<QLineEdit>(editor, "ctlSubject").text(), "Gutter");
+        test::Click(editor, "cmdOK");
+    });
+    ASSERT_TRUE(IsOpenAgain());
+    ASSERT_TRUE(test::LiveUntil([this] { return custody::LoadDrafts(sitting.session).empty(); }));
+
+    closed = 0;
+    visitor.Meet("frmEditCategories", [](QWidget& form) {
+        dynamic_cast<kit::frmEditCategories&>(form).CategoriesChanged = true;
+        PressLock(form);
+    });
+    sitting.prompter.Expect(0, Answer::Ok).Type(test::kPassphrase);
+    QTimer::singleShot(0, &*frame, [this] { test::Click(*frame, "cmdEditCat"); });
+    ASSERT_TRUE(IsOpenAgain());
+    EXPECT_EQ(sitting.prompter.shown.back().text, "Changes of categories that were not saved are lost.");
     frame->CloseDatabase();
 }
 

@@ -64,6 +64,7 @@ class ScriptedPrompter final : public Prompter {
             ADD_FAILURE() << "unexpected input box " << title;
             return std::nullopt;
         }
+        if (onInput) onInput();
         auto text = std::move(inputs.front());
         inputs.pop_front();
         return text;
@@ -104,6 +105,7 @@ class ScriptedPrompter final : public Prompter {
     std::vector<std::string> comments;
     int pauses = 0;
     std::function<void()> onSecret;  ///< what happens while a passphrase prompt stands
+    std::function<void()> onInput;   ///< while an input box would stand open
 
   private:
     std::optional<std::filesystem::path> AskFile(const FileRequest& request) {

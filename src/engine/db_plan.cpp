@@ -21,9 +21,13 @@ std::string IndexOn(std::string_view column) {
     return found == kIndexes.end() ? "" : std::string(found->name);
 }
 
-/// Nearly the same in all rows, and so never a way in.
-bool IsUseless(std::string_view column) {
-    return column == "fSub";
+/// fSub is 0 in nearly all rows; only above that it may be a way in, as to the series among appointments.
+bool IsUseless(const Condition& each) {
+    return each.column == "fSub" &&
+           (each.IsEquality() || !each.low || each.low->parameter > 0 || each.low->number <= 0);
+}
+bool IsUseless(const IndexRange& range) {
+    return range.column == "fSub" && (range.low <= 0 || range.low == range.high);
 }
 
 /// The ways in where nothing has to be counted: the row of a key, or the only condition that has an index.
@@ -32,7 +36,7 @@ std::optional<Ways> WaysByShape(const Translated& statement) {
     bool several = false;
     for (const Condition& each : statement.conditions) {
         if (each.column == "fPK" && each.IsEquality()) return Ways{IndexOn("fPK"), IndexOn("fPK")};
-        if (IsUseless(each.column)) continue;
+        if (IsUseless(each)) continue;
         several = several || (!only.empty() && only != each.column);
         only = each.column;
     }
@@ -131,7 +135,7 @@ std::int64_t Engine::CountAll() {
 Ways Engine::CountedWays(const std::vector<IndexRange>& ranges, const std::string& orderedBy) {
     std::vector<IndexRange> candidates;
     std::copy_if(ranges.begin(), ranges.end(), std::back_inserter(candidates),
-                 [](const IndexRange& range) { return !IsUseless(range.column); });
+                 [](const IndexRange& range) { return !IsUseless(range); });
     // Counting in growing steps costs little more than the narrowest has rows.
     const IndexRange* narrowest = nullptr;
     std::int64_t rows = 0;

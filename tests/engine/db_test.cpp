@@ -451,6 +451,8 @@ TEST(Store, TakesTheIndexThatTheRowsAskFor) {
     EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=1 ORDER BY fR1"), "fSec fSec");
     EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=15 And fPK=7 ORDER BY fR1"), "PrimaryKey PrimaryKey");
     EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=1 And fSub=0"), "fSec fSec");
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=12 And fSub >= 148 And fR3 < 5000"), "fSub fSub");
+    EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=12 And fSub < 148 And fR3 < 5000"), "fSec fSec");
     EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=12 And fR3 Between 500 And 520 ORDER BY fR1"), "fR3 fR3");
     EXPECT_EQ(ways("SELECT * FROM tt WHERE fSec=1 And fR3 Between 1 And 5000"), "fSec fSec");
     EXPECT_EQ(ways("DELETE * FROM tt WHERE fSec=15 And fR3 < 40"), "fR3 fR3");

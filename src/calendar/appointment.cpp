@@ -43,7 +43,7 @@ std::array<WipedText, kTexts> TextsOf(Session& session, Appointment& appointment
         store::EncodeFields(appointment, kAppointmentFields, store::Blanks::LeaveOut, random).payload,
         store::EncodeField(appointment.start.count, store::FieldTag::Int32, random),
         store::EncodeField(steps, store::FieldTag::Int16, random),
-        appointment.Recurring() ? appointment.redoString : cry::RandomBytes(random, kRandomString),
+        appointment.Recurring() ? appointment.redoString : WipedText(cry::RandomBytes(random, kRandomString)),
     };
 }
 

@@ -22,8 +22,8 @@ struct Appointment {
     Minutes end;  ///< at or after the start; foreign rows may lie otherwise
     std::uint8_t allDay = 0;
     std::uint8_t alarm = 0;
-    Minutes alarmTime;  ///< of the reminder; the start without one
-    Bytes redoString;   ///< recurrence string; empty for a single appointment
+    Minutes alarmTime;     ///< of the reminder; the start without one
+    WipedText redoString;  ///< recurrence string, bytes; empty for a single appointment
     WipedText subject;
     WipedText location;
     WipedText notes;
@@ -65,10 +65,11 @@ Appointment ReadRecord(store::Session& session, const engine::Recordset& row);
 /// which `error` tells apart (the engine's number, else 0).
 std::optional<Appointment> FetchRecord(store::Session& session, std::int32_t key, int* error = nullptr);
 
-/// Stores the appointment and sets its key and its user: payload, the columns that tell day, series and
-/// class, and its place among the rows of its day, for which neighbours are rewritten. One transaction, and
-/// one step to be taken back. What does not decode keeps its row as it is: `UpdateImpossible`, as for a key
-/// of another section; otherwise the engine's number. A row that has vanished is added anew.
+/// Stores the appointment and sets its key, its user and, without a reminder, the reminder's time: payload,
+/// the columns that tell day, series and class, and its place among the rows of its day, for which neighbours
+/// are rewritten. One transaction, and one step to be taken back. What does not decode keeps its row as it
+/// is: `UpdateImpossible`, as for a key of another section; otherwise the engine's number. A row that has
+/// vanished is added anew.
 store::StoreOutcome WriteRecord(store::Session& session, Appointment& appointment);
 
 /// Stores many new appointments in one transaction, the order of each day worked out once. For imports and

@@ -468,6 +468,11 @@ TEST(Store, TakesTheIndexThatTheRowsAskFor) {
     EXPECT_EQ(chosen({12, 500, 520}), "fR3");
     EXPECT_EQ(chosen({1, 1, 5000}), "fSec") << "chosen for these values, not for those before";
     EXPECT_EQ(chosen({15, 500, 520}), "fR3");
+    const auto series =
+        (*engine)->PlanOf("SELECT fPK FROM tt WHERE (fSec=12) AND (fSub >= 148) AND ((fR4 < ? AND fR2 > ?))");
+    ASSERT_TRUE(series);
+    EXPECT_TRUE((*engine)->Prepare(**series, Use::AllRows, std::array<std::int32_t, 2>{5000, -1}));
+    EXPECT_EQ((*series)->ways.toAll, "fSub");
 
     auto rows = (*engine)->Prepare((*(*engine)->PlanOf(inOrder))->statement.WithIndex("fR1"));
     ASSERT_TRUE(rows);

@@ -143,22 +143,21 @@ Result<std::int32_t> FreeKey(Session& session, const Keys& taken) {
 }
 
 /// Gives the rows that go and whose key the archive has another one here, inside the transaction in which
-/// they go: the copy then brings it along.
+/// they go: the copy then brings it along. By the row and not by its key, which another section's row may
+/// have.
 int DrawKeysAnew(Session& session, const std::string& clauses, const Keys& taken) {
-    auto going = KeysIn(*session.ProgramDb, "SELECT fPK" + RowsOf(clauses));
+    auto going = session.ProgramDb->OpenRecordset("SELECT *" + RowsOf(clauses));
     if (!going) return going.error().number;
-    std::erase_if(*going, [&taken](std::int32_t key) { return !taken.contains(key); });
-    if (going->empty()) return 0;
     auto table = session.ProgramDb->OpenRecordset("tt");
     if (!table) return table.error().number;
-    for (const std::int32_t old : *going) {
-        const auto image = store::FindImage(**table, old);
-        if (!image) return image.error().number;
+    for (engine::Recordset& row = **going; !row.Eof(); row.MoveNext()) {
+        if (!taken.contains(NumberOf(row.Field("fPK")))) continue;
+        const auto image = store::ImageOf(row);
         const auto key = FreeKey(session, taken);
         if (!key) return key.error().number;
-        if (const int error = session.ProgramDb->Execute("DELETE * FROM tt WHERE fPK=?", {old})) return error;
+        if (const int error = row.Delete()) return error;
         (*table)->AddNew(*key);
-        store::SetImage(**table, **image);
+        store::SetImage(**table, *image);
         if (const int error = (*table)->Update()) return error;
     }
     return 0;

@@ -71,7 +71,7 @@ struct NewRecord {
     std::int32_t group = 0;  ///< category or kind
     bool isPrivate = false;
     std::vector<std::pair<std::string, std::string>> fields;  ///< names and values, UTF-8
-    LocaleFacts locale;  ///< on which day a week begins
+    LocaleFacts locale;                                       ///< on which day a week begins
     /// Asks for a value that may stand in no argument list, by its caption.
     std::function<Result<Secret>(const std::string& caption)> ask;
 };

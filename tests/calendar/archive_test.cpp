@@ -188,11 +188,20 @@ TEST(Archive, AKeyThatStandsThereAlreadyIsDrawnAnew) {
         for (const char* column : {"fSec", "fSub", "fEtx"})
             (*table)->SetField(column, (*own)->Field(column));
         ASSERT_EQ((*table)->Update(), 0);
+        // A foreign file may have a record of another section under one of these keys.
+        old.session.ProgramDb.reset();
+        ASSERT_EQ((*db)->Execute("INSERT INTO tt IN \"" + old.file.string() +
+                                 "\" SELECT * FROM tt WHERE fPK=" + std::to_string(old.gone1)),
+                  0);
+        auto again = engine::Database::Open(old.file);
+        ASSERT_TRUE(again);
+        old.session.ProgramDb = std::move(*again);
     }
     const auto outcome = ArchiveUntil(old.session, kUntil, old.archive);
     EXPECT_EQ(outcome.error, 0) << outcome.words;
     EXPECT_EQ(old.Left(), kStay);
     EXPECT_EQ(old.Archived(), kGo);
+    EXPECT_EQ(test::RowsOf(*old.session.ProgramDb, " WHERE fSec=14").size(), 1U);
     auto db = engine::Database::Open(old.archive);
     ASSERT_TRUE(db);
     std::set<std::int32_t> keys;

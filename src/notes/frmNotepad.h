@@ -33,7 +33,7 @@ class frmNotepad final : public SectionForm {
     void SetSearch(const QString& text) override { pane_->SetSearch(text); }
     void SelectRecord(std::int32_t fPK) override;
     kit::ListPane* Pane() const override { return pane_; }
-    bool Editing() const override { return round_.Open() || cboCategories->Editing(); }
+    bool Editing() const override { return round_.Open() || asksSubject_ || cboCategories->Editing(); }
     std::vector<custody::Draft> Drafts() const override;
     void OpenDraft(const custody::Draft& draft) override;
 

@@ -130,6 +130,7 @@ TEST_F(Locking, GoesThroughEveryDialogAndKeepsWhatStoodThere) {
 TEST_F(Locking, KeepsTheSubjectThatWasBegunAndTellsOfLostCategories) {
     sitting.prompter.onInput = [this] {
         kit::frmInputbox box("Memo", "Enter subject:", "Gutter");
+        box.setModal(true);  // as the program shows it
         box.show();
         frame->LockNow();
     };

@@ -91,7 +91,7 @@ TEST_F(TabRing, GoesThroughTheWindowWithEachSection) {
     Trigger("mnuTodoDeleteSelected");
     ExpectRing(*frame, {"txtSearch", "optSection15", "cmdFold", "cboCategories", "cmdEditCat",
                         "ShowCompleted", "empty_mnuTodoNew", "empty_showCompleted", "stripAction",
-                        "stripClose", "txtQuickAdd", "cmdAdd", "cmdEdit", "cmdDelete", "cmdShowPrivate"});
+                        "stripClose", "txtQuickAdd", "cmdAdd", "cmdShowPrivate"});
     frame->optSection_Click(Section::Memo);
     ExpectRing(*frame, {"txtSearch", "optSection14", "cmdFold", "cboCategories", "cmdEditCat", "listSelect",
                         "cmdAdd", "cmdEdit", "cmdDelete", "txtInput", "cmdShowPrivate"});

@@ -51,11 +51,11 @@ std::vector<DayBox> DayBoxes(std::span<const LayoutEntry> entries, const Packing
 /// Entries that find no room beside the others, gathered under "+n more".
 struct MoreBox {
     std::int32_t day = 0;
-    std::int32_t from = 0;            ///< of the first of them, minutes of the day
-    std::int32_t to = 0;              ///< of the last
-    Place place;                      ///< its own column, the last
-    std::vector<std::size_t> hidden;  ///< indexes of entries that are not drawn
-    std::vector<std::size_t> all;     ///< those of the whole group, for the list that it opens
+    std::int32_t from = 0;                 ///< of the first of them, minutes of the day
+    std::int32_t to = 0;                   ///< of the last
+    Place place;                           ///< its own column, the last
+    std::vector<std::size_t> hidden = {};  ///< indexes of entries that are not drawn
+    std::vector<std::size_t> all = {};     ///< those of the whole group, for the list that it opens
 };
 
 /// Takes the boxes that do not fit where a day has room for `most` columns (at least 1) out of `boxes`; the

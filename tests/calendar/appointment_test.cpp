@@ -52,20 +52,7 @@ class Appointments : public testing::Test {
     Bytes Plain(const engine::Recordset& row, const char* column) {
         return Bytes(cry::DecipherField(store.session.cipher, TextOf(row.Field(column))));
     }
-    /// Every column of every row, by keys.
-    std::vector<std::string> Rows() {
-        std::vector<std::string> rows;
-        auto cursor = store.session.ProgramDb->Select(
-            "SELECT fPK, fSec, fSub, fR1, fR2, fR3, fR4, fR5, fF1, fF2, fF3, fG1, AE, fEtx, fT1, fT2, fT3 "
-            "FROM tt ORDER BY fPK");
-        while (cursor && cursor->Next()) {
-            std::string row;
-            for (int column = 0; column < 17; ++column)
-                row += (cursor->IsNull(column) ? "Null" : std::string(cursor->Bytes(column))) + "|";
-            rows.push_back(row);
-        }
-        return rows;
-    }
+    std::vector<std::string> Rows() { return store.Rows(); }
     std::vector<std::string> Subjects() {
         std::vector<std::string> subjects;
         const auto keys = ListRecords(store.session);

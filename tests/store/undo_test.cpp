@@ -35,20 +35,7 @@ class Undo : public testing::Test {
         memo.subject = subject;
         EXPECT_EQ(notes::WriteRecord(store.session, memo), 0);
     }
-    /// Every column of every row, by keys.
-    std::vector<std::string> Rows() {
-        std::vector<std::string> rows;
-        auto cursor = store.session.ProgramDb->Select(
-            "SELECT fPK, fSec, fSub, fR1, fR2, fR3, fR4, fR5, fF1, fF2, fF3, fG1, AE, fEtx, fT1, fT2, fT3 "
-            "FROM tt ORDER BY fPK");
-        while (cursor && cursor->Next()) {
-            std::string row;
-            for (int column = 0; column < 17; ++column)
-                row += (cursor->IsNull(column) ? "Null" : std::string(cursor->Bytes(column))) + "|";
-            rows.push_back(row);
-        }
-        return rows;
-    }
+    std::vector<std::string> Rows() { return store.Rows(); }
     UndoOutcome Take(UndoWay way, std::uint8_t section = Section::Memo) {
         EXPECT_TRUE(MayTake(store.session, section, way));
         return TakeStep(store.session, section, way);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "store/session.h"
 #include "support/folder.h"
@@ -47,6 +48,22 @@ struct TempStore : TestSession {
         auto rows = session.ProgramDb->OpenRecordset(statement, engine::RecordsetType::Snapshot);
         if (!rows || (*rows)->Eof()) throw std::runtime_error("no row: " + statement);
         return std::move(*rows);
+    }
+
+    /// Every column of every row, by keys.
+    std::vector<std::string> Rows() {
+        std::vector<std::string> rows;
+        auto cursor = session.ProgramDb->Select(
+            "SELECT fPK, fSec, fSub, fR1, fR2, fR3, fR4, fR5, fF1, fF2, fF3, fG1, AE, fEtx, fT1, fT2, fT3 "
+            "FROM tt ORDER BY fPK");
+        EXPECT_TRUE(cursor);
+        while (cursor && cursor->Next()) {
+            std::string row;
+            for (int column = 0; column < 17; ++column)
+                row += (cursor->IsNull(column) ? "Null" : std::string(cursor->Bytes(column))) + "|";
+            rows.push_back(row);
+        }
+        return rows;
     }
 
     /// Sets one column of a row behind the program's back.

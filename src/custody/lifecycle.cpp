@@ -40,6 +40,7 @@ void ForgetDatabase(Session& session) {
     cry::WipeBytes(session.cipher.FieldPlain);
     WipeHashes(session);
     session.confidentialKind = 0;
+    session.calendarView.reset();
     session.user = CurrentUser();
     session.pin = PinRecord();
     session.settings = Settings();

@@ -27,6 +27,8 @@ class DateEdit final : public QWidget {
     /// Sets without telling.
     void SetDate(std::optional<Day> date);
 
+    /// There is always a date: without the box, and an empty line is none.
+    void SetRequired();
     /// Dates beyond become the nearer bound.
     void SetRange(Day first, Day last);
     /// What stands beside the box, and names the parts to a screen reader.
@@ -55,6 +57,7 @@ class DateEdit final : public QWidget {
     void Step(int days, int months);
     void OpenCalendar();
 
+    bool required_ = false;
     Day today_;
     Day first_{1};
     Day last_{73050};

@@ -29,7 +29,8 @@ constexpr int kPadding = 4;
 constexpr int kRadius = 4;
 constexpr int kSymbol = 12;
 constexpr int kDot = 8;
-constexpr int kOneLine = 22;  ///< a box that is lower has time and subject in one line
+constexpr int kLeastWords = 56;  ///< pixels that signs leave to the words
+constexpr int kOneLine = 22;     ///< a box that is lower has time and subject in one line
 
 /// Colours of entries, as numbers of `kit::CategoryTint`.
 constexpr int kSingleTint = 1;
@@ -44,15 +45,16 @@ int TintOf(const EntryLook& look) {
                           : kSingleTint;
 }
 
-/// As many whole words as fit in front of an ellipsis; a first word that is too long is cut.
-QString Elided(const QString& text, const QFontMetrics& metrics, int width) {
+/// As many whole words as fit in front of an ellipsis, but for those of the first `kept` characters; a first
+/// word that is too long is cut.
+QString Elided(const QString& text, const QFontMetrics& metrics, int width, qsizetype kept = 0) {
     if (metrics.horizontalAdvance(text) <= width) return text;
     static const QString more = QStringLiteral("…");
     const QString cut = metrics.elidedText(text, Qt::ElideRight, width);
-    const qsizetype kept = std::max<qsizetype>(0, cut.size() - more.size());
-    if (text.at(std::min(kept, text.size() - 1)).isSpace()) return text.left(kept).trimmed() + more;
-    const qsizetype space = text.lastIndexOf(QChar(u' '), std::max<qsizetype>(0, kept - 1));
-    return space > 0 ? text.left(space).trimmed() + more : cut;
+    const qsizetype whole = std::max<qsizetype>(0, cut.size() - more.size());
+    const bool between = whole < text.size() && text.at(whole).isSpace();
+    const qsizetype end = between ? whole : text.lastIndexOf(QChar(u' '), std::max<qsizetype>(0, whole - 1));
+    return end > kept ? text.left(end).trimmed() + more : cut;
 }
 
 /// Words in a rectangle, broken between words only; what does not fit ends in an ellipsis.
@@ -88,7 +90,13 @@ class EntryModel final : public QAbstractListModel {
     }
     std::size_t EntryAt(int row) const { return entries_[static_cast<std::size_t>(row)]; }
     const EntryLook& LookAt(int row) const { return looks_[EntryAt(row)]; }
+    void Forget() {
+        beginResetModel();
+        entries_.clear();
+        endResetModel();
+    }
     QVariant data(const QModelIndex& index, int role) const override {
+        if (static_cast<std::size_t>(index.row()) >= entries_.size()) return {};
         const EntryLook& look = LookAt(index.row());
         if (role == Qt::DisplayRole) return QString(look.subject);
         if (role == Qt::AccessibleTextRole) return SpokenWords(look, {});
@@ -134,11 +142,15 @@ TableInks::TableInks(const QPalette& palette)
       text(palette.color(QPalette::Active, QPalette::Text)),
       quiet(kit::Blend(base, text, 0.72)),
       accent(kit::InkOf(kit::Ink::Accent, palette)),
-      line(kit::Blend(base, text, kit::IsContrast(palette) ? 0.6 : 0.16)),
-      half(kit::Blend(base, text, kit::IsContrast(palette) ? 0.25 : 0.07)),
-      off(kit::Blend(base, text, 0.045)),
-      today(kit::Blend(base, accent, 0.08)),
-      todayOff(kit::Blend(today, text, 0.045)) {}
+      line(text),
+      half(text),
+      off(kit::Blend(base, text, kit::IsContrast(palette) ? 0.14 : 0.045)),
+      today(kit::Blend(base, accent, kit::IsContrast(palette) ? 0.16 : 0.08)),
+      todayOff(kit::Blend(today, text, kit::IsContrast(palette) ? 0.14 : 0.045)) {
+    // Through these the ground is seen: they cross several.
+    line.setAlphaF(kit::IsContrast(palette) ? 0.6F : 0.16F);
+    half.setAlphaF(kit::IsContrast(palette) ? 0.25F : 0.07F);
+}
 
 EntryPainter::EntryPainter(QPainter& painter, const QPalette& palette, const QFont& font)
     : painter_(painter), palette_(palette), font_(font), small_(font) {
@@ -160,7 +172,8 @@ void EntryPainter::Ground(const QRect& rect, const EntryLook& look, bool chosen)
     painter_.drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), kRadius, kRadius);
     painter_.setPen(Qt::NoPen);
     painter_.setBrush(tint.stripe);
-    painter_.drawRoundedRect(QRectF(rect.left(), rect.top(), kStripe, rect.height()), 2, 2);
+    painter_.drawRoundedRect(QRectF(rect.left(), rect.top() + inset, kStripe, rect.height() - 2 * inset), 2,
+                             2);
     painter_.setPen(palette_.color(QPalette::Active, QPalette::Text));
 }
 
@@ -168,12 +181,12 @@ int EntryPainter::Signs(const QRect& rect, int height, const EntryLook& look) {
     int right = rect.right() - 2;
     const auto sign = [&](bool wanted, const char* name) {
         // The words come first where there is little room.
-        if (!wanted || right - kSymbol < rect.left() + rect.width() / 2) return;
+        if (!wanted || right - kSymbol - rect.left() < kLeastWords) return;
         right -= kSymbol;
         const QPixmap pixmap =
             kit::Icon(name).pixmap(QSize(kSymbol, kSymbol), painter_.device()->devicePixelRatioF());
         painter_.drawPixmap(QPoint(right, rect.top() + (height - kSymbol) / 2), pixmap);
-        right -= 2;
+        right -= 3;
     };
     sign(look.isPrivate, "object-locked");
     sign(look.repeats, "appointment-recurring");
@@ -181,9 +194,15 @@ int EntryPainter::Signs(const QRect& rect, int height, const EntryLook& look) {
     return right;
 }
 
-void EntryPainter::OneLine(const QRect& rect, const QString& text) {
+void EntryPainter::OneLine(const QRect& rect, const EntryLook& look) {
+    const QFontMetrics metrics = painter_.fontMetrics();
+    // Where a box stands tells when it begins: its subject goes before that where both have no room.
+    const QString time = look.from + " ";
+    const bool bare =
+        look.allDay || rect.width() < metrics.horizontalAdvance(time) + 4 * metrics.averageCharWidth();
     painter_.drawText(rect, Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine,
-                      Elided(text, painter_.fontMetrics(), rect.width()));
+                      bare ? Elided(look.subject, metrics, rect.width())
+                           : Elided(time + look.subject, metrics, rect.width(), time.size()));
 }
 
 void EntryPainter::Box(const QRect& rect, const EntryLook& look, bool chosen) {
@@ -193,21 +212,26 @@ void EntryPainter::Box(const QRect& rect, const EntryLook& look, bool chosen) {
     painter_.setClipRect(rect.adjusted(kStripe, 1, -1, -1), Qt::IntersectClip);
     QRect words(rect.left() + kStripe + kPadding, rect.top() + 1, 0, rect.height() - 2);
     words.setRight(rect.right() - kPadding);
-    const int first = QFontMetrics(small_).lineSpacing();
+    const QFontMetrics small(small_);
+    const int first = small.lineSpacing();
     const int two = first + painter_.fontMetrics().lineSpacing() + 2;
     if (words.width() < kDot) return painter_.restore();
     if (look.allDay || rect.height() < std::max(kOneLine, two)) {
         words.setRight(Signs(rect, std::min(rect.height(), kOneLine), look));
-        // A box of the least height has no room for a tall script's line, which is centred on it all the
-        // same.
-        OneLine(words, look.allDay ? look.subject : look.from + " " + look.subject);
+        OneLine(words, look);
         return painter_.restore();
     }
     words.adjust(0, 1, 0, 0);
-    painter_.setFont(small_);
-    OneLine(QRect(words.left(), words.top(), Signs(rect, first + 4, look) - words.left(), first), look.time);
-    painter_.setFont(font_);
-    DrawWords(painter_, words.adjusted(0, first, 0, 0), look.subject);
+    const int room = Signs(rect, first + 4, look) - words.left();
+    const QString& time = small.horizontalAdvance(look.time) <= room ? look.time : look.from;
+    if (small.horizontalAdvance(time) <= room) {
+        painter_.setFont(small_);
+        painter_.drawText(QRect(words.left(), words.top(), room, first),
+                          Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine, time);
+        painter_.setFont(font_);
+        words.adjust(0, first, 0, 0);
+    }
+    DrawWords(painter_, words, look.subject);
     painter_.restore();
 }
 
@@ -227,7 +251,7 @@ void EntryPainter::Line(const QRect& rect, const EntryLook& look, bool chosen) {
     }
     const int left = rect.left() + kPadding + (look.allDay ? kPadding : kDot + 3);
     const QRect words(QPoint(left, rect.top()), QPoint(Signs(rect, rect.height(), look), rect.bottom()));
-    OneLine(words, look.allDay ? look.subject : look.from + " " + look.subject);
+    OneLine(words, look);
     painter_.restore();
 }
 
@@ -244,7 +268,7 @@ void EntryPainter::More(const QRect& rect, std::size_t hidden, bool framed) {
     painter_.setPen(inks.accent);
     const QString number = QLocale().toString(static_cast<qulonglong>(hidden));
     QString words = QCoreApplication::translate("calendar", "+%1 more").arg(number);
-    const QRect within = rect.adjusted(kPadding, 0, -2, 0);
+    const QRect within = rect.adjusted(framed ? kPadding : kStripe + kPadding, 0, -2, 0);
     if (painter_.fontMetrics().horizontalAdvance(words) > within.width()) words = "+" + number;
     const int top = framed ? 1 : std::max(0, (rect.height() - painter_.fontMetrics().height()) / 2);
     painter_.drawText(within.adjusted(0, top, 0, 0), Qt::AlignTop | Qt::AlignLeading | Qt::TextSingleLine,
@@ -278,6 +302,14 @@ EntryPopup::EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::siz
         close();
         emit OpenWanted(entry);
     });
+}
+
+void EntryPopup::Forget() {
+    // Not at once: it may be in the middle of telling what was chosen.
+    disconnect();
+    static_cast<EntryModel*>(findChild<QListView*>()->model())->Forget();
+    hide();
+    deleteLater();
 }
 
 void EntryPopup::ShowAt(const QPoint& at) {

@@ -43,8 +43,8 @@ QString SpokenWords(const EntryLook& look, const QString& day);
 struct TableInks {
     explicit TableInks(const QPalette& palette);
     QColor base, text, quiet, accent;
-    QColor line;      ///< of hours and days
-    QColor half;      ///< of half hours
+    QColor line;      ///< of hours and days, translucent
+    QColor half;      ///< of half hours, too
     QColor off;       ///< ground of what is not worked in, or of another month
     QColor today;     ///< ground
     QColor todayOff;  ///< ground of both
@@ -66,7 +66,7 @@ class EntryPainter {
     void Ground(const QRect& rect, const EntryLook& look, bool chosen);
     /// The signs at the right top; gives where they begin.
     int Signs(const QRect& rect, int height, const EntryLook& look);
-    void OneLine(const QRect& rect, const QString& text);
+    void OneLine(const QRect& rect, const EntryLook& look);
 
     QPainter& painter_;
     const QPalette& palette_;
@@ -80,10 +80,12 @@ class EntryPopup final : public QFrame {
     Q_OBJECT
 
   public:
-    /// `looks` stay where they are until the view lets the list go; `entries` are places in them.
+    /// `looks` stay where they are until `Forget`; `entries` are places in them.
     EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::size_t> entries, QWidget* view);
     /// Beside a place of the screen, and within it.
     void ShowAt(const QPoint& at);
+    /// Lets go of the looks and goes.
+    void Forget();
 
   signals:
     void Chosen(std::size_t entry);

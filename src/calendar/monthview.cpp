@@ -42,7 +42,7 @@ MonthView::MonthView(QWidget* parent) : QWidget(parent) {
 }
 
 MonthView::~MonthView() {
-    delete list_;  // it reads our entries
+    if (list_) list_->Forget();  // it reads our entries
 }
 
 void MonthView::SetFrame(Frame frame) {
@@ -58,7 +58,7 @@ void MonthView::SetFrame(Frame frame) {
 void MonthView::SetEntries(std::vector<EntryLook> looks) {
     EndDrag();
     DropTip();
-    delete list_;
+    if (list_) list_->Forget();
     chosen_.reset();
     looks_ = std::move(looks);
     for (auto& entries : monDayList)
@@ -107,6 +107,14 @@ QRect MonthView::RowRect(int cell, int row) const {
     const int line = RowHeight(fontMetrics());
     return {rect.left() + 3, rect.top() + HeadingHeight(fontMetrics()) + row * line, rect.width() - 5,
             line - 1};
+}
+
+QRect MonthView::LineOf(std::size_t entry) const {
+    const int cell = entry < looks_.size() ? CellOf(entry) : -1;
+    if (cell < 0) return {};
+    const auto& entries = monDayList[static_cast<std::size_t>(cell)];
+    const auto row = std::ranges::find(entries, entry) - entries.begin();
+    return row < ShownIn(cell) ? RowRect(cell, static_cast<int>(row)) : QRect();
 }
 
 int MonthView::ShownIn(int cell) const {
@@ -294,7 +302,7 @@ void MonthView::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void MonthView::OpenList(int cell) {
-    delete list_;
+    if (list_) list_->Forget();
     list_ = new EntryPopup(looks_, monDayList[static_cast<std::size_t>(cell)], this);
     connect(list_, &EntryPopup::Chosen, this, &MonthView::Choose);
     connect(list_, &EntryPopup::OpenWanted, this, &MonthView::OpenWanted);
@@ -331,7 +339,7 @@ void MonthView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     EndDrag();
     DropTip();
-    delete list_;
+    if (list_) list_->Forget();
 }
 
 void MonthView::focusInEvent(QFocusEvent* event) {

@@ -45,6 +45,10 @@ class MonthView final : public QWidget {
     int MarkedCell() const { return marked_; }
     void MarkCell(int cell);
 
+    QRect CellRect(int cell) const;
+    /// Where the line of an entry is; empty where it has found no room.
+    QRect LineOf(std::size_t entry) const;
+
   signals:
     /// Another entry is chosen or another day marked.
     void ChosenChanged();
@@ -77,15 +81,12 @@ class MonthView final : public QWidget {
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
-    friend struct MonthViewProbe;  // tests ask where things stand
-
     struct Hit {
         int cell = -1;
         std::optional<std::size_t> entry;
         bool more = false;
         bool number = false;
     };
-    QRect CellRect(int cell) const;
     QRect RowRect(int cell, int row) const;
     /// How many entries of a cell are shown; fewer than it has where the last row says how many more.
     int ShownIn(int cell) const;

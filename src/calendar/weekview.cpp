@@ -65,7 +65,7 @@ WeekView::WeekView(QWidget* parent) : QAbstractScrollArea(parent), tmrScrolldela
 }
 
 WeekView::~WeekView() {
-    delete list_;  // it reads our entries
+    if (list_) list_->Forget();  // it reads our entries
 }
 
 void WeekView::SetFrame(Frame frame) {
@@ -86,7 +86,7 @@ void WeekView::SetNow(std::int32_t minutes, const QString& text) {
 void WeekView::SetEntries(std::vector<EntryLook> looks) {
     EndDrag();
     DropTip();
-    delete list_;
+    if (list_) list_->Forget();
     chosen_.reset();
     looks_ = std::move(looks);
     Pack();
@@ -142,7 +142,8 @@ void WeekView::UpdateRange() {
 }
 
 void WeekView::ScrollTo(std::int32_t minutes) {
-    verticalScrollBar()->setValue(minutes * hour_ / 60);
+    // With the hour beside the line, half of which stands above it.
+    verticalScrollBar()->setValue(minutes * hour_ / 60 - fontMetrics().height() / 2 - 1);
 }
 
 void WeekView::SetPixelsOfHour(int pixels) {
@@ -262,6 +263,23 @@ std::vector<QRect> WeekView::RectsOf(const DaySpan& span) const {
     return rects;
 }
 
+QRect WeekView::BoxOf(std::size_t entry) const {
+    if (entry >= looks_.size()) return {};
+    for (const DayBox& box : appo_)
+        if (box.entry == entry && !box.goesOn) return RectOf(box);
+    for (int day = 0; day < Days(); ++day) {
+        const auto& entries = appoD_[static_cast<std::size_t>(day)];
+        for (int row = 0; row < StripShown(day); ++row)
+            if (entries[static_cast<std::size_t>(row)] == entry) return StripRow(day, row);
+    }
+    return {};
+}
+
+QRect WeekView::AreaOf(const DaySpan& span) const {
+    const auto rects = RectsOf(span);
+    return rects.empty() ? QRect() : rects.front();
+}
+
 DaySpan WeekView::SpanOf(std::size_t entry) const {
     const EntryLook& look = looks_[entry];
     const int day = DayOf(look.start).serial - frame_.first.serial;
@@ -333,7 +351,7 @@ void WeekView::hideEvent(QHideEvent* event) {
     QAbstractScrollArea::hideEvent(event);
     EndDrag();
     DropTip();
-    delete list_;
+    if (list_) list_->Forget();
 }
 
 void WeekView::focusInEvent(QFocusEvent* event) {
@@ -503,7 +521,7 @@ void WeekView::wheelEvent(QWheelEvent* event) {
 }
 
 void WeekView::OpenList(const std::vector<std::size_t>& entries, const QPoint& at) {
-    delete list_;
+    if (list_) list_->Forget();
     list_ = new EntryPopup(looks_, entries, this);
     connect(list_, &EntryPopup::Chosen, this, &WeekView::Choose);
     connect(list_, &EntryPopup::OpenWanted, this, &WeekView::OpenWanted);
@@ -511,8 +529,7 @@ void WeekView::OpenList(const std::vector<std::size_t>& entries, const QPoint& a
 }
 
 void WeekView::MenuByKey() {
-    const auto rects = RectsOf(selArea_);
-    const QRect seen = rects.empty() ? QRect() : rects.front().intersected(viewport()->rect());
+    const QRect seen = AreaOf(selArea_).intersected(viewport()->rect());
     emit MenuWanted(viewport()->mapToGlobal(seen.isEmpty() ? QPoint(margin_, GridTop()) : seen.center()));
 }
 

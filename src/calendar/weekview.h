@@ -61,6 +61,11 @@ class WeekView final : public QAbstractScrollArea {
     const DaySpan& Marked() const { return selArea_; }
     void Mark(const DaySpan& span);
 
+    /// Where the box of an entry is on the viewport, scrolled away or not; empty where there is none.
+    QRect BoxOf(std::size_t entry) const;
+    /// The same of a span, on the day on which it begins.
+    QRect AreaOf(const DaySpan& span) const;
+
     int PixelsOfHour() const { return hour_; }
     /// Within the bounds below; what stands at the top stays there.
     void SetPixelsOfHour(int pixels);
@@ -107,8 +112,6 @@ class WeekView final : public QAbstractScrollArea {
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
-    friend struct WeekViewProbe;  // tests ask where things stand
-
     enum class Drag : std::uint8_t { None, Pressed, Marking, Moving, Sizing };
     struct Hit {
         std::optional<std::size_t> entry;

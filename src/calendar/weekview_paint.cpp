@@ -12,7 +12,6 @@ namespace bmr::calendar {
 
 namespace {
 
-constexpr int kRadius = 4;
 constexpr int kDot = 8;
 
 /// The times of a span that the hand is drawing, so that one need not read them off the margin.
@@ -180,20 +179,18 @@ void WeekView::PaintNow(QPainter& painter) const {
 
 void WeekView::PaintDrag(QPainter& painter) const {
     if (drag_ != Drag::Moving && drag_ != Drag::Sizing) return;
-    const TableInks inks(palette());
     painter.save();
     if (!txtMove_.allDay)
         painter.setClipRect(0, GridTop(), viewport()->width(), viewport()->height() - GridTop());
-    painter.setRenderHint(QPainter::Antialiasing);
-    QColor ground = kit::SelectionTint(palette());
-    ground.setAlpha(220);
-    for (const QRect& rect : RectsOf(txtMove_)) {
-        painter.setPen(QPen(inks.accent, 2));
-        painter.setBrush(ground);
-        painter.drawRoundedRect(QRectF(rect).adjusted(1, 1, -1, -1), kRadius, kRadius);
-        painter.setPen(inks.text);
-        PaintTimes(painter, rect, txtMove_);
-    }
+    // As it will be where it is let fall.
+    EntryLook look = looks_[*grabbed_.entry];
+    look.allDay = txtMove_.allDay;
+    look.time =
+        QString::fromStdString(EntryTimes(Minutes{txtMove_.start}, Minutes{txtMove_.end}, look.allDay));
+    look.from = look.time.section('-', 0, 0);
+    EntryPainter entries(painter, palette(), font());
+    for (const QRect& rect : RectsOf(txtMove_))
+        entries.Box(rect.adjusted(2, 1, -2, -1), look, true);
     painter.restore();
 }
 

@@ -1,8 +1,8 @@
 #include "calendar/panemodel.h"
 
+#include <QLocale>
 #include <algorithm>
 
-#include "kit/icons.h"
 #include "kit/words.h"
 #include "tasks/task.h"
 
@@ -44,7 +44,8 @@ kit::CellTexts PaneModel::ReadTexts(int row) const {
 }
 
 bool PaneModel::ColumnEmpty(int column) const {
-    return column == Column::Due && std::ranges::none_of(tasks_, [](const PaneRow& row) { return row.due.has_value(); });
+    return column == Column::Due &&
+           std::ranges::none_of(tasks_, [](const PaneRow& row) { return row.due.has_value(); });
 }
 
 int PaneModel::columnCount(const QModelIndex& parent) const {
@@ -56,7 +57,7 @@ QVariant PaneModel::data(const QModelIndex& index, int role) const {
     const int column = index.column();
     switch (role) {
         case Qt::DisplayRole:
-            if (column == Column::Priority) return QString::number(task.priority + 1);
+            if (column == Column::Priority) return QLocale().toString(task.priority + 1);
             if (column == Column::Due) return QString::fromStdString(PaneDate(task.due));
             return TextsOf(index.row()).texts.front();
         case Qt::ToolTipRole:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+#include <QVariant>
 #include <vector>
 
 #include "calendar/taskpane.h"

@@ -137,6 +137,11 @@ QString SpokenWords(const EntryLook& look, const QString& day) {
     return words;
 }
 
+QColor EntryGround(int tint, bool chosen, const QPalette& palette) {
+    const kit::Tint colours = kit::CategoryTint(tint, palette);
+    return chosen ? kit::Blend(colours.ground, colours.stripe, 0.16) : colours.ground;
+}
+
 TableInks::TableInks(const QPalette& palette)
     : base(palette.color(QPalette::Active, QPalette::Base)),
       text(palette.color(QPalette::Active, QPalette::Text)),
@@ -167,7 +172,7 @@ void EntryPainter::Ground(const QRect& rect, const EntryLook& look, bool chosen)
     const double line = chosen ? 2 : 1;
     const bool edged = chosen || kit::IsContrast(palette_);
     painter_.setPen(QPen(edged ? tint.stripe : palette_.color(QPalette::Active, QPalette::Base), line));
-    painter_.setBrush(chosen ? kit::Blend(tint.ground, tint.stripe, 0.16) : tint.ground);
+    painter_.setBrush(EntryGround(TintOf(look), chosen, palette_));
     const double inset = line / 2;
     painter_.drawRoundedRect(QRectF(rect).adjusted(inset, inset, -inset, -inset), kRadius, kRadius);
     painter_.setPen(Qt::NoPen);
@@ -337,6 +342,12 @@ QString BegunBy(const QKeyEvent& event) {
     const QString text = event.text();
     if (text.isEmpty() || text.front().isSpace()) return {};
     return text.front().isPrint() || text.front().isSurrogate() ? text : QString();
+}
+
+void ShowTip(const QPoint& at, const EntryLook& look, QWidget* view) {
+    // Left to itself the toolkit takes what looks like a tag for one, and does not break the lines of the
+    // rest.
+    QToolTip::showText(at, Qt::convertFromPlainText(look.tip, Qt::WhiteSpaceNormal), view);
 }
 
 void DropTip() {

@@ -39,6 +39,9 @@ enum class DropKind : std::uint8_t { Move, Resize, Copy };
 /// An entry in words for a screen reader: "Tue 5, 09:00-10:00 Dentist, repeats, reminder".
 QString SpokenWords(const EntryLook& look, const QString& day);
 
+/// The ground of an entry of a tint (`kit::CategoryTint`).
+QColor EntryGround(int tint, bool chosen, const QPalette& palette);
+
 /// The colours of a table of days on a palette.
 struct TableInks {
     explicit TableInks(const QPalette& palette);
@@ -94,6 +97,8 @@ class EntryPopup final : public QFrame {
 
 /// What a key typed, where it may begin a subject; else nothing.
 QString BegunBy(const QKeyEvent& event);
+/// The whole of an entry beside the pointer, as it was written and in lines of a readable length.
+void ShowTip(const QPoint& at, const EntryLook& look, QWidget* view);
 /// Takes the tooltip of a view away at once, with its text.
 void DropTip();
 

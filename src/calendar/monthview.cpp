@@ -6,7 +6,6 @@
 #include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -148,7 +147,8 @@ MonthView::Hit MonthView::HitAt(const QPoint& at) const {
 }
 
 void MonthView::mousePressEvent(QMouseEvent* event) {
-    // Another button takes a drag back, as Esc does.
+    // Another button takes a drag back, as Esc does, and means no more than that.
+    quiet_ = grabbed_.has_value() && event->button() == Qt::RightButton;
     if (grabbed_) return EndDrag();
     const Hit hit = HitAt(event->position().toPoint());
     const bool left = event->button() == Qt::LeftButton;
@@ -207,6 +207,9 @@ void MonthView::mouseDoubleClickEvent(QMouseEvent* event) {
     const Hit hit = HitAt(event->position().toPoint());
     EndDrag();
     if (event->button() != Qt::LeftButton || hit.cell < 0 || hit.more) return;
+    // The first click may have moved what lies here.
+    marked_ = hit.cell;
+    Choose(hit.entry);
     if (hit.entry) return emit OpenWanted(*hit.entry);
     if (hit.number) return emit DayWanted(hit.cell);
     emit NewWanted({});
@@ -316,6 +319,7 @@ void MonthView::MenuByKey() {
 void MonthView::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
     EndDrag();
+    if (std::exchange(quiet_, false)) return;
     if (event->reason() == QContextMenuEvent::Keyboard) return MenuByKey();
     if (CellAt(mapFromGlobal(event->globalPos())) >= 0) emit MenuWanted(event->globalPos());
 }
@@ -329,7 +333,7 @@ bool MonthView::event(QEvent* event) {
     const auto* help = static_cast<QHelpEvent*>(event);
     const Hit hit = HitAt(help->pos());
     if (hit.entry && !dragging_)
-        QToolTip::showText(help->globalPos(), looks_[*hit.entry].tip, this);
+        ShowTip(help->globalPos(), looks_[*hit.entry], this);
     else
         DropTip();
     return true;

@@ -113,7 +113,8 @@ class MonthView final : public QWidget {
     int over_ = -1;  ///< the cell over which an entry is dragged
     bool dragging_ = false;
     bool copying_ = false;
-    int wheel_ = 0;  ///< parts of a notch
+    bool quiet_ = false;  ///< the button that asks for a menu has taken a drag back
+    int wheel_ = 0;       ///< parts of a notch
     QPointer<EntryPopup> list_;
 };
 

@@ -7,7 +7,6 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QTimer>
-#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -365,7 +364,8 @@ void WeekView::focusOutEvent(QFocusEvent* event) {
 }
 
 void WeekView::mousePressEvent(QMouseEvent* event) {
-    // Another button takes a drag back, as Esc does.
+    // Another button takes a drag back, as Esc does, and means no more than that.
+    quiet_ = drag_ != Drag::None && event->button() == Qt::RightButton;
     if (drag_ != Drag::None) return EndDrag();
     const QPoint at = event->position().toPoint();
     Hit hit = HitAt(at);
@@ -507,6 +507,8 @@ void WeekView::mouseDoubleClickEvent(QMouseEvent* event) {
     EndDrag();
     if (event->button() != Qt::LeftButton || hit.heading || hit.margin || Days() == 0) return;
     if (!hit.listed.empty()) return;
+    // The first click may have moved what lies here.
+    Take(hit.entry, hit.entry ? SpanOf(*hit.entry) : hit.at);
     if (hit.entry) return emit OpenWanted(*hit.entry);
     emit NewWanted({});
 }
@@ -536,6 +538,7 @@ void WeekView::MenuByKey() {
 void WeekView::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
     EndDrag();
+    if (std::exchange(quiet_, false)) return;
     if (event->reason() == QContextMenuEvent::Keyboard) return MenuByKey();
     const QPoint at = viewport()->mapFromGlobal(event->globalPos());
     if (at.y() >= heading_ && at.x() >= margin_) emit MenuWanted(event->globalPos());
@@ -554,7 +557,7 @@ bool WeekView::viewportEvent(QEvent* event) {
     const auto* help = static_cast<QHelpEvent*>(event);
     const Hit hit = HitAt(help->pos());
     if (hit.entry && drag_ == Drag::None)
-        QToolTip::showText(help->globalPos(), looks_[*hit.entry].tip, viewport());
+        ShowTip(help->globalPos(), looks_[*hit.entry], viewport());
     else
         DropTip();
     return true;
@@ -644,7 +647,7 @@ void WeekView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (event->modifiers().testFlag(Qt::AltModifier)) {
-        if (!MoveChosen(*event)) QAbstractScrollArea::keyPressEvent(event);
+        if (!MoveChosen(*event)) event->ignore();
         return;
     }
     switch (event->key()) {

@@ -197,6 +197,7 @@ class WeekView final : public QAbstractScrollArea {
     Hit grabbed_;
     DaySpan txtMove_;  ///< where the frame of a drag stands
     bool copying_ = false;
+    bool quiet_ = false;  ///< the button that asks for a menu has taken a drag back
     QTimer* tmrScrolldelay;
     QPointer<EntryPopup> list_;
 };

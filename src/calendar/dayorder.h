@@ -39,8 +39,8 @@ extern const store::DayOrder kDayOrder;
 /// The start that a row's fT1 tells, deciphered but not trimmed; nothing where it is none.
 std::optional<Minutes> StartOf(std::string_view plain);
 
-/// Rows that break the promise, in reading order: the fPK of each that stands before an earlier start of its
-/// day. For `bmr check`.
+/// Rows that break the promise, in reading order: the fPK of each that begins earlier than the row before it
+/// on its day. For `bmr check`.
 std::vector<std::int32_t> FindDisorder(store::Session& session);
 
 }  // namespace bmr::calendar

@@ -25,7 +25,7 @@ struct ReachOffer {
     bool thisOne = false;
     bool thisAndLater = false;
     bool all = false;
-    std::string why;  ///< in words, for what is not offered
+    std::string why = {};  ///< in words, for what is not offered
 
     bool Offers(Reach reach) const {
         return reach == Reach::This ? thisOne : reach == Reach::ThisAndLater ? thisAndLater : all;

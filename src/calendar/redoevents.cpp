@@ -11,6 +11,7 @@ namespace {
 constexpr std::int32_t kMostCountKept = 10;
 constexpr std::int32_t kFirstCount = 5;
 constexpr std::int32_t kMostTyped = 255;
+constexpr int kWeeksBox = 0;
 constexpr int kAlternativeBox = 3;
 
 void Recalc(RedoState& state, const LocaleFacts& locale, const SeriesVoice& voice) {
@@ -27,6 +28,12 @@ void Recalc(RedoState& state, const LocaleFacts& locale, const SeriesVoice& voic
 
 bool InMonths(const RedoState& state) {
     return state.frequency >= 3;
+}
+
+void Choose(RedoState& state, int frequency, int alternative) {
+    state.frequency = frequency;
+    state.alternative = alternative;
+    state.kind = static_cast<int>(KindOf(frequency, alternative));
 }
 
 void MoveStart(RedoState& state, Day start, const LocaleFacts& locale) {
@@ -49,15 +56,14 @@ void MoveStart(RedoState& state, Day start, const LocaleFacts& locale) {
 }  // namespace
 
 void ChooseFrequency(RedoState& state, int frequency, const LocaleFacts& locale, const SeriesVoice& voice) {
-    state.frequency = frequency;
-    state.kind = static_cast<int>(KindOf(frequency, state.alternative));
+    Choose(state, frequency, state.alternative);
     Recalc(state, locale, voice);
 }
 
 void ChooseAlternative(RedoState& state, int alternative, const LocaleFacts& locale,
                        const SeriesVoice& voice) {
-    state.alternative = alternative;
-    ChooseFrequency(state, state.frequency, locale, voice);
+    Choose(state, state.frequency, alternative);
+    Recalc(state, locale, voice);
 }
 
 void ChooseEndMode(RedoState& state, int mode, const LocaleFacts& locale, const SeriesVoice& voice) {
@@ -88,6 +94,7 @@ void SetEndDate(RedoState& state, Day end, const LocaleFacts& locale, const Seri
 void SetInterval(RedoState& state, int box, std::int32_t interval, const LocaleFacts& locale,
                  const SeriesVoice& voice) {
     (box == kAlternativeBox ? state.intervalAlt : state.interval) = std::max(interval, 1);
+    if (box != kWeeksBox) Choose(state, state.frequency, box == kAlternativeBox ? 1 : 0);
     Recalc(state, locale, voice);
 }
 
@@ -116,16 +123,19 @@ void SetDate(RedoState& state, Day date, const LocaleFacts& locale, const Series
 }
 
 void SetNth(RedoState& state, int nth, const LocaleFacts& locale, const SeriesVoice& voice) {
+    Choose(state, state.frequency, 1);
     state.nth = nth;
     Recalc(state, locale, voice);
 }
 
 void SetNthWeekday(RedoState& state, int weekday, const LocaleFacts& locale, const SeriesVoice& voice) {
+    Choose(state, state.frequency, 1);
     state.weekday = weekday;
     Recalc(state, locale, voice);
 }
 
 void SetMonth(RedoState& state, int month, const LocaleFacts& locale, const SeriesVoice& voice) {
+    Choose(state, state.frequency, 1);
     state.month = month;
     Recalc(state, locale, voice);
 }

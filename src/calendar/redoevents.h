@@ -23,7 +23,7 @@ void ChooseEndMode(RedoState& state, int mode, const LocaleFacts& locale, const 
 void SetCount(RedoState& state, std::int32_t count, const LocaleFacts& locale, const SeriesVoice& voice);
 /// `ctlDateEndRedo`
 void SetEndDate(RedoState& state, Day end, const LocaleFacts& locale, const SeriesVoice& voice);
-/// `QQ`: box 3 is that of the n-th weekday of every n-th month.
+/// `QQ`: 0 weeks, 1 days, 2 months, 3 months of the n-th weekday. The last three choose their alternative.
 void SetInterval(RedoState& state, int box, std::int32_t interval, const LocaleFacts& locale,
                  const SeriesVoice& voice);
 /// `RedoWD`, from 0. False, with nothing changed, when no day would be left (Msg 10).
@@ -34,7 +34,7 @@ void SetInterval(RedoState& state, int box, std::int32_t interval, const LocaleF
 void SetStart(RedoState& state, Day start, const LocaleFacts& locale, const SeriesVoice& voice);
 /// `ctlDate`: the series begins there too. Without a recurrence a later one will.
 void SetDate(RedoState& state, Day date, const LocaleFacts& locale, const SeriesVoice& voice);
-/// `cboRedoWhen`, `cboRedoWeekday`, `cboRedoMonth`; all from 1.
+/// `cboRedoWhen`, `cboRedoWeekday`, `cboRedoMonth`; all from 1. They choose their alternative.
 void SetNth(RedoState& state, int nth, const LocaleFacts& locale, const SeriesVoice& voice);
 void SetNthWeekday(RedoState& state, int weekday, const LocaleFacts& locale, const SeriesVoice& voice);
 void SetMonth(RedoState& state, int month, const LocaleFacts& locale, const SeriesVoice& voice);

@@ -92,10 +92,12 @@ void DateEdit::Show() {
 }
 
 void DateEdit::Take(std::optional<Day> date) {
+    const auto given = date;
     if (date) date = std::clamp(*date, first_, last_);
     const bool changed = date != date_;
     date_ = date;
     Show();
+    if (given) emit Given(*given);  // behind Show: a box that it opens takes the focus, and the line is told
     emit Edited();
     if (changed) emit DateChanged(date_);
 }

@@ -43,6 +43,8 @@ class DateEdit final : public QWidget {
   signals:
     /// The person changed the date, or switched it on or off.
     void DateChanged(std::optional<bmr::Day> date);
+    /// The person gave a date, which may lie beyond the range; comes before `DateChanged`.
+    void Given(bmr::Day date);
     /// What was typed is no date. It stays in the line until it is mended.
     void NotUnderstood(const QString& typed);
     /// A key changed the line, or the date changed: what was said of the line holds no longer.

@@ -57,8 +57,11 @@ TEST(RedoEvents, CountAndLastDayFollowEachOther) {
     SetInterval(state, 2, 2, kMondays, {});
     EXPECT_EQ(IsoDate(state.end), "2027-05-05");
     SetInterval(state, 3, 7, kMondays, {});
-    EXPECT_EQ(IsoDate(state.end), "2027-05-05") << "box 3 is the other alternative's";
-    EXPECT_EQ(state.intervalAlt, 7);
+    EXPECT_EQ(state.kind, 5) << "box 3 is the other alternative's";
+    EXPECT_EQ(IsoDate(state.end), "2028-03-07");
+    SetInterval(state, 2, 2, kMondays, {});
+    EXPECT_EQ(state.kind, 4);
+    EXPECT_EQ(IsoDate(state.end), "2027-05-05");
     SetEndDate(state, On("2027-08-01"), kMondays, {});
     EXPECT_EQ(state.endMode, RedoEnd::Date);
     EXPECT_EQ(state.count, 3) << "seven whole months by twos";

@@ -292,7 +292,8 @@ DaySpan WeekView::SlotAt(const QPoint& at) const {
     while (day + 1 < Days() && at.x() >= DayRect(day + 1).left())
         ++day;
     if (at.y() < GridTop()) return WholeDay(day);
-    const GridGeometry grid{.zoom = double{1} * hour_ / kFirstHour};
+    GridGeometry grid;
+    grid.zoom = double{1} * hour_ / kFirstHour;
     const double y = (at.y() - GridTop() + verticalScrollBar()->value()) * kUnits;
     const std::int32_t start = std::min(MinuteAt(y, grid, kStep), kDay - kStep);
     return {day, start, start + kStep, false};

@@ -169,6 +169,8 @@ class WeekView final : public QAbstractScrollArea {
     void PaintStrip(QPainter& painter) const;
     void PaintGrid(QPainter& painter) const;
     void PaintHours(QPainter& painter) const;
+    /// Being moved or sized: still seen where it was, but paler.
+    bool Leaving(std::size_t entry) const;
     void PaintBoxes(QPainter& painter, const QRect& within) const;
     void PaintNow(QPainter& painter) const;
     void PaintDrag(QPainter& painter) const;

@@ -76,8 +76,10 @@ void WeekView::PaintStrip(QPainter& painter) const {
         const int shown = StripShown(day);
         for (int row = 0; row < shown; ++row) {
             const std::size_t entry = all[static_cast<std::size_t>(row)];
+            painter.setOpacity(Leaving(entry) ? 0.5 : 1);
             entries.Box(StripRow(day, row), looks_[entry], chosen_ == entry);
         }
+        painter.setOpacity(1);
         if (const std::size_t hidden = all.size() - static_cast<std::size_t>(shown); hidden > 0)
             entries.More(StripRow(day, shown), hidden, false);
     }
@@ -147,14 +149,16 @@ void WeekView::PaintHours(QPainter& painter) const {
     painter.setFont(font());
 }
 
+bool WeekView::Leaving(std::size_t entry) const {
+    return (drag_ == Drag::Moving || drag_ == Drag::Sizing) && !copying_ && grabbed_.entry == entry;
+}
+
 void WeekView::PaintBoxes(QPainter& painter, const QRect& within) const {
     EntryPainter entries(painter, palette(), font());
-    const bool leaves = (drag_ == Drag::Moving || drag_ == Drag::Sizing) && !copying_;
     for (const DayBox& box : appo_) {
         const QRect rect = RectOf(box);
         if (!rect.intersects(within)) continue;
-        // What is being moved is still seen where it was, but fades.
-        painter.setOpacity(leaves && grabbed_.entry == box.entry ? 0.5 : 1);
+        painter.setOpacity(Leaving(box.entry) ? 0.5 : 1);
         entries.Box(rect, looks_[box.entry], chosen_ == box.entry);
     }
     painter.setOpacity(1);
@@ -189,8 +193,14 @@ void WeekView::PaintDrag(QPainter& painter) const {
         QString::fromStdString(EntryTimes(Minutes{txtMove_.start}, Minutes{txtMove_.end}, look.allDay));
     look.from = look.time.section('-', 0, 0);
     EntryPainter entries(painter, palette(), font());
-    for (const QRect& rect : RectsOf(txtMove_))
-        entries.Box(rect.adjusted(2, 1, -2, -1), look, true);
+    if (txtMove_.allDay) {
+        const auto& below = appoD_[static_cast<std::size_t>(txtMove_.day)];
+        const int row = std::min(static_cast<int>(below.size()), stripRows_ - 1);
+        entries.Box(StripRow(txtMove_.day, row), look, true);
+    } else {
+        for (const QRect& rect : RectsOf(txtMove_))
+            entries.Box(rect.adjusted(2, 1, -2, -1), look, true);
+    }
     painter.restore();
 }
 

@@ -413,6 +413,7 @@ void frmMDI::mnuToolsPreferences_Click() {
         if (session_.ending) return;
         if (form.fatal) return QuitProgram();
         ShowLocks();  // a change of the passphrase, too, has changed what asks for the PIN
+        if (stored && form_) form_->Refresh();  // the calendar's hours, for one
         if (stored) emit PreferencesStored();
     });
 }

@@ -61,8 +61,4 @@ void CalendarPane::Read() {
     kit::TellFailure(session_, error, tr("The tasks could not be read."));
 }
 
-void CalendarPane::Forget() {
-    model_->ForgetAll();
-}
-
 }  // namespace bmr::calendar

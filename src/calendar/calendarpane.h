@@ -26,8 +26,6 @@ class CalendarPane final : public QWidget {
 
     /// Reads the rows anew and keeps the selected one.
     void Read();
-    /// Overwrites the words that are kept.
-    void Forget();
 
   signals:
     void OpenWanted(std::int32_t key);

@@ -15,6 +15,7 @@
 #include <cmath>
 
 #include "calendar/calendarpane.h"
+#include "calendar/localenames.h"
 #include "calendar/monthview.h"
 #include "calendar/weekrule.h"
 #include "calendar/weekview.h"
@@ -29,18 +30,6 @@
 namespace bmr::calendar {
 
 namespace {
-
-CalendarNames NamesOf(const QLocale& locale) {
-    CalendarNames names;
-    for (int month = 1; month <= 12; ++month)
-        names.months[static_cast<std::size_t>(month - 1)] = locale.monthName(month).toStdString();
-    for (int day = 1; day <= 7; ++day) {
-        const auto at = static_cast<std::size_t>(day % 7);
-        names.weekdays[at] = locale.dayName(day).toStdString();
-        names.shortWeekdays[at] = locale.dayName(day, QLocale::ShortFormat).toStdString();
-    }
-    return names;
-}
 
 QString Text(const std::string& words) {
     return QString::fromStdString(words);
@@ -394,8 +383,10 @@ void frmCalendar::ChosenChanged() {
     const auto chosen = Chosen();
     chosen_.reset();
     if (chosen) chosen_ = Occurrence{EntryOf(*chosen).pk, EntryOf(*chosen).start};
-    for (QAction* action : {mnuAppoOpen, mnuAppoDelete, mnuCalendarRCAppoOpen, mnuCalendarRCAppoDelete})
+    for (QAction* action :
+         {mnuAppoOpen, mnuAppoDelete, mnuPrivate_, mnuCalendarRCAppoOpen, mnuCalendarRCAppoDelete})
         action->setEnabled(chosen.has_value());
+    mnuPrivate_->setChecked(chosen && EntryOf(*chosen).isPrivate);
     TellStatus();
 }
 

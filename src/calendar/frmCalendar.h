@@ -126,6 +126,7 @@ class frmCalendar final : public SectionForm {
     TimeSpan MarkedSpan() const;
     void OpenEntry(std::size_t look);
     void DeleteEntry(std::size_t look);
+    void MakePrivate(bool isPrivate);
     void Drop(std::size_t look, const TimeSpan& to, DropKind kind);
     void DropInWeek(std::size_t look, const DaySpan& span, DropKind kind);
     void DropInMonth(std::size_t look, int cell, DropKind kind);
@@ -169,6 +170,7 @@ class frmCalendar final : public SectionForm {
     QAction* mnuAppoDelete;
     QAction* mnuCalendarRCAppoOpen;
     QAction* mnuCalendarRCAppoDelete;
+    QAction* mnuPrivate_;
     QAction* mnuGotoToday;
     QAction* mnuPrevious;
     QAction* mnuNext;

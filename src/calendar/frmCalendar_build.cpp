@@ -37,15 +37,18 @@ void frmCalendar::BuildActions() {
         *this,
         {"mnuAppoDelete", tr("De&lete"), "edit-delete", tr("Delete"), QKeySequence(Qt::CTRL | Qt::Key_D)},
         &frmCalendar::mnuCalendarRCAppoDelete_Click);
+    mnuPrivate_ = MakeAction(*this, {"mnuAppoPrivate", tr("P&rivate"), "object-locked"});
+    mnuPrivate_->setCheckable(true);
+    connect(mnuPrivate_, &QAction::triggered, this, &frmCalendar::MakePrivate);
     mnuGotoToday = MakeAction(*this,
                               {"mnuGotoToday", tr("Go to &Today"), "go-jump-today", tr("Today"),
                                QKeySequence(Qt::CTRL | Qt::Key_T)},
                               &frmCalendar::cmdToday_Click);
-    mnuPrevious = MakeAction(
-        *this, {"mnuPrevious", tr("&Back"), "go-previous", tr("Back"), QKeySequence(Qt::ALT | Qt::Key_Left)});
+    mnuPrevious = MakeAction(*this, {"mnuPrevious", tr("&Back"), "go-previous", tr("Back"),
+                                     QKeySequence(Qt::ALT | Qt::Key_PageUp)});
     connect(mnuPrevious, &QAction::triggered, this, [this] { Step(-1); });
-    mnuNext = MakeAction(
-        *this, {"mnuNext", tr("&Forward"), "go-next", tr("Forward"), QKeySequence(Qt::ALT | Qt::Key_Right)});
+    mnuNext = MakeAction(*this, {"mnuNext", tr("&Forward"), "go-next", tr("Forward"),
+                                 QKeySequence(Qt::ALT | Qt::Key_PageDown)});
     connect(mnuNext, &QAction::triggered, this, [this] { Step(1); });
     BuildViewActions();
     mnuSidePane =
@@ -82,7 +85,7 @@ void frmCalendar::BuildViewActions() {
 void frmCalendar::BuildMenus() {
     menu_ = new QMenu(tr("&Appointment"), this);
     menu_->setObjectName("mnuAppointment");
-    menu_->addActions({mnuNewAppointment, mnuAppoOpen, mnuAppoDelete});
+    menu_->addActions({mnuNewAppointment, mnuAppoOpen, mnuAppoDelete, mnuPrivate_});
     menu_->addSeparator();
     menu_->addActions({mnuGotoToday, mnuPrevious, mnuNext});
     menu_->addSeparator();
@@ -100,6 +103,7 @@ void frmCalendar::BuildMenus() {
     };
     mnuCalendarRCAppoOpen = add("mnuCalendarRCAppoOpen", "&Open", "document-edit", mnuAppoOpen);
     mnuCalendarRCAppoDelete = add("mnuCalendarRCAppoDelete", "&Delete", "edit-delete", mnuAppoDelete);
+    mnuCalendarRC->addAction(mnuPrivate_);
     mnuCalendarRC->addSeparator();
     add("mnuCalendarRCAppoNew", "&New Appointment", "appointment-new", mnuNewAppointment);
 }

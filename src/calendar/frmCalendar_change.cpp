@@ -174,11 +174,23 @@ void frmCalendar::DeleteEntry(std::size_t look) {
     TellStepSince(before);
 }
 
+void frmCalendar::MakePrivate(bool isPrivate) {
+    const auto chosen = Chosen();
+    if (!chosen || round_.Open()) return;
+    const std::int32_t fPK = EntryOf(*chosen).pk;
+    const Minutes at = EntryOf(*chosen).start;
+    const auto before = session_.undo.lastNumber;
+    const auto outcome = HideSeveral(session_, std::vector{fPK}, isPrivate);
+    ShowChanged({.error = outcome.error, .fPK = fPK}, tr("The appointment was not stored."), at);
+    TellStepSince(before);
+}
+
 void frmCalendar::Drop(std::size_t look, const TimeSpan& to, DropKind kind) {
     if (look >= shown_.size() || round_.Open()) return;
     const Entry& entry = EntryOf(look);
     const std::int32_t fPK = entry.pk;
     const Minutes at = entry.start;
+    const bool recurring = entry.recurring;
     const auto before = session_.undo.lastNumber;
     const QString failure = tr("The appointment was not stored.");
     if (kind == DropKind::Copy) {
@@ -189,7 +201,7 @@ void frmCalendar::Drop(std::size_t look, const TimeSpan& to, DropKind kind) {
         if (session_.ending || !session_.DatabaseOpen) return;
         if (!reach) return calendarChanged();
         ShowChanged(MoveOccurrence(session_, fPK, at, to, *reach, locale_), failure,
-                    *reach == Reach::All && entry.recurring ? at : to.start);
+                    *reach == Reach::All && recurring ? at : to.start);
     }
     if (session_.DatabaseOpen && !session_.ending) TellStepSince(before);
 }

@@ -118,6 +118,7 @@ void frmCalendar::calView_Click(int Index) {
     const QSignalBlocker quiet(calView);
     calView->setCurrentIndex(Index);
     mnuView_[static_cast<std::size_t>(Index)]->setChecked(true);
+    DressTabs();
     ShowPeriod();
     MarkDate(Date());
     if (!calView->hasFocus()) View()->setFocus(Qt::OtherFocusReason);
@@ -239,9 +240,18 @@ void frmCalendar::DressDates() {
     calDate->setDateTextFormat(kit::ToQDate(today_), format);
 }
 
+void frmCalendar::DressTabs() {
+    // On a dark ground the tab that is in front would hardly stand out.
+    for (int tab = 0; tab < calView->count(); ++tab)
+        calView->setTabTextColor(
+            tab, tab == calView->currentIndex() ? kit::InkOf(kit::Ink::Accent, palette()) : QColor());
+}
+
 void frmCalendar::changeEvent(QEvent* event) {
     SectionForm::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange) DressDates();
+    if (event->type() != QEvent::PaletteChange) return;
+    DressDates();
+    DressTabs();
 }
 
 void frmCalendar::AwaitMinute() {

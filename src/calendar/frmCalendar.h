@@ -96,6 +96,7 @@ class frmCalendar final : public SectionForm {
     void ShowHeadings();
     void ShowSide();
     void DressDates();
+    void DressTabs();
     void ReadEntries();
     void ShowEntries();
     void ShowFound();

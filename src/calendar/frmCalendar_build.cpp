@@ -132,6 +132,7 @@ void frmCalendar::BuildDates() {
         calView->setTabToolTip(tab, mnuView_[i]->toolTip());
     }
     calView->setCurrentIndex(static_cast<int>(Kind()));
+    DressTabs();
     connect(calView, &QTabBar::currentChanged, this, &frmCalendar::calView_Click);
 
     AlarmTimer = new QTimer(this);

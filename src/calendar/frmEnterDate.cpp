@@ -44,7 +44,6 @@ frmEnterDate::frmEnterDate(Day date, Day today, QWidget* parent)
         tr("Single appointments go up to that day and on it. A series goes as a whole when it began before "
            "it."));
     what->setWordWrap(true);
-    what->setForegroundRole(QPalette::PlaceholderText);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QPushButton* cmdOK = buttons->button(QDialogButtonBox::Ok);
     cmdOK->setObjectName("cmdOK");

@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -66,7 +67,6 @@ frmReach::frmReach(const QString& verb, const QString& question, const ReachOffe
         why->setObjectName("lblWhy");
         why->setTextFormat(Qt::PlainText);
         why->setWordWrap(true);
-        why->setForegroundRole(QPalette::PlaceholderText);
         column->addWidget(why);
         column->addSpacing(kit::Space::Tight);
     }
@@ -77,6 +77,15 @@ frmReach::frmReach(const QString& verb, const QString& question, const ReachOffe
     kit::GiveLetters(*this);
     kit::KeepOverParent(*this);
     kit::GuardDialog(*this);
+}
+
+void frmReach::keyPressEvent(QKeyEvent* event) {
+    // There is nothing to type into: a letter alone does what it does with Alt.
+    const QKeySequence typed(Qt::ALT | static_cast<Qt::Key>(event->key()));
+    const bool plain = !(event->modifiers() & ~Qt::ShiftModifier);
+    for (auto* button : findChildren<QPushButton*>())
+        if (plain && QKeySequence::mnemonic(button->text()) == typed) return button->click();
+    QDialog::keyPressEvent(event);
 }
 
 void frmReach::Choose(Reach reach) {

@@ -23,6 +23,7 @@ class frmReach final : public QDialog {
 
   protected:
     bool focusNextPrevChild(bool next) override { return kit::StepFocus(*this, next); }
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void Choose(Reach reach);

@@ -11,6 +11,7 @@
 #include "kit/formparts.h"
 #include "kit/guards.h"
 #include "kit/overparent.h"
+#include "kit/recorddelegate.h"
 #include "kit/theme.h"
 #include "kit/words.h"
 
@@ -38,6 +39,7 @@ frmRunning::frmRunning(const std::vector<RunningSeries>& series, Day until, cons
     list_->setRootIsDecorated(false);
     list_->setUniformRowHeights(true);
     list_->setAlternatingRowColors(true);
+    list_->setItemDelegate(new kit::RecordDelegate(list_));
     for (const RunningSeries& each : series) {
         const QString subject = kit::ShowWords(each.subject);
         new QTreeWidgetItem(list_, {subject.isEmpty() ? tr("(no subject)") : subject, date(each.first),

@@ -18,9 +18,8 @@ using store::Session;
 using store::StepWords;
 using store::StoreOutcome;
 
-constexpr const char* kWholeOnAnotherDay =
-    "The whole series keeps its days: only its time can be dragged. From this day on it can go to another "
-    "one.";
+constexpr const char* kWholeOnAnotherDay = "The whole series keeps its days: only its time can be dragged.";
+constexpr const char* kLaterOnAnotherDay = " From this day on it can go to another one.";
 
 Minutes Later(Minutes from, std::int64_t by) {
     using Limits = std::numeric_limits<std::int32_t>;
@@ -288,7 +287,8 @@ ReachOffer ReachesFor(const Appointment& series, Minutes occurrence, SeriesVerb 
     offer.thisOne = tell(WhyNotWithout(*rule, day, locale));
     offer.thisAndLater = tell(WhyUncut(*rule, day, locale));
     if (offer.thisAndLater) offer.thisAndLater = tell(WhyUnmoved(*rule, day, target, locale));
-    if (target != day) offer.all = tell(kWholeOnAnotherDay);
+    if (target != day)
+        offer.all = tell(std::string(kWholeOnAnotherDay) + (offer.thisAndLater ? kLaterOnAnotherDay : ""));
     return offer;
 }
 

@@ -117,7 +117,7 @@ TEST_F(FormCalendar, ASeriesAsksHowFarAChangeReaches) {
     EXPECT_EQ(All(), (Texts{whole[0], "6 480-540 Fair", whole[2], whole[3], whole[4]}));
     ASSERT_TRUE(week->Chosen());
     back();
-    MeetReach(visitor, "cmdAll");
+    visitor.Meet("frmReach", [](QWidget& box) { QTest::keyClicks(&box, "a"); });
     Press(Qt::Key_Delete);
     EXPECT_TRUE(All().empty());
 }

@@ -406,6 +406,7 @@ void frmCalendar::MarkMoved() {
     const Day day{state_.periodStart.serial + place};
     if (day == Date() || day > state_.periodEnd) return;
     if (!InMonth() || !DateInView(day, state_)) return SetDate(WithinLimits(day));
+    if (Chosen()) return;  // what is chosen there would go out of hand
     // Another month is shown, but not between the two clicks of a double click or under a drag.
     if (QApplication::mouseButtons() == Qt::NoButton) return calDate_DateClick(day);
     otherMonth_->start(QApplication::doubleClickInterval());

@@ -281,10 +281,11 @@ TEST_F(FormCalendar, WhatCannotBeStoredStaysAsItIs) {
 
 TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {
     Visitor visitor;
+    std::vector<custody::Draft> drafts;
     visitor.Meet("frmAppointment", [&](QWidget& editor) {
         test::TypeText(Named(editor, "ctlSubject"), "half a thought");
         EXPECT_TRUE(form->Editing());
-        ASSERT_EQ(form->Drafts().size(), 1U);
+        drafts = form->Drafts();
         db.session.ending = true;
         db.session.DatabaseOpen = false;
         db.session.ProgramDb.reset();
@@ -297,6 +298,11 @@ TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {
     db.session.ending = false;
     db.Reopen();
     EXPECT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=12"), 0);
+    Open();
+    ASSERT_EQ(drafts.size(), 1U);
+    visitor.Meet("frmAppointment", [](QWidget& editor) { Click(editor, "cmdOK"); });
+    form->OpenDraft(drafts.front());
+    EXPECT_EQ(status, "1 appointment") << "what was begun is finished";
 }
 
 TEST(WeekRule, IsTheTerritorys) {

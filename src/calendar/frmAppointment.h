@@ -108,6 +108,7 @@ class frmAppointment final : public QDialog {
 
     // The time span.
     void ChangeSpan(const std::function<void(TimeSpan&)>& change);
+    static QString EndsOn(Day day);
     void ShowSpan();
     void TimeTyped(std::size_t which);
     void StepTime(std::size_t which, bool hours, int direction);

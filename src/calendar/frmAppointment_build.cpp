@@ -144,6 +144,7 @@ void frmAppointment::BuildTimes() {
     connect(ctlAllday, &QCheckBox::clicked, this, &frmAppointment::ctlAllday_Click);
     ctlDateEnd = new QLabel;
     ctlDateEnd->setObjectName("ctlDateEnd");
+    ctlDateEnd->setMinimumWidth(fontMetrics().horizontalAdvance(EndsOn(session_.ports.clock.Today()) + "  "));
     static const char* const kHours[] = {"ctlHH0", "ctlHH1", "ctlHH2"};
     static const char* const kMinutes[] = {"ctlNN0", "ctlNN1", "ctlNN2"};
     static const char* const kHourSliders[] = {"SliderHH0", "SliderHH1"};

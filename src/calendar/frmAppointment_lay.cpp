@@ -68,6 +68,16 @@ QLabel* MakeOptionLabel(const char* name, const QString& text, QRadioButton* opt
     return label;
 }
 
+/// What parts take side by side. Qt's own hint leaves out what is hidden, and the window would grow when
+/// another row comes.
+int WidthOf(std::initializer_list<QWidget*> parts) {
+    int width = 0;
+    for (const QWidget* part : parts)
+        width += part->sizeHint().boundedTo(part->maximumSize()).expandedTo(part->minimumSize()).width() +
+                 Space::Row;
+    return width;
+}
+
 void KeepRoom(QWidget& widget) {
     QSizePolicy policy = widget.sizePolicy();
     policy.setRetainSizeWhenHidden(true);
@@ -123,12 +133,15 @@ QWidget* frmAppointment::LayAlternatives() {
         "RedoFrD1", {MakeOptionLabel("lblRedoD1", tr("Every workday, Monday to Friday"), RedoAlt[1], this)});
     lblRedoM0 = MakeOptionLabel("lblRedoM0", {}, RedoAlt[0], this);
     RedoFrM[0] = Beside("RedoFrM0", {lblRedoM0, QQ[2], new QLabel(tr("month(s)"))});
-    RedoFrM[1] = Beside("RedoFrM1", {new QLabel(tr("every")), QQ[3], new QLabel(tr("month(s)"))});
+    auto* every = new QLabel(tr("every"));
+    auto* months = new QLabel(tr("month(s)"));
+    RedoFrM[1] = Beside("RedoFrM1", {every, QQ[3], months});
     lblRedoY0 = MakeOptionLabel("lblRedoY0", {}, RedoAlt[0], this);
     RedoFrY[0] = Beside("RedoFrY0", {lblRedoY0});
-    RedoFrY[1] = Beside("RedoFrY1", {new QLabel(tr("of")), cboRedoMonth});
-    nth_ =
-        Beside("", {MakeOptionLabel("lblRedoNth", tr("The"), RedoAlt[1], this), cboRedoWhen, cboRedoWeekday});
+    auto* of = new QLabel(tr("of"));
+    RedoFrY[1] = Beside("RedoFrY1", {of, cboRedoMonth});
+    QLabel* the = MakeOptionLabel("lblRedoNth", tr("The"), RedoAlt[1], this);
+    nth_ = Beside("", {the, cboRedoWhen, cboRedoWeekday});
     nth_->layout()->takeAt(nth_->layout()->count() - 1);  // what follows stands close behind
 
     RedoAltFrame = new QWidget;
@@ -148,6 +161,8 @@ QWidget* frmAppointment::LayAlternatives() {
         grid->setRowMinimumHeight(row, cboRedoWhen->sizeHint().height());
     }
     grid->setRowStretch(2, 1);
+    RedoAltFrame->setMinimumWidth(WidthOf({RedoAlt[1], the, cboRedoWhen, cboRedoWeekday}) +
+                                  qMax(WidthOf({every, QQ[3], months}), WidthOf({of, cboRedoMonth})));
     return RedoAltFrame;
 }
 
@@ -191,6 +206,7 @@ QWidget* frmAppointment::LayRedo() {
     auto* column = new QVBoxLayout(frame);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Space::Row);
+    column->addWidget(new QLabel(tr("Repeats")));
     column->addWidget(LayFrequency());
     column->addWidget(redoPages_);
     column->addWidget(LayRedoEnd());
@@ -233,6 +249,7 @@ void frmAppointment::Lay() {
     column->addWidget(foot.box);
     kit::GiveLetters(*this);
     cmdOK->setDefault(true);  // earlier it has no dialog yet, whose own default it is to be
+    resize(qMax(840, fontMetrics().averageCharWidth() * 118), fontMetrics().lineSpacing() * 38);
 }
 
 }  // namespace bmr::calendar

@@ -23,10 +23,10 @@ namespace {
 
 constexpr std::size_t kNextShown = 5;
 
-/// "Tue 05/01/2027".
+/// "Tue 05/01/2027", which stays in one line.
 QString WithWeekday(Day day, const CalendarNames& names) {
-    return QString::fromStdString(names.shortWeekdays.at(static_cast<std::size_t>(Weekday(day) - 1))) + " " +
-           kit::ShortDate(DateValue{static_cast<double>(day.serial)});
+    return QString::fromStdString(names.shortWeekdays.at(static_cast<std::size_t>(Weekday(day) - 1))) +
+           QChar(QChar::Nbsp) + kit::ShortDate(DateValue{static_cast<double>(day.serial)});
 }
 
 }  // namespace
@@ -116,7 +116,6 @@ void frmAppointment::ShowNumbers() {
 void frmAppointment::ShowRedoWords() {
     auto rule = ReadRedoRule(BuildRedoString(redo_, locale_));
     QString sentence = QString::fromStdString(RuleSentence(redo_, names_, locale_));
-    if (!rule) sentence = tr("Once.");
     if (rule) {
         sentence = sentence.left(1).toUpper() + sentence.mid(1) + ".";
         // Days that are left out so far stay so by the default answer.

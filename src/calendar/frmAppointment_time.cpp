@@ -31,6 +31,10 @@ std::int32_t Shown(const TimeSpan& span, std::size_t which) {
 
 }  // namespace
 
+QString frmAppointment::EndsOn(Day day) {
+    return tr("ends on %1").arg(kit::ShortDate(DateValue{static_cast<double>(day.serial)}));
+}
+
 void frmAppointment::ChangeSpan(const std::function<void(TimeSpan&)>& change) {
     if (filling_) return;
     const TimeSpan before = span_;
@@ -63,10 +67,7 @@ void frmAppointment::ShowSpan() {
     date_.edit->SetDate(day);
     lblWeekday_->setText(
         QString::fromStdString(names_.weekdays.at(static_cast<std::size_t>(Weekday(day) - 1))));
-    const Day last = DayOf(span_.end);
-    ctlDateEnd->setText(EndsElsewhere(span_)
-                            ? tr("on %1").arg(kit::ShortDate(DateValue{static_cast<double>(last.serial)}))
-                            : QString());
+    ctlDateEnd->setText(EndsElsewhere(span_) ? EndsOn(DayOf(span_.end)) : QString());
 }
 
 void frmAppointment::TimeTyped(std::size_t which) {

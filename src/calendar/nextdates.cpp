@@ -66,7 +66,11 @@ std::optional<GridDifference> NextGridDifference(const RedoRule& rule, Day from,
             for (const Day day : Expanded(rule, {each, MonthLast(each)}, locale))
                 if (day >= grid.first && day <= grid.last) alone.push_back(day);
         const std::vector<Day> shown = Expanded(rule, grid, locale);
-        if (shown != alone) found = GridDifference{month, Without(shown, alone), Without(alone, shown)};
+        GridDifference difference{month, Without(shown, alone), Without(alone, shown)};
+        // Only what is told of the series itself, not the days before it that a grid shows besides.
+        if (!difference.missing.empty() ||
+            (!difference.added.empty() && difference.added.back() >= DayOf(rule.first)))
+            found = std::move(difference);
         return !found && --left > 0;
     });
     return found;

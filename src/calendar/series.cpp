@@ -153,7 +153,7 @@ class Derivation {
         Day first = FirstFrom(state_.start);
         // The next month, where that is chosen, is none of a yearly series.
         if (IsInOtherMonth(first)) first = FirstFrom(first);
-        if (first != state_.start) state_.start = state_.date = first;
+        if (first != state_.start && first < kUpperLimit) state_.start = state_.date = first;
     }
 
   private:

@@ -160,6 +160,10 @@ TEST(RedoEvents, TheMonthOfAYearlySeriesIsItsOwn) {
             EXPECT_EQ(state.date, state.start) << each.start;
             EXPECT_EQ(asked, each.asked) << each.start;
         }
+    RedoState late = Begun(kYearly, 1);
+    SetStart(late, On("2069-03-05"), kMondays, {});
+    SetMonth(late, 2, kMondays, {});
+    EXPECT_EQ(IsoDate(late.start), "2069-03-05") << "no February is left";
 }
 
 TEST(RedoEvents, NumberBoxes) {

@@ -58,9 +58,11 @@ EntryLook LookOf(const Entry& entry) {
     look.subject = kit::ShowWords(entry.subject);
     const kit::WipedLetters place = kit::ShowWords(entry.location);
     const QString when = entry.allDay ? frmCalendar::tr("All day") : look.time;
-    look.tip.reserve(when.size() + look.subject.size() + place.size() + 2);  // nothing is left where it grew
+    const kit::WipedLetters notes = kit::ShowLines(entry.notes);
+    // Nothing is to be left where it grew.
+    look.tip.reserve(when.size() + look.subject.size() + place.size() + notes.size() + 3);
     look.tip += when;
-    for (const kit::WipedLetters* line : {&std::as_const(look.subject), &place})
+    for (const kit::WipedLetters* line : {&std::as_const(look.subject), &place, &notes})
         if (!line->isEmpty()) look.tip.append('\n').append(*line);
     return look;
 }

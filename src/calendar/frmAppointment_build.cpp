@@ -12,6 +12,7 @@
 #include <QRegularExpressionValidator>
 #include <QSlider>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QToolButton>
 
 #include "calendar/frmAppointment.h"
@@ -95,6 +96,7 @@ QLineEdit* frmAppointment::MakeTimeLine(const char* name, std::size_t which, boo
         box->setAccessibleName(caption);
         quickTimes_.at(hours ? 0 : 1) = box;
         line = box->lineEdit();
+        line->setAccessibleName(caption);
     } else {
         line = kit::MakeLineField(name, caption);
         line->installEventFilter(this);
@@ -171,8 +173,9 @@ void frmAppointment::BuildDuration() {
     };
     make("cmdDurationUp", "go-up", tr("Longer"), 1);
     make("cmdDurationDown", "go-down", tr("Shorter"), -1);
-    tmrDuration.setObjectName("tmrDuration");
-    connect(&tmrDuration, &QTimer::timeout, this, &frmAppointment::tmrDuration_Tick);
+    tmrDuration = new QTimer(this);
+    tmrDuration->setObjectName("tmrDuration");
+    connect(tmrDuration, &QTimer::timeout, this, &frmAppointment::tmrDuration_Tick);
 }
 
 void frmAppointment::BuildReminder() {

@@ -1,3 +1,4 @@
+#include <QAbstractItemView>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -113,6 +114,8 @@ QComboBox* frmAppointment::MakeQuickTimes(const char* name, bool hours) {
     box->setEditable(true);
     box->setInsertPolicy(QComboBox::NoInsert);
     box->setCompleter(nullptr);  // it would make 10:00 of a 1
+    box->setMaxVisibleItems(static_cast<int>(kQuickTimes.size()));
+    box->view()->setMinimumWidth(fontMetrics().horizontalAdvance("00:00") + 32);
     for (const int minutes : kQuickTimes)
         box->addItem(QString::fromStdString(TimeText(minutes)), minutes);
     box->setToolTip(hours ? tr("Alt+Down: usual times; Up and Down step by an hour")

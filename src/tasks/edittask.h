@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QWidget>
+
 #include "kit/editround.h"
 #include "tasks/task.h"
 

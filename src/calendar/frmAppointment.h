@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QTimer>
 #include <array>
 #include <functional>
 #include <optional>
@@ -25,6 +24,7 @@ class QPushButton;
 class QRadioButton;
 class QSlider;
 class QStackedWidget;
+class QTimer;
 
 namespace bmr::kit {
 class DateEdit;
@@ -164,7 +164,7 @@ class frmAppointment final : public QDialog {
     std::array<QSlider*, 2> SliderHH{};
     std::array<QSlider*, 2> SliderNN{};
     QWidget* cmdDuration = nullptr;
-    QTimer tmrDuration;
+    QTimer* tmrDuration = nullptr;
     QCheckBox* ctlAllday = nullptr;
     QCheckBox* ctlAlarmYN = nullptr;
     QComboBox* ctlAlarmAnticipate = nullptr;

@@ -137,6 +137,10 @@ void SetNthWeekday(RedoState& state, int weekday, const LocaleFacts& locale, con
 void SetMonth(RedoState& state, int month, const LocaleFacts& locale, const SeriesVoice& voice) {
     Choose(state, state.frequency, 1);
     state.month = month;
+    // Another month has no days before the start, so there is nothing to be asked.
+    const int from = MonthOf(state.start);
+    const Day first = RolledDate(YearOf(state.start) + (month < from ? 1 : 0), month, 1);
+    if (month != from && first < kUpperLimit) state.start = state.date = first;
     Recalc(state, locale, voice);
 }
 

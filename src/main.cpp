@@ -22,6 +22,7 @@
 #include "kit/qtdesktop.h"
 #include "kit/sessionevents.h"
 #include "store/session.h"
+#include "tasks/edittask.h"
 
 namespace {
 
@@ -60,7 +61,8 @@ int Run(kit::GuardedApplication& application, const app::Arguments& arguments) {
     kit::SessionEvents events;
     kit::Guards guards(*keyboard, random, clipboard);
     app::frmMDI frame({session,
-                       Forms({.copySecret = [&clipboard](const QString& secret) { clipboard.Copy(secret); }}),
+                       Forms({.copySecret = [&clipboard](const QString& secret) { clipboard.Copy(secret); },
+                              .editTask = &tasks::EditTask}),
                        {folders.documents},
                        &theme,
                        QString::fromStdString(guards.Describe()),

@@ -195,7 +195,8 @@ void frmMDI::ShowForm(std::uint8_t code) {
     connect(form_, &SectionForm::StatusChanged, status_, &QLabel::setText);
     connect(form_, &SectionForm::StatusChanged, this, &frmMDI::ShowUndo);
     if (const auto* pane = form_->Pane())
-        connect(pane, &kit::ListPane::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
+        connect(pane, &kit::ListPane::UndoWanted, form_, &SectionForm::UndoWanted);
+    connect(form_, &SectionForm::UndoWanted, this, [this] { TakeStep(store::UndoWay::Undo); });
     connect(form_, &SectionForm::SearchEnded, this, &frmMDI::EmptySearch);
     connect(form_, &SectionForm::DraftSettled, this, &frmMDI::ForgetDraft);
     stack_->addWidget(form_);
@@ -326,11 +327,14 @@ void frmMDI::ShowUndo() {
 void frmMDI::TakeStep(store::UndoWay way) {
     const std::uint8_t section = session_.SectionCode;
     kit::ListPane* pane = form_ ? form_->Pane() : nullptr;
-    if (flows_ > 0 || !pane || form_->Editing() || !store::MayTake(session_, section, way)) return;
+    if (flows_ > 0 || !form_ || form_->Editing() || !store::MayTake(session_, section, way)) return;
     const QString step = kit::StepName(*store::NextStep(session_, section, way));
     const auto outcome = store::TakeStep(session_, section, way);
     kit::TellFailure(session_, outcome.error, tr("Nothing was taken back."));
     if (outcome.error != 0 || !form_) return;
+    const QString done = (way == store::UndoWay::Undo ? tr("Undone: %1.") : tr("Done again: %1.")).arg(step);
+    const QString words = kit::StepTaken(done, outcome);
+    if (!pane) return form_->ShowTaken(outcome.keys, words);
     const int row = pane->List()->currentIndex().row();
     form_->Refresh();
     // Filter or search may hide what has come back, or the row be one of another kind.
@@ -341,8 +345,7 @@ void frmMDI::TakeStep(store::UndoWay way) {
         pane->List()->SelectKeys(outcome.keys);
     else if (pane->List()->SelectedRow() < 0)
         pane->List()->PutCursor(row);
-    const QString done = way == store::UndoWay::Undo ? tr("Undone: %1.") : tr("Done again: %1.");
-    pane->Say(kit::StepTaken(done.arg(step), outcome));
+    pane->Say(words);
     pane->setFocus(Qt::OtherFocusReason);
 }
 
@@ -410,6 +413,7 @@ void frmMDI::mnuToolsPreferences_Click() {
         if (session_.ending) return;
         if (form.fatal) return QuitProgram();
         ShowLocks();  // a change of the passphrase, too, has changed what asks for the PIN
+        if (stored && form_) form_->Refresh();  // the calendar's hours, for one
         if (stored) emit PreferencesStored();
     });
 }

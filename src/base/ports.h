@@ -51,6 +51,7 @@ struct FileRequest {
     /// Pairs in the form "Brindlemere BMR (*.bmr)|*.bmr|All Files (*.*)|*.*".
     std::string filter;
     bool mustExist = false;
+    bool addsTo = false;  ///< what a file holds already stays: nobody is asked whether to replace it
 };
 
 /// Everything that is asked of the person, or told to them.

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -15,11 +16,17 @@
 /// a day are those in the bucket of fR3, series included.
 namespace bmr::calendar {
 
-/// Place of a new start among starts in their order: behind all that are not later.
-std::size_t PlaceOfNew(std::span<const Minutes> others, Minutes start);
-/// Place of the row at `place` once it has another start: it goes towards the new time, past all rows that it
-/// must overtake and those of the same start, and stays where its start is the same.
-std::size_t PlaceOfMoved(std::span<const Minutes> all, std::size_t place, Minutes start);
+/// Gives the starts at some places of a day's order, which is told without the row in question. To read one
+/// means to decipher it, so that few are asked for, and several at once.
+using StartReader = std::function<std::vector<Minutes>(std::span<const std::size_t> places)>;
+
+/// Place of a new start among the `count` others: behind all that are not later.
+std::size_t PlaceOfNew(std::size_t count, const StartReader& others, Minutes start);
+/// Place of the row that stood at `place` and began at `before`, now that it has another start: it goes
+/// towards the new time, past all of the others that it must overtake and those of the same start, and stays
+/// where its start is the same.
+std::size_t PlaceOfMoved(std::size_t count, const StartReader& others, std::size_t place, Minutes before,
+                         Minutes start);
 
 /// `AppointmentOrderKey`: sets fR1 of a row in AddNew or Edit that begins at `start`, and rewrites the rows
 /// of the day that get another slot, each with `AE Or 2`. `before`: the start that the row had on the same
@@ -39,8 +46,8 @@ extern const store::DayOrder kDayOrder;
 /// The start that a row's fT1 tells, deciphered but not trimmed; nothing where it is none.
 std::optional<Minutes> StartOf(std::string_view plain);
 
-/// Rows that break the promise, in reading order: the fPK of each that stands before an earlier start of its
-/// day. For `bmr check`.
+/// Rows that break the promise, in reading order: the fPK of each that begins earlier than the row before it
+/// on its day. For `bmr check`.
 std::vector<std::int32_t> FindDisorder(store::Session& session);
 
 }  // namespace bmr::calendar

@@ -72,15 +72,19 @@ class Expansion {
     static constexpr std::uint8_t kMondayToFriday = 124;
 
     void AppendUnlessExcluded(Day day) {
-        if (excluded_.empty() && !rule_.excluded.empty()) {
-            excluded_ = rule_.excluded;
-            std::sort(excluded_.begin(), excluded_.end());
-        }
         const std::int32_t count = day.serial - kEpoch.serial;
         const auto found =
             std::lower_bound(excluded_.begin(), excluded_.end(), count,
                              [](DayCount each, std::int32_t wanted) { return each.count < wanted; });
         if (found == excluded_.end() || found->count != count) days_.push_back(day);
+    }
+
+    /// Those of the period, sorted: a series of many years may have left out thousands.
+    void TakeExcluded() {
+        for (const DayCount each : rule_.excluded)
+            if (const Day day = DayOf(each); day >= period_.first && day <= period_.last)
+                excluded_.push_back(each);
+        std::sort(excluded_.begin(), excluded_.end());
     }
 
     /// False once the days lie behind the period.
@@ -92,6 +96,7 @@ class Expansion {
 
     void Weekly(std::uint8_t pattern, std::int32_t interval) {
         if (interval == 0 || (pattern & ~1U) == 0) return;
+        TakeExcluded();
         const Day periodWeek = WeekStart(period_.first, firstDay_);
         const Day seriesWeek = WeekStart(first_, firstDay_);
         Day week = seriesWeek;
@@ -113,6 +118,7 @@ class Expansion {
     void Daily() {
         const std::int32_t interval = rule_.interval;
         if (interval == 0) return;
+        TakeExcluded();
         Day day = first_;
         if (first_ <= period_.first)
             day.serial = period_.first.serial + StepsToPhase(period_.first.serial - first_.serial, interval);
@@ -187,7 +193,7 @@ class Expansion {
     Day last_;
     int firstDay_;
     std::vector<Day>& days_;
-    std::vector<DayCount> excluded_;  ///< sorted, once one is looked for
+    std::vector<DayCount> excluded_;  ///< of the period, sorted
 };
 
 }  // namespace

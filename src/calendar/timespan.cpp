@@ -129,6 +129,16 @@ void MoveToDay(TimeSpan& span, Day day) {
         *minutes = Later(*minutes, by);
 }
 
+std::int32_t EndMinute(const TimeSpan& span) {
+    return EndsElsewhere(span) ? MinuteOfDay(span.end)
+                               : static_cast<std::int32_t>(Between(Midnight(span.start), span.end));
+}
+
+bool EndsElsewhere(const TimeSpan& span) {
+    const std::int64_t end = Between(Midnight(span.start), span.end);
+    return end < 0 || end > kMinutesOfDay;
+}
+
 bool IsWholeDay(Minutes start, Minutes end) {
     return MinuteOfDay(start) == 0 && Between(start, end) == kMinutesOfDay;
 }

@@ -59,6 +59,11 @@ void SetAllDay(TimeSpan& span, bool allDay);
 /// The date control: the whole span goes to `day`, its times of day and its length stay.
 void MoveToDay(TimeSpan& span, Day day);
 
+/// What the end's boxes show: the minute of the day, 24:00 for the midnight behind the start's day.
+std::int32_t EndMinute(const TimeSpan& span);
+/// Whether a date has to stand beside them: an end on another day, as it was loaded.
+bool EndsElsewhere(const TimeSpan& span);
+
 /// Whether a span runs exactly from a midnight to the next.
 bool IsWholeDay(Minutes start, Minutes end);
 

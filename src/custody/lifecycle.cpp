@@ -40,6 +40,7 @@ void ForgetDatabase(Session& session) {
     cry::WipeBytes(session.cipher.FieldPlain);
     WipeHashes(session);
     session.confidentialKind = 0;
+    session.calendarView.reset();
     session.user = CurrentUser();
     session.pin = PinRecord();
     session.settings = Settings();
@@ -238,7 +239,7 @@ int OpenFileDialog(Session& session) {
     session.DatabasePath.clear();
     FileRequest request;
     request.title = Msg(88) + " BMR Tolvane";
-    request.filter = "Brindlemere BMR (*.bmr)|*.bmr|" + Msg(87) + " (*.*)|*.*";
+    request.filter = "Brindlemere BMR (*.bmr)|*.bmr|Brindlemere archive BMA (*.bma)|*.bma|" + Msg(87) + " (*.*)|*.*";
     request.mustExist = true;
     const auto path = session.ports.prompter.AskOpenFile(request);
     if (!path || path->empty()) return MessageNumber::Cancelled;

@@ -6,51 +6,17 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QTextCharFormat>
 #include <QToolButton>
 #include <QWidgetAction>
 #include <algorithm>
 
 #include "base/shortdate.h"
+#include "kit/calendarlook.h"
 #include "kit/dateentry.h"
 #include "kit/icons.h"
 #include "kit/theme.h"
 
 namespace bmr::kit {
-
-namespace {
-
-/// A calendar whose colours come from the palette; Qt's own weekend red is fixed.
-QCalendarWidget* MakeCalendar(const QPalette& palette) {
-    auto* calendar = new QCalendarWidget;
-    calendar->setVerticalHeaderFormat(QCalendarWidget::ISOWeekNumbers);
-    calendar->setFirstDayOfWeek(QLocale().firstDayOfWeek());
-    QTextCharFormat plain;
-    plain.setForeground(palette.color(QPalette::Text));
-    for (const auto day : {Qt::Saturday, Qt::Sunday})
-        calendar->setWeekdayTextFormat(day, plain);
-    QTextCharFormat header;
-    header.setForeground(palette.color(QPalette::Text));
-    header.setBackground(palette.color(QPalette::Base));
-    calendar->setHeaderTextFormat(header);
-    const std::pair<const char*, const char*> arrows[] = {{"qt_calendar_prevmonth", "go-previous"},
-                                                          {"qt_calendar_nextmonth", "go-next"}};
-    for (const auto& [button, icon] : arrows)
-        if (auto* found = calendar->findChild<QToolButton*>(button)) found->setIcon(Icon(icon, Ink::Accent));
-    // The bar on top is drawn in the highlight colour; ours is calm.
-    if (auto* bar = calendar->findChild<QWidget*>("qt_calendar_navigationbar")) {
-        bar->setBackgroundRole(QPalette::Window);
-        for (auto* button : bar->findChildren<QToolButton*>()) {
-            QPalette ink = button->palette();
-            ink.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
-            ink.setColor(QPalette::ButtonText, palette.color(QPalette::Text));
-            button->setPalette(ink);
-        }
-    }
-    return calendar;
-}
-
-}  // namespace
 
 DateEdit::DateEdit(Day today, QWidget* parent)
     : QWidget(parent), today_(today), box_(new QCheckBox), line_(new QLineEdit), drop_(new QToolButton) {
@@ -92,7 +58,15 @@ DateEdit::~DateEdit() {
 }
 
 void DateEdit::SetDate(std::optional<Day> date) {
-    date_ = date;
+    if (date || !required_) date_ = date;
+    Show();
+}
+
+void DateEdit::SetRequired() {
+    required_ = true;
+    box_->hide();
+    setFocusProxy(line_);
+    if (!date_) date_ = today_;
     Show();
 }
 
@@ -118,10 +92,12 @@ void DateEdit::Show() {
 }
 
 void DateEdit::Take(std::optional<Day> date) {
+    const auto given = date;
     if (date) date = std::clamp(*date, first_, last_);
     const bool changed = date != date_;
     date_ = date;
     Show();
+    if (given) emit Given(*given);  // behind Show: a box that it opens takes the focus, and the line is told
     emit Edited();
     if (changed) emit DateChanged(date_);
 }
@@ -131,7 +107,7 @@ bool DateEdit::Commit() {
     const QString typed = line_->text();
     const bool emptied = typed.trimmed().isEmpty();
     const auto day = emptied ? std::nullopt : ReadDate(typed, today_, QLocale());
-    if (!emptied && !day) {
+    if ((required_ || !emptied) && !day) {
         emit NotUnderstood(typed);
         return false;
     }
@@ -178,7 +154,8 @@ void DateEdit::OpenCalendar() {
     if (!Commit() || !date_) return;
     QMenu menu(this);
     menu.setObjectName("calendarMenu");
-    QCalendarWidget* calendar = MakeCalendar(palette());
+    auto* calendar = new QCalendarWidget;
+    DressCalendar(*calendar);
     calendar->setObjectName("calendar");
     calendar->setMinimumDate(ToQDate(first_));
     calendar->setMaximumDate(ToQDate(last_));

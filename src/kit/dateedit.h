@@ -27,6 +27,8 @@ class DateEdit final : public QWidget {
     /// Sets without telling.
     void SetDate(std::optional<Day> date);
 
+    /// There is always a date: without the box, and an empty line is none.
+    void SetRequired();
     /// Dates beyond become the nearer bound.
     void SetRange(Day first, Day last);
     /// What stands beside the box, and names the parts to a screen reader.
@@ -41,6 +43,8 @@ class DateEdit final : public QWidget {
   signals:
     /// The person changed the date, or switched it on or off.
     void DateChanged(std::optional<bmr::Day> date);
+    /// The person gave a date, which may lie beyond the range; comes before `DateChanged`.
+    void Given(bmr::Day date);
     /// What was typed is no date. It stays in the line until it is mended.
     void NotUnderstood(const QString& typed);
     /// A key changed the line, or the date changed: what was said of the line holds no longer.
@@ -55,6 +59,7 @@ class DateEdit final : public QWidget {
     void Step(int days, int months);
     void OpenCalendar();
 
+    bool required_ = false;
     Day today_;
     Day first_{1};
     Day last_{73050};

@@ -3,7 +3,6 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QStackedLayout>
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include "kit/emptystate.h"
@@ -11,9 +10,9 @@
 #include "kit/formparts.h"
 #include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
+#include "kit/stepstrip.h"
 #include "kit/strip.h"
 #include "store/session.h"
-#include "store/undo.h"
 
 namespace bmr::kit {
 
@@ -25,13 +24,13 @@ ListPane::ListPane(store::Session& session, RecordListModel* model, ListParts pa
       list_(new RecordListView),
       empty_(new EmptyState),
       stack_(new QStackedLayout),
-      strip_(new Strip),
-      stripTime_(new QTimer(this)) {
+      strip_(new StepStrip(session, parts_.section, this)) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addLayout(stack_, 1);
-    column->addWidget(strip_);
+    column->addWidget(strip_->Line());
+    connect(strip_, &StepStrip::UndoWanted, this, &ListPane::UndoWanted);
     BuildRowActions();
     list_->setObjectName(parts_.name);
     list_->setAccessibleName(parts_.caption);
@@ -107,7 +106,7 @@ bool ListPane::Shows(std::int32_t key) const {
 }
 
 void ListPane::TellStatus() {
-    WithdrawStep();
+    strip_->WithdrawStep();
     if (!read_) return emit StatusChanged({});
     const int count = model_->RecordCount();
     QStringList words{count == 1 ? parts_.one : parts_.many.arg(QLocale().toString(count))};

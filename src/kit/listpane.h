@@ -14,7 +14,6 @@
 class QMenu;
 class QPushButton;
 class QStackedLayout;
-class QTimer;
 
 namespace bmr::store {
 struct Session;
@@ -27,7 +26,7 @@ class CategoryField;
 class EmptyState;
 class RecordListModel;
 class RecordListView;
-class Strip;
+class StepStrip;
 
 /// What stands in the place of a list without rows: a sentence, and what would show more.
 struct Emptiness {
@@ -128,8 +127,6 @@ class ListPane final : public QWidget {
     /// Runs a rebuild and selects what is left of `keys`, else the row that has taken the first one's place.
     void ShowAfter(const std::vector<std::int32_t>& keys, int row);
     void TellUnread(std::size_t unread);
-    /// Takes the offer back once another step is the last.
-    void WithdrawStep();
 
     store::Session& session_;
     RecordListModel* model_;
@@ -140,9 +137,7 @@ class ListPane final : public QWidget {
     RecordListView* list_;
     EmptyState* empty_;
     QStackedLayout* stack_;
-    Strip* strip_;
-    QTimer* stripTime_;
-    std::uint64_t toldStep_ = 0;  ///< number of the step that the strip offers to take back
+    StepStrip* strip_;
     QList<QAction*> rowActions_;
     QPointer<CategoryDrop> drop_;
 };

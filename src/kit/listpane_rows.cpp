@@ -1,7 +1,6 @@
 #include <QComboBox>
 #include <QLocale>
 #include <QMenu>
-#include <QTimer>
 
 #include "base/languageus.h"
 #include "base/ports.h"
@@ -15,27 +14,14 @@
 #include "kit/recordlistmodel.h"
 #include "kit/recordlistview.h"
 #include "kit/steps.h"
-#include "kit/strip.h"
+#include "kit/stepstrip.h"
 #include "kit/words.h"
 #include "store/undo.h"
 
 // What can be done with several rows of a section's list, and the line that says what was done.
 namespace bmr::kit {
 
-namespace {
-
-constexpr int kStripTime = 10'000;  ///< ms for which a step is offered to be taken back
-
-}  // namespace
-
 void ListPane::BuildRowActions() {
-    stripTime_->setSingleShot(true);
-    stripTime_->setInterval(kStripTime);
-    connect(stripTime_, &QTimer::timeout, strip_, &Strip::Clear);
-    connect(strip_, &Strip::Acted, this, [this] {
-        WithdrawStep();
-        if (toldStep_ != 0) emit UndoWanted();
-    });
     const auto* facts = store::FactsOf(parts_.section);
     if (facts->move && parts_.categories) {
         auto* menu = new QMenu(tr("Mo&ve to Category"), this);
@@ -126,29 +112,11 @@ void ListPane::ShowAfter(const std::vector<std::int32_t>& keys, int row) {
 }
 
 void ListPane::TellStep() {
-    const auto* step = store::NextStep(session_, parts_.section, store::UndoWay::Undo);
-    if (!step) return;
-    const bool may = store::MayTake(session_, parts_.section, store::UndoWay::Undo);
-    const QString done = StepDone(*step);
-    toldStep_ = step->number;
-    strip_->Say(may ? done : done + " " + tr("This cannot be undone."), Strip::Kind::Note,
-                may ? tr("Undo") : QString());
-    stripTime_->start();
-}
-
-void ListPane::WithdrawStep() {
-    if (toldStep_ == 0) return;
-    const auto* step = store::NextStep(session_, parts_.section, store::UndoWay::Undo);
-    const bool last = step && step->number == toldStep_;
-    if (last && (step->tooLarge || store::MayTake(session_, parts_.section, store::UndoWay::Undo))) return;
-    toldStep_ = 0;
-    strip_->Clear();
+    strip_->TellStep();
 }
 
 void ListPane::Say(const QString& text) {
-    toldStep_ = 0;
     strip_->Say(text);
-    stripTime_->start();
 }
 
 void ListPane::TellUnread(std::size_t unread) {

@@ -320,6 +320,7 @@ std::optional<std::filesystem::path> QtPrompter::AskFile(const FileRequest& requ
     form.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     if (!filters.isEmpty()) form.setNameFilters(filters);
     if (save) form.setDefaultSuffix(suffix);
+    form.setOption(QFileDialog::DontConfirmOverwrite, request.addsTo);
     if (form.exec() != QDialog::Accepted || Ending() || form.selectedFiles().isEmpty()) return std::nullopt;
     const QString file = form.selectedFiles().constFirst();
     folder_ = QFileInfo(file).absolutePath();

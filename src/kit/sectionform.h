@@ -15,7 +15,11 @@
 namespace bmr {
 
 namespace kit {
+class EditRound;
 class ListPane;
+}  // namespace kit
+namespace store {
+struct Session;
 }
 
 /// What the main window asks of a section's screen. A section form is made when its section is opened and
@@ -49,6 +53,10 @@ class SectionForm : public QWidget {
     /// The section's list; none where it has another face.
     virtual kit::ListPane* Pane() const { return nullptr; }
 
+    /// A step of the section was taken back, or done again: shows what stands now, chooses one of the rows of
+    /// those keys and says the words. For forms without a list; with one the main window does it.
+    virtual void ShowTaken(const std::vector<std::int32_t>&, const QString&) {}
+
     /// True while a record of the section is open in an editor.
     virtual bool Editing() const { return false; }
 
@@ -69,6 +77,8 @@ class SectionForm : public QWidget {
     void DraftSettled();
     /// The list shows all again, though the search field was not emptied.
     void SearchEnded();
+    /// The section's last step is to be taken back.
+    void UndoWanted();
     /// The words at the left of the status bar: count and selection.
     void StatusChanged(const QString& text);
 };
@@ -77,6 +87,9 @@ class SectionForm : public QWidget {
 struct FormPorts {
     /// Puts a secret into the clipboard, under its guard.
     std::function<void(const QString& secret)> copySecret;
+    /// Opens the editor of a task in the round of the form that asks. True when something was stored.
+    std::function<bool(store::Session& session, kit::EditRound& round, std::int32_t key, QWidget* parent)>
+        editTask;
 };
 
 /// The screens that the program has, by the codes of their sections.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/clock.h"
@@ -85,6 +86,8 @@ struct Session {
 
     /// The kind that was pressed when the confidential section was last left; 0 none.
     std::int32_t confidentialKind = 0;
+    /// The view in which the calendar was last left; none: the preferences tell.
+    std::optional<std::uint8_t> calendarView;
 
     // Only while a prompt is answered and the keys are loaded; wiped on every path.
     Secret PassHash;

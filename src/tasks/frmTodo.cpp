@@ -11,6 +11,7 @@
 #include "kit/recordlistview.h"
 #include "kit/strip.h"
 #include "kit/words.h"
+#include "tasks/edittask.h"
 #include "tasks/frmEditTodo.h"
 #include "tasks/todomodel.h"
 
@@ -138,7 +139,8 @@ void frmTodo::EditRecord(Task task, const custody::Draft* draft) {
     if (round_.Open() || (!task.readable && !kit::AskToOverwrite(session_, tr("task")))) return;
     for (bool another = true; another;) {
         const std::int32_t keyBefore = task.key;
-        const EditEnd end = EditAndStore(task, another, std::exchange(draft, nullptr));
+        const EditEnd end =
+            EditAndStore(session_, round_, task, another, std::exchange(draft, nullptr), this);
         if (end == EditEnd::Closed) return;
         // The editor's own door to the categories may have led to the end of the one that is shown.
         const bool there = cboCategories->Refill();
@@ -150,18 +152,6 @@ void frmTodo::EditRecord(Task task, const custody::Draft* draft) {
         if (keyBefore == store::kNewRecord) TodoList->ShowKey(task.key);
         if (another) task = ClearRecord(cboCategories->Number());
     }
-}
-
-EditEnd frmTodo::EditAndStore(Task& task, bool& another, const custody::Draft* draft) {
-    auto categories = store::FillCategories(session_, store::Section::Todo, false, true, false);
-    // While the list cannot be read, nobody knows that the task's category is gone.
-    if (store::CategoriesUnread(session_, store::Section::Todo)) categories.push_back({{}, task.category});
-    frmEditTodo editor(session_, RecordToEditor(task, categories), task.key, this);
-    return round_.EditUntilStored(editor, draft, tr("The task was not stored."), [&] {
-        another = std::exchange(editor.another, false);
-        EditorToRecord(editor.Values(), task);
-        return WriteRecord(session_, task).error;
-    });
 }
 
 void frmTodo::AddQuickly() {

@@ -76,8 +76,6 @@ class frmTodo final : public SectionForm {
 
     /// With a draft the editor comes up filled with it.
     void EditRecord(Task task, const custody::Draft* draft = nullptr);
-    /// One round of the editor; `another` when a new task is to follow.
-    kit::EditEnd EditAndStore(Task& task, bool& another, const custody::Draft* draft);
     std::optional<std::int32_t> Selected() const;
     int ReadTasks(const QString& search);
     kit::Emptiness WhyEmpty() const;

@@ -18,6 +18,9 @@
 #include "app/frmMDI.h"
 #include "app/frmMenuDB.h"
 #include "app/helpwindow.h"
+#include "calendar/frmCalendar.h"
+#include "calendar/frmEnterDate.h"
+#include "calendar/frmReach.h"
 #include "confidential/frmClassified.h"
 #include "kit/prompter.h"
 #include "kit/recordlistview.h"
@@ -240,6 +243,9 @@ class Shortcuts : public testing::Test {
         sitting.Make();
         sitting.Close();
         SectionTable sections;
+        sections[Section::Calendar] = [](store::Session& session, QWidget* parent) {
+            return new calendar::frmCalendar(session, {}, parent);
+        };
         sections[Section::Todo] = [](store::Session& session, QWidget* parent) {
             return new tasks::frmTodo(session, parent);
         };
@@ -273,6 +279,7 @@ TEST_F(Shortcuts, TheMainWindowWithEachSection) {
     Open();
     Judge(*frame, {"In the main window"});
     const std::pair<std::uint8_t, std::vector<std::string>> sections[] = {
+        {Section::Calendar, {"In the main window", "In every section", "Calendar"}},
         {Section::Todo, {"In the main window", "In every section", "Tasks"}},
         {Section::Memo, {"In the main window", "In every section"}},
         {Section::Confidential, {"In the main window", "In every section", "Confidential"}}};
@@ -288,6 +295,15 @@ TEST_F(Shortcuts, TheEditorsAndWhatTheyOpen) {
     Trigger("mnuTodoNew");
     visitor.Meet("frmEditCategories", [](QWidget& editor) { JudgeDialog(editor, {"Categories"}); });
     test::Click(*frame, "cmdEditCat");
+
+    frame->optSection_Click(Section::Calendar);
+    visitor.Meet("frmAppointment", [](QWidget& editor) { JudgeDialog(editor, {"In an editor"}); });
+    Trigger("mnuNewAppointment");
+    visitor.Meet("frmEnterDate", [](QWidget& dialog) { JudgeDialog(dialog); });
+    Trigger("mnuArchive");
+    calendar::frmReach reach("Move", "?", {true, true, true, {}});
+    reach.show();
+    Judge(reach);
 
     frame->optSection_Click(Section::Memo);
     sitting.prompter.inputs = {"Garden"};

@@ -7,6 +7,8 @@
 #include <QPushButton>
 
 #include "app/frmMDI.h"
+#include "calendar/appointment.h"
+#include "calendar/frmCalendar.h"
 #include "confidential/frmClassified.h"
 #include "custody/lifecycle.h"
 #include "kit/recordlistview.h"
@@ -61,6 +63,9 @@ class TabRing : public testing::Test {
         EXPECT_EQ(confidential::WriteRecord(sitting.session, record), 0);
         sitting.Close();
         SectionTable table;
+        table[Section::Calendar] = [](store::Session& s, QWidget* p) {
+            return new calendar::frmCalendar(s, {}, p);
+        };
         table[Section::Todo] = [](store::Session& s, QWidget* p) { return new tasks::frmTodo(s, p); };
         table[Section::Memo] = [](store::Session& s, QWidget* p) { return new notes::frmNotepad(s, p); };
         table[Section::Confidential] = [](store::Session& s, QWidget* p) {
@@ -92,6 +97,9 @@ TEST_F(TabRing, GoesThroughTheWindowWithEachSection) {
     ExpectRing(*frame, {"txtSearch", "optSection15", "cmdFold", "cboCategories", "cmdEditCat",
                         "ShowCompleted", "empty_mnuTodoNew", "empty_showCompleted", "stripAction",
                         "stripClose", "txtQuickAdd", "cmdAdd", "cmdShowPrivate"});
+    frame->optSection_Click(Section::Calendar);
+    ExpectRing(*frame, {"txtSearch", "optSection12", "cmdFold", "cmdPrevious", "cmdToday", "cmdNext",
+                        "cmdWeek", "calView", "qt_calendar_calendarview", "calFrame", "cmdShowPrivate"});
     frame->optSection_Click(Section::Memo);
     ExpectRing(*frame, {"txtSearch", "optSection14", "cmdFold", "cboCategories", "cmdEditCat", "listSelect",
                         "cmdAdd", "cmdEdit", "cmdDelete", "txtInput", "cmdShowPrivate"});

@@ -174,13 +174,44 @@ TEST_F(Appointments, WhatIsNoAppointmentOfOursStaysAsItIs) {
     EXPECT_NE(outcome.fPK, 4711);
 }
 
+StartReader ReaderOf(const std::vector<Minutes>& starts, std::size_t& asked) {
+    return [&](std::span<const std::size_t> places) {
+        asked += places.size();
+        std::vector<Minutes> read;
+        for (const std::size_t place : places)
+            read.push_back(starts.at(place));
+        return read;
+    };
+}
+
 TEST(DayOrder, KnownPlaces) {
     for (const auto& c : CalendarVectors("OrderPosition")) {
         const Minutes start{c.at("newStart")};
-        const std::size_t place = c.contains("place")
-                                      ? PlaceOfMoved(MinutesFrom(c.at("allStarts")), c.at("place"), start)
-                                      : PlaceOfNew(MinutesFrom(c.at("otherStarts")), start);
+        std::vector<Minutes> starts = MinutesFrom(c.at(c.contains("place") ? "allStarts" : "otherStarts"));
+        std::size_t place = 0;
+        std::size_t asked = 0;
+        if (c.contains("place")) {
+            const std::size_t old = c.at("place");
+            const Minutes before = starts[old];
+            starts.erase(starts.begin() + static_cast<std::ptrdiff_t>(old));
+            place = PlaceOfMoved(starts.size(), ReaderOf(starts, asked), old, before, start);
+        } else {
+            place = PlaceOfNew(starts.size(), ReaderOf(starts, asked), start);
+        }
         EXPECT_EQ(place, c.at("out").at("position")) << c;
+    }
+}
+
+TEST(DayOrder, APlaceAmongManyIsFoundByALookAtFew) {
+    std::vector<Minutes> starts;
+    for (std::int32_t i = 0; i < 1000; ++i)
+        starts.push_back({i / 3 * 4});
+    for (std::int32_t minute = -1; minute <= 1333; ++minute) {
+        const auto wanted = static_cast<std::size_t>(
+            std::ranges::count_if(starts, [minute](Minutes each) { return each.count <= minute; }));
+        std::size_t asked = 0;
+        ASSERT_EQ(PlaceOfNew(starts.size(), ReaderOf(starts, asked), {minute}), wanted);
+        EXPECT_LE(asked, 24U);
     }
 }
 

@@ -7,7 +7,10 @@
 #include <random>
 
 #include "calendar/months.h"
+#include "calendar/series.h"
+#include "calendar/seriessplit.h"
 #include "support/calendar.h"
+#include "support/random.h"
 
 namespace bmr::calendar {
 namespace {
@@ -170,13 +173,37 @@ TEST(Recurrence, NoDamagedStringTakesLongOrLeavesItsPeriod) {
             ASSERT_LE(DayOf(minutes.back()), period.last) << ToHex(text);
         }
     EXPECT_GT(strings, 6000U);
-    Bytes text;
-    for (std::size_t length = 0; length <= 40; ++length, text += '\1') {
-        std::vector<Minutes> minutes;
-        ExpandRecurrence({0}, MidnightOf({45000}), 0, text, locale, minutes);
-        EXPECT_EQ(ReadRedoRule(text).has_value(), length >= 7 && length % 2 == 1) << length;
-        EXPECT_TRUE(length % 2 == 1 || minutes.empty()) << length;
-    }
+}
+
+TEST(Recurrence, NoiseOfAnyLengthIsBorneEverywhere) {
+    const LocaleFacts locale = WeekFrom(2);
+    std::mt19937 engine(40);
+    std::size_t series = 0;
+    for (std::size_t length = 0; length <= 40; ++length)
+        for (int round = 0; round < 250; ++round) {
+            Bytes text;
+            while (text.size() < length)
+                text += static_cast<char>(engine());
+            const auto rule = ReadRedoRule(text);
+            std::vector<Minutes> minutes;
+            ExpandRecurrence(MidnightOf({44000}), MidnightOf({48000}), 0, text, locale, minutes);
+            ASSERT_TRUE(rule || minutes.empty()) << ToHex(text);
+            ASSERT_TRUE(!rule || (length >= 7 && length % 2 == 1)) << ToHex(text);
+            // The editor reads it, and gives back what nobody changed.
+            RedoState state = ParseRedoString(text, {45000}, locale);
+            ASSERT_EQ(state.frequency != 0, rule.has_value()) << ToHex(text);
+            test::SeededRandom random;
+            if (rule) ASSERT_EQ(ToHex(StringToStore(state, text, locale, random)), ToHex(text));
+            // What is asked of it from the grid is answered: a day that is left out is gone, and no other.
+            if (!rule || minutes.empty()) continue;
+            ++series;
+            const Day day = DayOf(minutes.front());
+            if (!WhyNotWithout(*rule, day, locale).empty()) continue;
+            const SeriesParts parts = WithoutDay(*rule, day, locale);
+            for (const auto* part : {&parts.before, &parts.after})
+                EXPECT_FALSE(*part && IsOfSeries(**part, day, locale)) << ToHex(text);
+        }
+    EXPECT_GT(series, 500U);
 }
 
 }  // namespace

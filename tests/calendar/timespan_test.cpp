@@ -69,6 +69,15 @@ TEST(EditorSpan, TypingIsCutAt24AndNeverEndsBeforeItBegins) {
     ExpectSpan(span, 660, 1440);
 }
 
+TEST(EditorSpan, AnEndOnAnotherDayIsTold) {
+    const std::pair<std::int32_t, std::int32_t> ends[] = {
+        {600, 600}, {1440, 1440}, {1441, 1}, {2880, 0}, {-5, 1435}};
+    for (const auto& [end, shown] : ends) {
+        EXPECT_EQ(EndMinute(Span(540, end)), shown);
+        EXPECT_EQ(EndsElsewhere(Span(540, end)), end != shown) << end;
+    }
+}
+
 TEST(EditorSpan, TheDurationsButtonStepsOnItsGrid) {
     TimeSpan span = Span(540, 547);
     StepDuration(span, 1);

@@ -1,9 +1,18 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <random>
+#include <tuple>
 #include <vector>
 
+#include "base/errors.h"
+#include "calendar/appointment.h"
+#include "calendar/dayorder.h"
+#include "calendar/months.h"
+#include "calendar/redowords.h"
+#include "calendar/rowcheck.h"
+#include "calendar/serieschange.h"
 #include "confidential/confidential.h"
 #include "main_shared.h"
 #include "notes/memo.h"
@@ -13,18 +22,25 @@
 #include "store/undo.h"
 
 /// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
-/// memos and confidential records by the functions of their sections, takes such steps back and does them
-/// again, all in random order, then reads every one and compares it with what was stored. What the whole file
-/// looks like afterwards is for `bmr check` to say.
+/// memos, confidential records and appointments by the functions of their sections, single days of series and
+/// later ones too, takes such steps back and does them again, all in random order, then reads every one and
+/// compares it with what was stored. What the whole file looks like afterwards is for `bmr check` to say.
 namespace {
 
 using namespace bmr;
+using calendar::Appointment;
+using calendar::Minutes;
+using calendar::Reach;
 using confidential::Record;
 using notes::Memo;
 using tools::Failure;
 
 constexpr int kOperationsInATransaction = 500;
 constexpr std::int32_t kCategories = 6;
+constexpr Day kFirstDay{46388};  // 1 January 2027
+constexpr int kDays = 120;       ///< on which appointments begin
+constexpr int kMonths = 30;      ///< in which series are compared day by day
+constexpr std::size_t kMostAppointments = 1500;
 
 struct Options {
     std::filesystem::path file;
@@ -73,11 +89,14 @@ class Player {
         for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
             if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
                 throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
+        CompareAppointments();
     }
 
     std::string Counts() const {
         return std::to_string(memos_.records.size()) + " memos, " + std::to_string(records_.records.size()) +
-               " records, " + std::to_string(taken_) + " steps back or forth";
+               " records, " + std::to_string(appointments_.records.size()) + " appointments, " +
+               std::to_string(taken_) + " steps back or forth, " + std::to_string(reached_) +
+               " changes of series";
     }
 
   private:
@@ -101,11 +120,15 @@ class Player {
     }
     /// What a step made of one record: it was so, or not there, and is so, or gone.
     template <class T>
-    struct Step {
-        std::uint64_t number;
+    struct Change {
         std::int32_t key;
         std::optional<T> before;
         std::optional<T> after;
+    };
+    template <class T>
+    struct Step {
+        std::uint64_t number;
+        std::vector<Change<T>> changes;
     };
     template <class T>
     struct Steps {
@@ -121,11 +144,19 @@ class Player {
         if (one) all.push_back(*one);
     }
     template <class T>
-    void Did(Steps<T>& steps, std::int32_t key, std::optional<T> before, std::optional<T> after) {
-        Put(steps.records, key, after);
+    void Did(Steps<T>& steps, std::vector<Change<T>> changes) {
+        for (const Change<T>& change : changes)
+            Put(steps.records, change.key, change.after);
         const auto* step = store::NextStep(session_, steps.section, store::UndoWay::Undo);
-        steps.done.push_back({step->number, key, std::move(before), std::move(after)});
+        if (step == nullptr || step->rows != changes.size()) throw Failure("a step has other rows");
+        steps.done.push_back({step->number, std::move(changes)});
         steps.undone.clear();
+    }
+    template <class T>
+    void Did(Steps<T>& steps, std::int32_t key, std::optional<T> before, std::optional<T> after) {
+        std::vector<Change<T>> changes;
+        changes.push_back({key, std::move(before), std::move(after)});
+        Did(steps, std::move(changes));
     }
     template <class T>
     void Remove(Steps<T>& steps) {
@@ -148,12 +179,14 @@ class Player {
         if (from.empty() || from.back().number != step->number) throw Failure("another step than the last");
         const auto outcome = store::TakeStep(session_, steps.section, way);
         Check(outcome.error);
-        if (outcome.written != 1 || outcome.left != 0) throw Failure("a step was not taken back whole");
+        if (outcome.written != from.back().changes.size() || outcome.left != 0)
+            throw Failure("a step was not taken back whole");
         Step<T> taken = std::move(from.back());
         from.pop_back();
         const auto other = way == store::UndoWay::Undo ? store::UndoWay::Redo : store::UndoWay::Undo;
         taken.number = store::NextStep(session_, steps.section, other)->number;
-        Put(steps.records, taken.key, way == store::UndoWay::Undo ? taken.before : taken.after);
+        for (const Change<T>& change : taken.changes)
+            Put(steps.records, change.key, way == store::UndoWay::Undo ? change.before : change.after);
         to.push_back(std::move(taken));
         ++taken_;
     }
@@ -162,10 +195,12 @@ class Player {
     }
 
     void Operate() {
-        const int what = Draw(20);
+        const int what = Draw(30);
         if (what == 0) return GoBackAndForth(memos_);
         if (what == 1) return GoBackAndForth(records_);
-        what % 2 == 0 ? OnMemos() : OnRecords();
+        if (what == 2) return GoBackAndForth(appointments_);
+        if (what % 3 == 0) return OnMemos();
+        what % 3 == 1 ? OnRecords() : OnAppointments();
     }
 
     void OnMemos() {
@@ -197,18 +232,214 @@ class Player {
         Did(records_, record.key, old, std::optional(record));
     }
 
+    static auto Told(const Appointment& each) {
+        return std::tie(each.start, each.end, each.allDay, each.alarm, each.alarmTime, each.redoString,
+                        each.subject, each.location, each.notes, each.isPrivate);
+    }
+
+    void CompareAppointments() {
+        const auto listed = calendar::ListRecords(session_);
+        if (!listed || listed->size() != appointments_.records.size())
+            throw Failure("the appointments listed are not those stored");
+        for (const Appointment& one : appointments_.records) {
+            const auto read = calendar::FetchRecord(session_, one.key);
+            if (!read || !read->readable || Told(*read) != Told(one))
+                throw Failure("appointment " + std::to_string(one.key) + " is not what was stored");
+        }
+        if (!calendar::FindDisorder(session_).empty())
+            throw Failure("appointments out of the order of a day");
+        const auto faults = calendar::CheckRows(session_);
+        if (!faults || !faults->empty()) throw Failure("columns that do not tell what the payload says");
+    }
+
+    calendar::TimeSpan AnySpan(Day day) {
+        if (Draw(8) == 0) return calendar::AllDaySpan(day, 30);
+        const Minutes start{calendar::MidnightOf(day).count + 15 * Draw(90)};
+        return calendar::DrawnSpan(start, {start.count + 5 * Draw(30)});
+    }
+    void SetSpan(Appointment& one, const calendar::TimeSpan& span) {
+        one.start = span.start;
+        one.end = span.end;
+        one.allDay = span.allDay ? 1 : 0;
+        one.alarm = Draw(3) == 0 ? 1 : 0;
+        one.alarmTime = {one.start.count - (one.alarm != 0 ? 10 : 0)};
+    }
+
+    Appointment NewAppointment() {
+        static constexpr std::array<const char*, 10> kRules = {"day",         "3 days",
+                                                               "workday",     "2 weeks on mon,thu",
+                                                               "week on wed", "month on 15",
+                                                               "month on 28", "month on second tue",
+                                                               "year",        "year on last fri of may"};
+        const Day day{kFirstDay.serial + Draw(kDays)};
+        Appointment one;
+        SetSpan(one, AnySpan(day));
+        if (Draw(3) != 0) return one;
+        auto state = *calendar::ParseRule(kRules[static_cast<std::size_t>(Draw(10))], day, locale_);
+        state.endMode = Draw(3);
+        state.count = 1 + Draw(20);
+        state.end = {state.start.serial + Draw(400)};
+        if (state.endMode != calendar::RedoEnd::Never) calendar::RecalcRedoEnd(state, locale_);
+        one.redoString = calendar::StringToStore(state, {}, locale_, session_.ports.random);
+        calendar::TimeSpan span = calendar::DrawnSpan(one.start, one.end);
+        calendar::MoveToDay(span, state.start);
+        const std::int32_t lead = one.start.count - one.alarmTime.count;
+        one.start = span.start;
+        one.end = span.end;
+        one.alarmTime = {one.start.count - lead};
+        return one;
+    }
+
+    void OnAppointments() {
+        auto& all = appointments_.records;
+        const int what = all.empty() ? 0 : Draw(10);
+        if (what == 9 || all.size() >= kMostAppointments) return Remove(appointments_);
+        if (what >= 5) {
+            // Only what stands there now can be reached: the model has it by its key.
+            const Appointment one = Any(all);
+            return one.Recurring() ? OnSeries(one) : Drag(one);
+        }
+        std::optional<Appointment> old;
+        if (what >= 3) old = Any(all);
+        Appointment one = old ? *old : NewAppointment();
+        one.subject = Name();
+        one.notes = Draw(3) == 0 ? Text() : Words();
+        one.isPrivate = Draw(10) == 0;
+        Check(calendar::WriteRecord(session_, one).error);
+        Did(appointments_, one.key, old, std::optional(one));
+    }
+
+    void Drag(const Appointment& one) {
+        const auto span = AnySpan({kFirstDay.serial + Draw(kDays)});
+        const bool copies = Draw(3) == 0;
+        const auto outcome =
+            copies ? calendar::CopyOccurrence(session_, one.key, one.start, span)
+                   : calendar::MoveOccurrence(session_, one.key, one.start, span, Reach::All, locale_);
+        Check(outcome.error);
+        Appointment dragged = one;
+        dragged.key = outcome.fPK;
+        const std::int32_t lead = one.start.count - one.alarmTime.count;
+        const auto stored = calendar::StoredSpan(span, false, {});
+        dragged.start = stored.start;
+        dragged.end = stored.end;
+        dragged.allDay = stored.allDay ? 1 : 0;
+        dragged.alarmTime = {stored.start.count - lead};
+        if (!copies && Told(dragged) == Told(one)) return;  // it stood there already
+        Did(appointments_, dragged.key, copies ? std::nullopt : std::optional(one), std::optional(dragged));
+    }
+
+    /// One time at which an appointment is, and under which name.
+    using Shown = std::pair<Minutes, std::string>;
+    std::vector<Shown> ShownOf(const Appointment& one) const {
+        std::vector<Shown> shown;
+        std::vector<Minutes> starts;
+        if (!one.Recurring()) starts.push_back(one.start);
+        for (int month = 0; month < kMonths; ++month) {
+            const Day first = calendar::PlusMonths(kFirstDay, month);
+            calendar::ExpandRecurrence(calendar::MidnightOf(first),
+                                       calendar::MidnightOf(calendar::MonthLast(first)),
+                                       calendar::MinuteOfDay(one.start), one.redoString, locale_, starts);
+        }
+        for (const Minutes start : starts)
+            shown.emplace_back(start, one.subject);
+        return shown;
+    }
+    std::vector<std::int32_t> Keys() {
+        auto rows = session_.ProgramDb->Select("SELECT fPK FROM tt WHERE fSec=12 ORDER BY fPK");
+        if (!rows) throw Failure("the appointments cannot be listed");
+        std::vector<std::int32_t> keys;
+        while (rows->Next())
+            keys.push_back(rows->Int(0));
+        return keys;
+    }
+
+    /// Changes one day, the later ones or all, and compares what is shown now with what it should be.
+    void OnSeries(const Appointment& series) {
+        std::vector<Shown> wanted = ShownOf(series);
+        if (wanted.empty()) return;
+        const Minutes at = Any(wanted).first;
+        const auto reach = static_cast<Reach>(Draw(3));
+        const int verb = Draw(3);
+        const std::vector<std::int32_t> before = Keys();
+        // On its own day, as what comes of other days is another rule.
+        const Day day = calendar::DayOf(at);
+        calendar::TimeSpan to = AnySpan(reach == Reach::This ? Day{kFirstDay.serial + Draw(kDays)} : day);
+        const Words subject = Name();
+        store::StoreOutcome outcome;
+        if (verb == 0) {
+            outcome = calendar::DeleteOccurrence(session_, series.key, at, reach, locale_);
+        } else if (verb == 1) {
+            outcome = calendar::MoveOccurrence(session_, series.key, at, to, reach, locale_);
+        } else if (auto edited =
+                       calendar::ForEditing(session_, series.key, at, reach, locale_, &outcome.error)) {
+            edited->subject = subject;
+            outcome = calendar::StoreOccurrence(session_, *edited, series.key, at, reach, locale_);
+        }
+        if (outcome.error == kNotOffered && reach != Reach::All) return;
+        Check(outcome.error);
+
+        std::vector<Shown> changed;
+        std::erase_if(wanted, [&](const Shown& each) {
+            const bool reached =
+                reach == Reach::All || (reach == Reach::This ? each.first == at : each.first >= at);
+            if (reached) changed.push_back(each);
+            return reached;
+        });
+        to = calendar::StoredSpan(to, false, {});
+        for (Shown& each : changed) {
+            if (verb == 0) break;
+            if (verb == 1 && reach == Reach::This) each.first = to.start;
+            if (verb == 1 && reach != Reach::This)
+                each.first = {calendar::MidnightOf(calendar::DayOf(each.first)).count +
+                              calendar::MinuteOfDay(to.start)};
+            if (verb == 2) each.second = subject;
+            wanted.push_back(each);
+        }
+        TakeUp(series, before, std::move(wanted));
+    }
+
+    /// What the series has become, and whether it shows what is wanted.
+    void TakeUp(const Appointment& series, const std::vector<std::int32_t>& before,
+                std::vector<Shown> wanted) {
+        std::vector<std::int32_t> keys{series.key};
+        std::ranges::set_difference(Keys(), before, std::back_inserter(keys));
+        std::vector<Change<Appointment>> changes;
+        std::vector<Shown> shown;
+        for (const std::int32_t key : keys) {
+            auto now = calendar::FetchRecord(session_, key);
+            if (now)
+                for (const Shown& each : ShownOf(*now))
+                    shown.push_back(each);
+            const auto old = key == series.key ? std::optional(series) : std::nullopt;
+            if (!now || !old || Told(*now) != Told(*old)) changes.push_back({key, old, std::move(now)});
+        }
+        std::ranges::sort(shown);
+        std::ranges::sort(wanted);
+        if (shown != wanted) throw Failure("a series shows other days than it should");
+        if (changes.empty()) return;  // it was so already
+        Did(appointments_, std::move(changes));
+        ++reached_;
+    }
+
+    /// Of a day that cannot be reached alone.
+    static constexpr int kNotOffered = MessageNumber::UpdateImpossible;
+
     store::Session& session_;
+    LocaleFacts locale_;
     std::mt19937 random_;
     Steps<Memo> memos_{store::Section::Memo, {}, {}, {}};
     Steps<Record> records_{store::Section::Confidential, {}, {}, {}};
-    int taken_ = 0;  ///< steps that were taken back or done again
+    Steps<Appointment> appointments_{store::Section::Calendar, {}, {}, {}};
+    int reached_ = 0;  ///< changes of series that were compared day by day
+    int taken_ = 0;    ///< steps that were taken back or done again
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Works on memos and confidential records of a database at random.", "random_ops");
+    CLI::App app("Works on memos, confidential records and appointments of a database at random.",
+                 "random_ops");
     app.add_option("FILE", options.file, "The database")->required();
     app.add_option("--passphrase-fd", options.passphraseFd, "Where the passphrase comes from");
     app.add_option("--operations", options.operations, "How many")->capture_default_str();

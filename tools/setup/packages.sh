@@ -14,6 +14,7 @@ TEST_PACKAGES=(
   xvfb openbox dbus at-spi2-core libxcb-record0-dev fonts-inter
   desktop-file-utils binutils
 )
+BENCH_PACKAGES=(libical-dev)  # the base of calendar_bench, and of nothing else
 
 need_packages() {
   local missing=() name

@@ -254,7 +254,7 @@ void frmAppointment::BuildRedo() {
 
 void frmAppointment::BuildNth() {
     cboRedoWhen = MakeList("cboRedoWhen", tr("Which of the month"));
-    cboRedoWhen->addItems({tr("first"), tr("second"), tr("third"), tr("fourth"), tr("last")});
+    cboRedoWhen->addItems({tr("first"), tr("second"), tr("third"), tr("forth"), tr("last")});
     cboRedoWeekday = MakeList("cboRedoWeekday", tr("Weekday"));
     for (int weekday = 1; weekday <= 7; ++weekday)
         cboRedoWeekday->addItem(QString::fromStdString(

@@ -67,6 +67,11 @@ EntryLook LookOf(const Entry& entry) {
     return look;
 }
 
+/// As lists find words: blind to case and accents.
+bool Holds(const store::Needle& needle, const WipedText& words) {
+    return needle.InTold(store::TellWords(words).told) && (!needle.AsksTrueText() || needle.InTrue(words));
+}
+
 }  // namespace
 
 frmCalendar::frmCalendar(store::Session& session, FormPorts ports, QWidget* parent)
@@ -292,11 +297,7 @@ void frmCalendar::ReadEntries() {
 }
 
 bool frmCalendar::Matches(const Entry& entry) const {
-    if (search_.isEmpty()) return true;
-    return std::ranges::any_of(std::array{&entry.subject, &entry.location}, [this](const WipedText* words) {
-        const kit::WipedLetters shown = kit::ShowWords(*words);
-        return shown.contains(search_, Qt::CaseInsensitive);
-    });
+    return needle_.empty() || Holds(needle_, entry.subject) || Holds(needle_, entry.location);
 }
 
 void frmCalendar::ShowEntries() {
@@ -345,6 +346,7 @@ void frmCalendar::SetSearch(const QString& text) {
     const QString wanted = text.trimmed();
     if (wanted == search_) return;
     search_ = wanted;
+    needle_ = store::Needle(search_.toStdString());
     ShowEntries();
 }
 

@@ -88,7 +88,7 @@ std::size_t FirstBehind(std::size_t first, std::size_t end, const StartReader& o
         const std::size_t count = std::min(kAtOnce, end - first);
         std::vector<std::size_t> places;
         for (std::size_t i = 1; i <= count; ++i)
-            places.push_back(first + (end - first) * i / count - 1);
+            places.push_back(first + (end - first + 1) * i / (count + 1) - 1);
         const std::vector<Minutes> starts = others(places);
         const auto behind = static_cast<std::size_t>(std::ranges::find_if(starts, isBehind) - starts.begin());
         if (behind > 0) first = places[behind - 1] + 1;

@@ -46,7 +46,10 @@ enum DraftField : std::uint8_t {
     kWeekday,
     kNth,
     kMonth,
-    kDays
+    kDays,
+    kSeriesKey,
+    kOccurrence,
+    kReach
 };
 
 constexpr std::size_t kMostListed = 20;
@@ -140,6 +143,15 @@ QString Listed(const std::vector<Day>& days) {
 
 }  // namespace
 
+std::optional<SeriesPart> PartIn(const custody::Draft& draft) {
+    const auto key = kit::NumberOf(draft, kSeriesKey);
+    const auto occurrence = kit::NumberOf(draft, kOccurrence);
+    const auto reach = kit::NumberOf(draft, kReach);
+    if (!key || !occurrence || !reach || *reach < 0 || *reach >= static_cast<std::int32_t>(Reach::All))
+        return std::nullopt;
+    return SeriesPart{*key, {*occurrence}, static_cast<Reach>(*reach)};
+}
+
 frmAppointment::frmAppointment(store::Session& session, const Appointment& appointment,
                                const Opening& opening, QWidget* parent)
     : QDialog(parent),
@@ -149,6 +161,7 @@ frmAppointment::frmAppointment(store::Session& session, const Appointment& appoi
       stored_(appointment),
       record_(appointment),
       isNew_(opening.span.has_value()),
+      part_(opening.part),
       loaded_(FirstSpan(appointment, opening, session.settings.AppDuration)),
       span_(loaded_),
       redo_(ParseRedoString(appointment.redoString, DayOf(span_.start), locale_)) {
@@ -211,6 +224,11 @@ std::optional<custody::Draft> frmAppointment::HalfWritten() const {
     kit::PutFlag(*draft, kAlarm, ctlAlarmYN->isChecked());
     kit::PutNumber(*draft, kLead, Lead());
     PutRedo(*draft, redo_, locale_);
+    if (part_) {
+        kit::PutNumber(*draft, kSeriesKey, part_->key);
+        kit::PutNumber(*draft, kOccurrence, part_->occurrence.count);
+        kit::PutNumber(*draft, kReach, static_cast<std::int32_t>(part_->reach));
+    }
     return draft;
 }
 

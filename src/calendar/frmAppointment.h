@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QTimer>
 #include <array>
 #include <functional>
 #include <optional>
@@ -10,6 +9,7 @@
 #include "calendar/appointment.h"
 #include "calendar/periods.h"
 #include "calendar/series.h"
+#include "calendar/serieschange.h"
 #include "calendar/timespan.h"
 #include "kit/editorfields.h"
 #include "kit/tabring.h"
@@ -25,12 +25,23 @@ class QPushButton;
 class QRadioButton;
 class QSlider;
 class QStackedWidget;
+class QTimer;
 
 namespace bmr::kit {
 class DateEdit;
 }
 
 namespace bmr::calendar {
+
+/// The part of a series that the editor was opened on, which is stored as a row of its own.
+struct SeriesPart {
+    std::int32_t key = store::kNewRecord;  ///< of the series
+    Minutes occurrence;
+    Reach reach = Reach::This;
+};
+
+/// The part that a draft was made of; nothing where it was another record, or a new one.
+std::optional<SeriesPart> PartIn(const custody::Draft& draft);
 
 /// How the editor begins.
 struct Opening {
@@ -39,6 +50,8 @@ struct Opening {
     std::optional<TimeSpan> span = {};
     /// The first letters of the subject, where typing on the grid began the appointment.
     QString letters = {};
+    /// Goes into drafts, so that one of a part does not become an appointment beside its series.
+    std::optional<SeriesPart> part = {};
 };
 
 /// The editor of one appointment, single or a series. It takes a record and gives a record; whether that is
@@ -140,6 +153,7 @@ class frmAppointment final : public QDialog {
     Appointment stored_;  ///< as it came
     Appointment record_;  ///< its texts are those of the controls, once taken
     bool isNew_;
+    std::optional<SeriesPart> part_;
     TimeSpan loaded_;
     TimeSpan span_;  ///< its start lies on the date of `redo_`
     RedoState redo_;
@@ -164,7 +178,7 @@ class frmAppointment final : public QDialog {
     std::array<QSlider*, 2> SliderHH{};
     std::array<QSlider*, 2> SliderNN{};
     QWidget* cmdDuration = nullptr;
-    QTimer tmrDuration;
+    QTimer* tmrDuration = nullptr;
     QCheckBox* ctlAllday = nullptr;
     QCheckBox* ctlAlarmYN = nullptr;
     QComboBox* ctlAlarmAnticipate = nullptr;

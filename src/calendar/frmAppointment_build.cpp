@@ -1,3 +1,4 @@
+#include <QAbstractItemView>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -12,6 +13,7 @@
 #include <QRegularExpressionValidator>
 #include <QSlider>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QToolButton>
 
 #include "calendar/frmAppointment.h"
@@ -95,6 +97,7 @@ QLineEdit* frmAppointment::MakeTimeLine(const char* name, std::size_t which, boo
         box->setAccessibleName(caption);
         quickTimes_.at(hours ? 0 : 1) = box;
         line = box->lineEdit();
+        line->setAccessibleName(caption);
     } else {
         line = kit::MakeLineField(name, caption);
         line->installEventFilter(this);
@@ -111,6 +114,8 @@ QComboBox* frmAppointment::MakeQuickTimes(const char* name, bool hours) {
     box->setEditable(true);
     box->setInsertPolicy(QComboBox::NoInsert);
     box->setCompleter(nullptr);  // it would make 10:00 of a 1
+    box->setMaxVisibleItems(static_cast<int>(kQuickTimes.size()));
+    box->view()->setMinimumWidth(fontMetrics().horizontalAdvance("00:00") + 32);
     for (const int minutes : kQuickTimes)
         box->addItem(QString::fromStdString(TimeText(minutes)), minutes);
     box->setToolTip(hours ? tr("Alt+Down: usual times; Up and Down step by an hour")
@@ -171,8 +176,9 @@ void frmAppointment::BuildDuration() {
     };
     make("cmdDurationUp", "go-up", tr("Longer"), 1);
     make("cmdDurationDown", "go-down", tr("Shorter"), -1);
-    tmrDuration.setObjectName("tmrDuration");
-    connect(&tmrDuration, &QTimer::timeout, this, &frmAppointment::tmrDuration_Tick);
+    tmrDuration = new QTimer(this);
+    tmrDuration->setObjectName("tmrDuration");
+    connect(tmrDuration, &QTimer::timeout, this, &frmAppointment::tmrDuration_Tick);
 }
 
 void frmAppointment::BuildReminder() {
@@ -248,7 +254,7 @@ void frmAppointment::BuildRedo() {
 
 void frmAppointment::BuildNth() {
     cboRedoWhen = MakeList("cboRedoWhen", tr("Which of the month"));
-    cboRedoWhen->addItems({tr("first"), tr("second"), tr("third"), tr("fourth"), tr("last")});
+    cboRedoWhen->addItems({tr("first"), tr("second"), tr("third"), tr("forth"), tr("last")});
     cboRedoWeekday = MakeList("cboRedoWeekday", tr("Weekday"));
     for (int weekday = 1; weekday <= 7; ++weekday)
         cboRedoWeekday->addItem(QString::fromStdString(

@@ -92,7 +92,9 @@ QWidget* frmAppointment::LayTimes() {
     QFormLayout* form = MakeForm(frame);
     date_.row = kit::WithError(Beside("", {date_.edit, lblWeekday_}), date_.error);
     form->addRow(MakeLabel(tr("&Date"), date_.edit), date_.row);
-    form->addRow(QString(), ctlAllday);
+    // Where it lies elsewhere, the end's day stands here: the rows below are the widest of the window as it
+    // is.
+    form->addRow(QString(), Beside("", {ctlAllday, ctlDateEnd}));
     const int width = quickTimes_[0]->fontMetrics().horizontalAdvance("00") + 44;
     const auto time = [&](std::size_t which, std::initializer_list<QWidget*> behind) {
         auto* row = new QWidget;
@@ -113,7 +115,7 @@ QWidget* frmAppointment::LayTimes() {
     };
     form->addRow(MakeLabel(tr("S&tart"), quickTimes_[0]), time(0, {SliderHH[0], SliderNN[0]}));
     form->addRow(MakeLabel(tr("&End"), ctlHH[1]), time(1, {SliderHH[1], SliderNN[1]}));
-    form->addRow(MakeLabel(tr("D&uration"), ctlHH[2]), time(2, {Beside("", {cmdDuration, ctlDateEnd})}));
+    form->addRow(MakeLabel(tr("D&uration"), ctlHH[2]), time(2, {Beside("", {cmdDuration})}));
     QWidget* alarm = Beside("AlarmFrame", {ctlAlarmYN, ctlAlarmAnticipate});
     form->addRow(QString(), alarm);
     form->addRow(QString(), ctlPrivate);

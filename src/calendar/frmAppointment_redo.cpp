@@ -5,6 +5,7 @@
 #include <QRadioButton>
 #include <QScopedValueRollback>
 #include <QStackedWidget>
+#include <QTimer>
 #include <algorithm>
 
 #include "base/languageus.h"

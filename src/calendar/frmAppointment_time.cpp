@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QSlider>
+#include <QTimer>
 #include <algorithm>
 
 #include "calendar/frmAppointment.h"
@@ -119,19 +120,19 @@ void frmAppointment::ctlAllday_Click(bool on) {
 void frmAppointment::cmdDuration_Press(int direction) {
     TimeTyped(kDuration);
     durationStep_ = direction;
-    tmrDuration.start(kDurationFirstStep);
+    tmrDuration->start(kDurationFirstStep);
 }
 
 void frmAppointment::cmdDuration_Release() {
     // A click that is shorter than the first pause is a step all the same.
-    const bool clicked = tmrDuration.isActive() && tmrDuration.interval() == kDurationFirstStep;
-    tmrDuration.stop();
+    const bool clicked = tmrDuration->isActive() && tmrDuration->interval() == kDurationFirstStep;
+    tmrDuration->stop();
     if (clicked) tmrDuration_Tick();
-    tmrDuration.stop();
+    tmrDuration->stop();
 }
 
 void frmAppointment::tmrDuration_Tick() {
-    tmrDuration.start(kDurationNextStep);
+    tmrDuration->start(kDurationNextStep);
     ChangeSpan([this](TimeSpan& span) { StepDuration(span, durationStep_); });
 }
 

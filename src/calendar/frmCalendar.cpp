@@ -58,11 +58,18 @@ EntryLook LookOf(const Entry& entry) {
     look.subject = kit::ShowWords(entry.subject);
     const kit::WipedLetters place = kit::ShowWords(entry.location);
     const QString when = entry.allDay ? frmCalendar::tr("All day") : look.time;
-    look.tip.reserve(when.size() + look.subject.size() + place.size() + 2);  // nothing is left where it grew
+    const kit::WipedLetters notes = kit::ShowLines(entry.notes);
+    // Nothing is to be left where it grew.
+    look.tip.reserve(when.size() + look.subject.size() + place.size() + notes.size() + 3);
     look.tip += when;
-    for (const kit::WipedLetters* line : {&std::as_const(look.subject), &place})
+    for (const kit::WipedLetters* line : {&std::as_const(look.subject), &place, &notes})
         if (!line->isEmpty()) look.tip.append('\n').append(*line);
     return look;
+}
+
+/// As lists find words: blind to case and accents.
+bool Holds(const store::Needle& needle, const WipedText& words) {
+    return needle.InTold(store::TellWords(words).told) && (!needle.AsksTrueText() || needle.InTrue(words));
 }
 
 }  // namespace
@@ -290,11 +297,7 @@ void frmCalendar::ReadEntries() {
 }
 
 bool frmCalendar::Matches(const Entry& entry) const {
-    if (search_.isEmpty()) return true;
-    return std::ranges::any_of(std::array{&entry.subject, &entry.location}, [this](const WipedText* words) {
-        const kit::WipedLetters shown = kit::ShowWords(*words);
-        return shown.contains(search_, Qt::CaseInsensitive);
-    });
+    return needle_.empty() || Holds(needle_, entry.subject) || Holds(needle_, entry.location);
 }
 
 void frmCalendar::ShowEntries() {
@@ -343,6 +346,7 @@ void frmCalendar::SetSearch(const QString& text) {
     const QString wanted = text.trimmed();
     if (wanted == search_) return;
     search_ = wanted;
+    needle_ = store::Needle(search_.toStdString());
     ShowEntries();
 }
 

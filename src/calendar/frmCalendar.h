@@ -13,6 +13,7 @@
 #include "calendar/timespan.h"
 #include "kit/editround.h"
 #include "kit/sectionform.h"
+#include "store/words.h"
 
 class QCalendarWidget;
 class QLabel;
@@ -159,6 +160,7 @@ class frmCalendar final : public SectionForm {
     kit::EditRound round_;
     Day today_;
     QString search_;
+    store::Needle needle_{""};
     std::vector<Entry> entries_;      ///< of the period
     std::vector<std::size_t> shown_;  ///< those that the views have, by their places there
     std::optional<Occurrence> chosen_;

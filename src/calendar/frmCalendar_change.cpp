@@ -93,7 +93,9 @@ void frmCalendar::EditStored(std::int32_t fPK, Minutes occurrence, Reach reach, 
         kit::TellFailure(session_, error, tr("The appointment could not be read."));
         return calendarChanged();
     }
-    frmAppointment editor(session_, *record, {}, this);
+    Opening opening;
+    if (reach != Reach::All && record->key == store::kNewRecord) opening.part = {fPK, occurrence, reach};
+    frmAppointment editor(session_, *record, opening, this);
     const EditEnd end = round_.EditUntilStored(editor, draft, tr("The appointment was not stored."), [&] {
         *record = editor.Taken();
         return StoreOccurrence(session_, *record, fPK, occurrence, reach, locale_, editor.ExcludeAgain())
@@ -223,15 +225,20 @@ void frmCalendar::DropInMonth(std::size_t look, int cell, DropKind kind) {
 }
 
 void frmCalendar::OpenDraft(const custody::Draft& draft) {
-    if (draft.key == store::kNewRecord)
-        return EditNew(NewSpan(MidnightOf(Date()), session_.settings.AppDuration), {}, &draft);
+    const auto part = PartIn(draft);
+    const std::int32_t key = part ? part->key : draft.key;
     int error = 0;
-    auto record = FetchRecord(session_, draft.key, &error);
+    auto record = key == store::kNewRecord ? std::nullopt : FetchRecord(session_, key, &error);
     if (error != 0) return kit::TellFailure(session_, error, tr("The appointment could not be read."));
-    if (!record) return EditNew(NewSpan(MidnightOf(Date()), session_.settings.AppDuration), {}, &draft);
-    const Minutes start = record->start;
-    WipeRecord(*record);
-    EditStored(draft.key, start, Reach::All, &draft);
+    // A series that was changed since may have the day no more: what was written becomes one of its own.
+    const bool stands =
+        record &&
+        (!part ||
+         ReachesFor(*record, part->occurrence, SeriesVerb::Edit, std::nullopt, locale_).Offers(part->reach));
+    const Minutes occurrence = part ? part->occurrence : record ? record->start : Minutes{};
+    if (record) WipeRecord(*record);
+    if (!stands) return EditNew(NewSpan(MidnightOf(Date()), session_.settings.AppDuration), {}, &draft);
+    EditStored(key, occurrence, part ? part->reach : Reach::All, &draft);
 }
 
 void frmCalendar::OpenTask(std::int32_t fPK) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/utf8.h"
 #include "calendar/appointment.h"
 #include "calendar/dayorder.h"
 #include "store/privatefilter.h"
@@ -128,6 +129,17 @@ class Search {
     std::vector<Bytes> texts_;  ///< two of each series, then one of each single appointment
 };
 
+/// A text, or the beginning of a long one.
+WipedText BeginningOf(const WipedText& text) {
+    std::size_t end = 240;
+    if (text.size() <= end) return text;
+    while (end > 0 && (Octet(text, end) & 0xC0U) == 0x80)
+        --end;  // no character is cut
+    WipedText beginning(std::string_view(text).substr(0, end));
+    beginning += "…";
+    return beginning;
+}
+
 /// The end of an occurrence that begins at `start`, as long as its record is.
 Minutes EndOf(Minutes start, const Appointment& appointment) {
     const std::int64_t end =
@@ -191,7 +203,8 @@ Result<std::vector<Entry>> EntriesInPeriod(Session& session, Period period, cons
                            .recurring = candidate.recurring,
                            .isPrivate = record.isPrivate,
                            .subject = record.subject,
-                           .location = record.location});
+                           .location = record.location,
+                           .notes = BeginningOf(record.notes)});
     }
     return entries;
 }

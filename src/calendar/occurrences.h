@@ -35,6 +35,7 @@ struct Entry {
     bool isPrivate = false;
     WipedText subject;   ///< UTF-8
     WipedText location;  ///< UTF-8
+    WipedText notes;     ///< UTF-8: how they begin, for a tooltip
 };
 
 /// The occurrences of `AppointmentsInPeriod` with what a view paints of them, in the same order. Opens one

@@ -42,8 +42,13 @@ struct Recordset::Impl {
     enum class Editing { No, Adding, Changing };
     Editing editing = Editing::No;
     std::array<std::optional<Value>, kColumnCount> pending;
-    int refused = 0;  ///< why the row cannot be written
+    int refused = 0;                       ///< why the row cannot be written
     std::optional<std::int32_t> givenKey;  ///< of a row in AddNew that had one before; none: drawn
+
+    /// Kept from row to row: one change over many rows asks for the same ones each time.
+    std::optional<Query> reader;
+    std::optional<Query> writer;
+    std::string written;  ///< what `writer` sets
 
     static constexpr std::int64_t kGone = INT64_MIN;
 

@@ -94,13 +94,19 @@ int Recordset::Impl::Load() {
     if (!row)
         if (const int error = List()) return error;
     if (!row || !engine->alive()) return NoRow(*engine);
-    auto query = engine->Prepare(*plan, Use::OneRow);
-    if (!query) return query.error().number;
-    query->Bind(1, *row);
-    if (!query->Step())
-        return query->code() == SQLITE_DONE ? NoRow(*engine) : engine->FailWith(query->code());
-    rows.Append(query->handle());
-    return 0;
+    if (!reader) {
+        auto query = engine->Prepare(*plan, Use::OneRow);
+        if (!query) return query.error().number;
+        reader = std::move(*query);
+    }
+    reader->Bind(1, *row);
+    int number = 0;
+    if (reader->Step())
+        rows.Append(reader->handle());
+    else
+        number = reader->code() == SQLITE_DONE ? NoRow(*engine) : engine->FailWith(reader->code());
+    reader->Reset();
+    return number;
 }
 
 int Recordset::Impl::Find(std::string_view criteria, Parameters values) {
@@ -302,13 +308,17 @@ int Recordset::Impl::Change() {
                    std::to_string(++place1);
     }
     if (changes.empty()) return 0;
-    auto query = engine->Prepare("UPDATE main.tt SET " + changes + " WHERE rowid = ?1");
-    if (!query) return query.error().number;
-    query->Bind(1, row.value_or(kGone));
+    if (!writer || changes != written) {
+        auto query = engine->Prepare("UPDATE main.tt SET " + changes + " WHERE rowid = ?1");
+        if (!query) return query.error().number;
+        writer = std::move(*query);
+        written = std::move(changes);
+    }
+    writer->Bind(1, row.value_or(kGone));
     int next = 1;
     for (const auto& value : pending)
-        if (value) BindValue(*query, ++next, *value);
-    if (const int number = engine->Write(*query)) return number;
+        if (value) BindValue(*writer, ++next, *value);
+    if (const int number = engine->Write(*writer)) return number;
     if (sqlite3_changes64(engine->handle()) != 1)
         return engine->Fail(EngineNumber::Failed, "The row has been deleted.");
     rows.Clear();

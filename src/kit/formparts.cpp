@@ -222,9 +222,11 @@ void FinishBox(QMessageBox& box) {
     const auto* icon = box.findChild<QLabel*>("qt_msgboxex_icon_label");
     if (auto* text = box.findChild<QLabel*>("qt_msgbox_label")) {
         text->setAlignment(Qt::AlignVCenter | Qt::AlignLeading);
-        // One line stands at the middle of the icon, not at its top.
+        // One line stands at the middle of the icon, not at its top. A height that is set takes the place of
+        // the text's own, so it must not be less than that.
         if (icon && !icon->pixmap().isNull())
-            text->setMinimumHeight(qRound(icon->pixmap().deviceIndependentSize().height()));
+            text->setMinimumHeight(qMax(qRound(icon->pixmap().deviceIndependentSize().height()),
+                                        text->minimumSizeHint().height()));
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "app/hardening.h"
 #include "app/watch.h"
+#include "calendar/appointment.h"
 #include "confidential/confidential.h"
 #include "forms.h"
 #include "kit/recordlistview.h"
@@ -53,6 +54,13 @@ class WindowMemory : public testing::Test {
         task.task = Line('c');
         task.note = Lines('d');
         EXPECT_EQ(tasks::WriteRecord(sitting.session, task).error, 0);
+        calendar::Appointment walk =
+            calendar::ClearRecord({calendar::MidnightOf(sitting.clock.Today()).count + 600}, 60);
+        walk.subject = Line('u');
+        walk.location = Line('v');
+        walk.notes = Lines('w');
+        EXPECT_EQ(calendar::WriteRecord(sitting.session, walk).error, 0);
+        walkKey = walk.key;
         confidential::Record record;
         record.kind = 1;
         for (std::size_t i = 0; i < 4; ++i)
@@ -109,6 +117,8 @@ class WindowMemory : public testing::Test {
              [](QWidget& form) { Named<QPlainTextEdit>(form, "ctlNote").appendPlainText("y"); });
         Named<QLineEdit>(Form(), "txtQuickAdd").setText(kit::ShowWords(Line('k')));
 
+        WorkInCalendar();
+
         frame->optSection_Click(Section::Confidential);
         QTest::keyClick(&Named(Form(), "cat1"), Qt::Key_Return);
         test::Live(20);
@@ -116,6 +126,22 @@ class WindowMemory : public testing::Test {
         Named<QCheckBox>(Form(), "chkPlainPW").click();
         test::Live(20);
         Named<QAction>(Form(), "mnuConfidentialCopy").trigger();
+    }
+    void WorkInCalendar() {
+        frame->optSection_Click(Section::Calendar);
+        test::Live(20);  // the tasks come, too
+        Search();
+        for (const char* view : {"mnuViewMonth", "mnuViewWeek"}) {
+            Named<QAction>(Form(), view).trigger();
+            test::Live(20);
+        }
+        frame->Form()->SelectRecord(walkKey);
+        Edit("mnuAppoOpen", "frmAppointment",
+             [](QWidget& form) { test::TypeText(Named(form, "ctlLocation"), kit::ShowWords(Line('x'))); });
+        sitting.prompter.Expect(7, Answer::Cancel);
+        Named<QAction>(Form(), "mnuAppoDelete").trigger();
+        EXPECT_GT(sitting.prompter.shown.back().text.size(), Marker::kSize);
+        sitting.prompter.shown.clear();
     }
     static void ExpectNothing(const char* when) {
         const Secret known = Marker::Text('!');
@@ -125,6 +151,7 @@ class WindowMemory : public testing::Test {
     }
 
     test::Sitting sitting;
+    std::int32_t walkKey = 0;
     kit::ClipboardGuard clipboard;
     kit::SessionEvents events;
     std::optional<frmMDI> frame;

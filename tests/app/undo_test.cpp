@@ -10,6 +10,8 @@
 #include <QPushButton>
 
 #include "app/frmMDI.h"
+#include "calendar/appointment.h"
+#include "calendar/frmCalendar.h"
 #include "confidential/frmClassified.h"
 #include "custody/lifecycle.h"
 #include "kit/categorydrop.h"
@@ -49,6 +51,9 @@ class WindowSteps : public testing::Test {
         }
         sitting.Close();
         SectionTable table;
+        table[Section::Calendar] = [](store::Session& s, QWidget* p) {
+            return new calendar::frmCalendar(s, {}, p);
+        };
         table[Section::Todo] = [](store::Session& s, QWidget* p) { return new tasks::frmTodo(s, p); };
         table[Section::Confidential] = [](store::Session& s, QWidget* p) {
             return new confidential::frmClassified(
@@ -113,6 +118,23 @@ class WindowSteps : public testing::Test {
     std::unique_ptr<frmMDI> frame;
     kit::RecordListView* list = nullptr;
 };
+
+TEST_F(WindowSteps, AFormWithoutAListShowsWhatWasTakenBack) {
+    frame->optSection_Click(Section::Calendar);
+    calendar::Appointment walk =
+        calendar::ClearRecord({calendar::MidnightOf(sitting.clock.Today()).count + 600}, 60);
+    ASSERT_EQ(calendar::WriteRecord(sitting.session, walk).error, 0);
+    frame->Form()->Refresh();
+    const auto& status = Named<QLabel>(*frame, "status");
+    EXPECT_EQ(status.text(), "1 appointment");
+    EXPECT_TRUE(Entry("undoTool").isEnabled());
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(status.text(), "0 appointments");
+    EXPECT_FALSE(Entry("undoTool").isEnabled());
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(status.text(), "1 appointment");
+    EXPECT_TRUE(Entry("mnuAppoOpen").isEnabled()) << "it is chosen";
+}
 
 TEST_F(WindowSteps, ADeleteOfSeveralIsAskedOnceAndTakenBackByLineMenuAndKey) {
     Select({"ask", "call"});

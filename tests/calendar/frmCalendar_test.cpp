@@ -4,6 +4,7 @@
 #include <QStackedWidget>
 #include <filesystem>
 
+#include "calendar/frmAppointment.h"
 #include "calendar/weekrule.h"
 #include "frmCalendar_fixture.h"
 #include "kit/recordlistview.h"
@@ -200,7 +201,7 @@ TEST_F(FormCalendar, HidesPrivateOnesAndWhatASearchDoesNotFind) {
     EXPECT_FALSE(week->Chosen());
     form->SetSearch("bir");
     EXPECT_EQ(status, "2 of 2 appointments, private ones hidden");
-    form->SetSearch("birt");
+    form->SetSearch("BÎRT");
     EXPECT_EQ(status, "1 of 2 appointments, private ones hidden");
     bool ended = false;
     QObject::connect(form.get(), &SectionForm::SearchEnded, [&] { ended = true; });
@@ -345,6 +346,33 @@ TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {
     visitor.Meet("frmAppointment", [](QWidget& editor) { Click(editor, "cmdOK"); });
     form->OpenDraft(drafts.front());
     EXPECT_EQ(status, "1 appointment") << "what was begun is finished";
+}
+
+TEST_F(FormCalendar, ADraftOfOneDayGoesBackIntoItsSeries) {
+    AddFridays();
+    const Texts whole = All();
+    form->calDate_DateClick({kSaturday.serial + 6});
+    week->Choose(0);
+    Visitor visitor;
+    std::vector<custody::Draft> drafts;
+    MeetReach(visitor, "cmdThis");
+    visitor.Meet("frmAppointment", [&](QWidget& editor) {
+        Named<QLineEdit>(editor, "ctlSubject").clear();
+        test::TypeText(Named(editor, "ctlSubject"), "Fair");
+        drafts = form->Drafts();
+        dynamic_cast<frmAppointment&>(editor).recordChanged = false;
+        dynamic_cast<QDialog&>(editor).done(QDialog::Rejected);
+    });
+    Press(Qt::Key_Return);
+    ASSERT_EQ(All(), whole);
+    ASSERT_EQ(drafts.size(), 1U);
+    visitor.Meet("frmAppointment", [](QWidget& editor) { Click(editor, "cmdOK"); });
+    form->OpenDraft(drafts.front());
+    EXPECT_EQ(All(), (Texts{whole[0], "6 480-540 Fair", whole[2], whole[3], whole[4]}));
+    // Once the day has gone from the series there is nothing to take it out of.
+    visitor.Meet("frmAppointment", [](QWidget& editor) { Click(editor, "cmdOK"); });
+    form->OpenDraft(drafts.front());
+    EXPECT_EQ(All().size(), 6U);
 }
 
 TEST(WeekRule, IsTheTerritorys) {

@@ -143,6 +143,22 @@ TEST_F(Occurrences, AnEdgeThatOthersDrewIsNoFault) {
     }
 }
 
+TEST_F(Occurrences, LongNotesAreCutBetweenCharacters) {
+    Appointment wordy = Make(1, 600, "wordy");
+    for (const char* letter : {"a", "ä"}) {
+        wordy.notes = WipedText();
+        for (int i = 0; i < 239; ++i)
+            wordy.notes += "n";
+        wordy.notes += letter;
+        wordy.key = store::kNewRecord;
+        Store(wordy);
+    }
+    const auto entries = EntriesInPeriod(store.session, {kMonday, {kMonday.serial + 6}}, locale);
+    ASSERT_EQ(entries->size(), 2U);
+    EXPECT_EQ((*entries)[0].notes, std::string(239, 'n') + "a");
+    EXPECT_EQ((*entries)[1].notes, std::string(239, 'n') + "…");
+}
+
 TEST_F(Occurrences, PrivateAndUnreadableOnesAreLeftOut) {
     Appointment hidden = Make(1, 600, "hidden");
     hidden.isPrivate = true;

@@ -128,6 +128,16 @@ TEST(RedoEvents, ADayBeforeTheStartIsAskedAbout) {
         SetNthWeekday(state, 7, kMondays, {});
         EXPECT_EQ(Weekday(state.start), 1);
     }
+    RedoState yearly = Begun(kYearly, 1);
+    const SeriesVoice silent{.beginNextMonth = [] {
+        ADD_FAILURE() << "another month lies behind the start or before it, whatever its weekdays";
+        return true;
+    }};
+    SetMonth(yearly, 3, kMondays, silent);
+    EXPECT_EQ(IsoDate(yearly.start), "2027-03-02");
+    SetMonth(yearly, 2, kMondays, silent);
+    EXPECT_EQ(IsoDate(yearly.start), "2028-02-01");
+    EXPECT_EQ(yearly.date, yearly.start);
 }
 
 TEST(RedoEvents, TheMonthOfAYearlySeriesIsItsOwn) {

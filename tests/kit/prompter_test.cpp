@@ -141,6 +141,12 @@ TEST(QtPrompter, OneLineStandsAtTheMiddleOfItsIcon) {
         box.close();
     });
     prompter.Ask({20, "Discard changes?", Buttons::YesNo, BoxIcon::Question, Answer::Yes, ""});
+    visitor.Meet("boxMsg", [](QWidget& box) {
+        const auto& text = Named(box, "qt_msgbox_label");
+        EXPECT_GE(text.height(), 7 * text.fontMetrics().lineSpacing()) << "many lines are shown whole";
+        box.close();
+    });
+    prompter.Ask({0, "1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7", Buttons::YesNo, BoxIcon::Question, Answer::Yes, ""});
 }
 
 TEST(QtPrompter, InputBoxWantsWords) {

@@ -55,14 +55,21 @@ Period SeriesBounds(const Appointment& appointment, RandomSource& random) {
     return {{kFirstBase + Below(kFirstSlots, random)}, {kLastBase + Below(kLastSlots, random)}};
 }
 
+/// A random point of a day, drawn inside its bucket: a draw may land on the edge of the next one, which is
+/// another day to every view, and series are looked for between their first and last points, without these.
+std::int32_t PointOf(Day day, DateKind kind, RandomSource& random) {
+    const SpreadRange drawn = PackDate(day, kind, random);
+    return std::clamp(drawn.value, drawn.low + 1, drawn.high - 1);
+}
+
 /// All columns but the texts and the place in the day.
 void FillNumbers(Session& session, const Appointment& appointment, engine::Recordset& row) {
     RandomSource& random = session.ports.random;
     const Period series = SeriesBounds(appointment, random);
-    row.SetField("fR3", PackDate(DayOf(appointment.start), DateKind::Start, random).value);
-    row.SetField("fR4", PackDate(series.first, DateKind::First, random).value);
+    row.SetField("fR3", PointOf(DayOf(appointment.start), DateKind::Start, random));
+    row.SetField("fR4", PointOf(series.first, DateKind::First, random));
     row.SetField("fSub", SubclassOf(appointment.redoString, random));
-    row.SetField("fR2", PackDate(series.last, DateKind::Last, random).value);
+    row.SetField("fR2", PointOf(series.last, DateKind::Last, random));
 }
 
 /// The start that a row has had so far, if that is on the same day.

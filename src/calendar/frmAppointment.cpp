@@ -9,6 +9,7 @@
 #include <QScopedValueRollback>
 #include <QSlider>
 #include <algorithm>
+#include <iterator>
 
 #include "base/languageus.h"
 #include "calendar/localenames.h"
@@ -255,19 +256,31 @@ bool frmAppointment::AskDropped(const Appointment& taken) {
     excludeAgain_.clear();
     const std::vector<Day> dropped = DroppedDays(stored_.redoString, taken.redoString, locale_);
     if (dropped.empty()) return true;
-    Box box;
-    box.text =
+    const std::vector<Day> able = DaysToLeaveOut(taken.redoString, dropped, locale_);
+    QString text =
         tr("So far this series leaves out:\r\n\r\n%1\r\n\r\nChanged as it is, it comes on these days again.")
-            .arg(Listed(dropped))
-            .toStdString();
-    box.buttons = Buttons::YesNoCancel;
+            .arg(Listed(dropped));
+    Box box;
     box.icon = BoxIcon::Question;
-    box.standard = Answer::Yes;
-    box.words = {tr("Exclude them again").toStdString(), tr("Drop them").toStdString(),
-                 tr("Keep editing").toStdString()};
+    if (able.empty()) {
+        text += " " + tr("They cannot be left out of the changed series.");
+        box.buttons = Buttons::OkCancel;
+        box.standard = Answer::Cancel;
+        box.words = {tr("Drop them").toStdString(), tr("Keep editing").toStdString()};
+    } else {
+        std::vector<Day> lost;
+        std::ranges::set_difference(dropped, able, std::back_inserter(lost));
+        if (!lost.empty())
+            text += "\r\n\r\n" + tr("These cannot be left out of the changed series: %1.").arg(Listed(lost));
+        box.buttons = Buttons::YesNoCancel;
+        box.standard = Answer::Yes;
+        box.words = {tr("Exclude them again").toStdString(), tr("Drop them").toStdString(),
+                     tr("Keep editing").toStdString()};
+    }
+    box.text = text.toStdString();
     const Answer answer = session_.ports.prompter.Ask(box);
-    if (answer == Answer::Yes) excludeAgain_ = dropped;
-    return answer == Answer::Yes || answer == Answer::No;
+    if (answer == Answer::Yes) excludeAgain_ = able;
+    return answer != Answer::Cancel;
 }
 
 void frmAppointment::cmdOK_Click() {

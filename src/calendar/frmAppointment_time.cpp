@@ -96,7 +96,8 @@ void frmAppointment::StepTime(std::size_t which, bool hours, int direction) {
     ChangeSpan([&](TimeSpan& span) {
         if (which == kDuration && !hours) return StepDuration(span, direction);
         const std::int32_t minutes = std::max(Shown(span, which) + by, 0);
-        if (which == kStart) SlideStart(span, std::min(minutes, kMinutesOfDay - 1));
+        // As the sliders, the start stays where a step would carry it out of its day.
+        if (which == kStart && minutes < kMinutesOfDay) SlideStart(span, minutes);
         if (which == kEnd) SlideEnd(span, minutes);
         if (which == kDuration) TypeDuration(span, minutes);
     });

@@ -14,14 +14,19 @@ constexpr std::int32_t kMostTyped = 255;
 constexpr int kWeeksBox = 0;
 constexpr int kAlternativeBox = 3;
 
-void Recalc(RedoState& state, const LocaleFacts& locale, const SeriesVoice& voice) {
+/// A voice that tells of the limit once: the derivation comes by it more than once.
+SeriesVoice Once(const SeriesVoice& voice, bool& told) {
     SeriesVoice once = voice;
-    bool told = false;  // the derivation comes by the limit more than once
-    once.limitTaken = [&] {
+    once.limitTaken = [&voice, &told] {
         if (!told && voice.limitTaken) voice.limitTaken();
         told = true;
     };
-    RecalcRedoEnd(state, locale, once);
+    return once;
+}
+
+void Recalc(RedoState& state, const LocaleFacts& locale, const SeriesVoice& voice) {
+    bool told = false;
+    RecalcRedoEnd(state, locale, Once(voice, told));
     // The derivation puts the last day on an occurrence; without an end that is no day to be shown.
     if (!state.filling && state.endMode == RedoEnd::Never) state.end = std::max(kNoEndShown, state.start);
 }
@@ -67,6 +72,8 @@ void ChooseAlternative(RedoState& state, int alternative, const LocaleFacts& loc
 }
 
 void ChooseEndMode(RedoState& state, int mode, const LocaleFacts& locale, const SeriesVoice& voice) {
+    bool told = false;
+    const SeriesVoice once = Once(voice, told);
     // A stored series without an end has a random last day, which is nobody's choice either.
     const bool open = state.endMode == RedoEnd::Never || state.end == kNoEndShown;
     state.endMode = mode;
@@ -74,9 +81,9 @@ void ChooseEndMode(RedoState& state, int mode, const LocaleFacts& locale, const 
     if (mode == RedoEnd::Count && state.count > kMostCountKept) state.count = kFirstCount;
     if (mode == RedoEnd::Date && open) {
         state.count = kFirstCount;
-        SeriesFromCount(state, locale, voice);
+        SeriesFromCount(state, locale, once);
     }
-    Recalc(state, locale, voice);
+    Recalc(state, locale, once);
 }
 
 void SetCount(RedoState& state, std::int32_t count, const LocaleFacts& locale, const SeriesVoice& voice) {
@@ -137,10 +144,6 @@ void SetNthWeekday(RedoState& state, int weekday, const LocaleFacts& locale, con
 void SetMonth(RedoState& state, int month, const LocaleFacts& locale, const SeriesVoice& voice) {
     Choose(state, state.frequency, 1);
     state.month = month;
-    // Another month has no days before the start, so there is nothing to be asked.
-    const int from = MonthOf(state.start);
-    const Day first = RolledDate(YearOf(state.start) + (month < from ? 1 : 0), month, 1);
-    if (month != from && first < kUpperLimit) state.start = state.date = first;
     Recalc(state, locale, voice);
 }
 
@@ -153,6 +156,8 @@ std::int32_t NumberTyped(std::string_view text) {
 
 TypedNumber JudgeNumber(std::string_view before, std::string_view typed) {
     TypedNumber result{std::string(typed)};
+    // A letter beyond ASCII is one key as well.
+    std::erase_if(result.text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; });
     for (char& c : result.text)
         if (c < '0' || c > '9') {
             c = '1';

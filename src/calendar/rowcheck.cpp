@@ -14,10 +14,12 @@ namespace {
 constexpr std::int32_t kFirstPlainSeries = 196;
 constexpr std::size_t kNoise = 7;
 
-/// Whether a column holds a point of the day's bucket. One beyond its end may be drawn, and is.
+/// Whether a column holds a point of the day's bucket. One beyond its end may be drawn, and is, by others;
+/// the ends of days before the table begins are their lows.
 bool Tells(std::int32_t value, Day day, DateKind kind) {
     const SpreadRange bucket = PackDateAt(day, kind, 0.5);
-    return bucket.low <= value && value <= bucket.high + (bucket.high < kMaxLong ? 1 : 0);
+    const std::int32_t low = bucket.low - (bucket.low < 0 ? 1 : 0);
+    return low <= value && value <= bucket.high + (bucket.high < kMaxLong ? 1 : 0);
 }
 
 std::int32_t TypedNumber(std::string_view plain) {

@@ -150,14 +150,29 @@ class Derivation {
     /// A series on n-th weekdays begins on one, and the appointment with it.
     void FixStart() {
         if (Kind() != RedoKind::MonthWeekday && Kind() != RedoKind::YearWeekday) return;
-        const Day first = Nth(1, voice_);
-        if (first != state_.start) state_.start = state_.date = first;
+        Day first = FirstFrom(state_.start);
+        // The next month, where that is chosen, is none of a yearly series.
+        if (IsInOtherMonth(first)) first = FirstFrom(first);
+        if (first != state_.start && first < kUpperLimit) state_.start = state_.date = first;
     }
 
   private:
     RedoKind Kind() const { return static_cast<RedoKind>(state_.kind); }
+    bool IsInOtherMonth(Day day) const {
+        return Kind() == RedoKind::YearWeekday && state_.month >= 1 && state_.month <= 12 &&
+               state_.month != MonthOf(day);
+    }
+    Day FirstFrom(Day start) const {
+        // No day of another month lies before the start, whose day of the month tells nothing there.
+        if (IsInOtherMonth(start))
+            start = RolledDate(YearOf(start) + (state_.month < MonthOf(start) ? 1 : 0), state_.month, 1);
+        return NthFrom(start, 1, voice_);
+    }
     Day Nth(std::int32_t count, const SeriesVoice& voice) const {
-        return NthOccurrenceDate(state_.start, state_.nth, state_.weekday, count, Unit(), Interval(),
+        return NthFrom(state_.start, count, voice);
+    }
+    Day NthFrom(Day start, std::int32_t count, const SeriesVoice& voice) const {
+        return NthOccurrenceDate(start, state_.nth, state_.weekday, count, Unit(), Interval(),
                                  Kind() == RedoKind::YearWeekday ? state_.month : 0, locale_, voice);
     }
     SeriesUnit Unit() const {

@@ -408,10 +408,19 @@ std::vector<Day> DroppedDays(std::string_view stored, std::string_view edited, c
     std::vector<Day> dropped;
     if (!before || !after || !before->HeedsExcluded()) return dropped;
     for (const DayCount each : before->excluded)
-        if (WhyNotWithout(*after, DayOf(each), locale).empty()) dropped.push_back(DayOf(each));
+        if (IsOfSeries(*after, DayOf(each), locale)) dropped.push_back(DayOf(each));
     std::ranges::sort(dropped);
     dropped.erase(std::unique(dropped.begin(), dropped.end()), dropped.end());
     return dropped;
+}
+
+std::vector<Day> DaysToLeaveOut(std::string_view edited, std::span<const Day> days,
+                                const LocaleFacts& locale) {
+    std::vector<Day> able;
+    if (const auto rule = ReadRedoRule(edited))
+        for (const Day day : days)
+            if (WhyNotWithout(*rule, day, locale).empty()) able.push_back(day);
+    return able;
 }
 
 }  // namespace bmr::calendar

@@ -72,8 +72,10 @@ store::StoreOutcome StoreOccurrence(store::Session& session, Appointment& edited
                                     Minutes occurrence, Reach reach, const LocaleFacts& locale,
                                     std::span<const Day> again = {});
 
-/// The days that the recurrence string `stored` leaves out and `edited` does not: those that the edited
-/// series comes on and could leave out again, ascending.
+/// The days that the recurrence string `stored` leaves out and on which `edited` comes again, ascending.
 std::vector<Day> DroppedDays(std::string_view stored, std::string_view edited, const LocaleFacts& locale);
+/// Those of the days that the series `edited` can leave out: what to give as `again`.
+std::vector<Day> DaysToLeaveOut(std::string_view edited, std::span<const Day> days,
+                                const LocaleFacts& locale);
 
 }  // namespace bmr::calendar

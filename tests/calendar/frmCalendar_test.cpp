@@ -1,4 +1,5 @@
 #include <QCalendarWidget>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QStackedWidget>
 #include <filesystem>
@@ -278,6 +279,47 @@ TEST_F(FormCalendar, WhatCannotBeStoredStaysAsItIs) {
     EXPECT_EQ(status, "0 appointments");
     EXPECT_EQ(db.Row("SELECT fEtx FROM tt WHERE fPK=" + std::to_string(key))->Field("fEtx"),
               Value(Bytes("xxxx")));
+}
+
+TEST_F(FormCalendar, DaysThatComeBackAreToldBefore) {
+    // Daily from 6 November on but for 6 December, which a series on each 6th cannot leave out.
+    const auto key = Add("Watch", -15, 480, 540, [](Appointment& series) {
+        series.redoString = WriteRedoRule({.kind = RedoKind::Daily,
+                                           .interval = 1,
+                                           .first = DateToDays16({kSaturday.serial - 15}),
+                                           .last = DateToDays16({kSaturday.serial + 300}),
+                                           .excluded = {DateToDays16({kSaturday.serial + 15})}});
+    });
+    week->Choose(0);
+    Visitor visitor;
+    MeetReach(visitor, "cmdAll");
+    visitor.Meet("frmAppointment", [&](QWidget& editor) {
+        Click(editor, "Redo3");
+        db.prompter.Expect(0, Answer::Cancel).Expect(0, Answer::Ok);
+        Click(editor, "cmdOK");
+        EXPECT_TRUE(editor.isVisible());
+        EXPECT_EQ(db.prompter.shown.back().standard, Answer::Cancel);
+        Click(editor, "cmdOK");
+    });
+    Press(Qt::Key_Return);
+    EXPECT_EQ(ReadRedoRule(Stored(key).redoString)->kind, RedoKind::MonthDay);
+}
+
+TEST_F(FormCalendar, AStepOfTheStartStaysInItsDay) {
+    const auto key = Add("Late", 0, 1410, 1430);
+    week->Choose(0);
+    Visitor visitor;
+    visitor.Meet("frmAppointment", [](QWidget& editor) {
+        QTest::keyClick(&Named(editor, "ctlHH0"), Qt::Key_Up);
+        EXPECT_EQ(Named<QComboBox>(editor, "ctlHH0").currentText(), "23");
+        EXPECT_EQ(Named<QComboBox>(editor, "ctlNN0").currentText(), "30");
+        for (int step = 0; step < 9; ++step)
+            QTest::keyClick(&Named(editor, "ctlNN0"), Qt::Key_Up);
+        Click(editor, "cmdOK");
+    });
+    Press(Qt::Key_Return);
+    EXPECT_EQ(MinuteOfDay(Stored(key).start), 1435);
+    EXPECT_EQ(DayOf(Stored(key).start), kSaturday);
 }
 
 TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {

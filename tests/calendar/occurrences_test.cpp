@@ -6,6 +6,7 @@
 #include <random>
 
 #include "calendar/appointment.h"
+#include "calendar/rowcheck.h"
 #include "support/calendar.h"
 #include "support/store.h"
 
@@ -13,6 +14,18 @@ namespace bmr::calendar {
 namespace {
 
 constexpr Day kMonday{46006};  // 2025-12-15
+
+/// Every fraction that is drawn is the same one.
+class SameFraction final : public RandomSource {
+  public:
+    explicit SameFraction(double fraction) : fraction_(fraction) {}
+    void Fill(std::span<std::uint8_t> out) override { bytes_.Fill(out); }
+    double Uniform() override { return fraction_; }
+
+  private:
+    double fraction_;
+    test::SeededRandom bytes_;
+};
 
 class Occurrences : public testing::Test {
   protected:
@@ -89,6 +102,44 @@ TEST_F(Occurrences, SeriesStandBeforeSinglesAtTheSameMinute) {
         EXPECT_EQ((*occurrences)[i], (Occurrence{entry.pk, entry.start}));
         EXPECT_EQ(entry.end.count, entry.start.count + 90);
         EXPECT_EQ(entry.recurring, entry.subject == "daily");
+    }
+}
+
+TEST_F(Occurrences, AnExtremeDrawLeavesNoneOutOfItsDay) {
+    constexpr double kGreatest = 1 - 0x1.0p-53;
+    for (const double fraction : {0.0, kGreatest})
+        for (const std::int32_t day : {0, -15000}) {  // the tables are mirrored before 1986
+            test::TempStore file;
+            SameFraction random(fraction);
+            store::Session session{{file.prompter, file.clock, random, file.registry}};
+            session.cipher.Keystring = Secret(cry::RandomBytes(random, 256));
+            session.ProgramDb = std::move(file.session.ProgramDb);
+            session.ShowPrivate = true;
+            Appointment single = Make(day, 600, "single");
+            ASSERT_EQ(WriteRecord(session, single).error, 0);
+            Appointment series = Make(day, 660, "series");
+            const DayCount only = DateToDays16({kMonday.serial + day});
+            series.redoString = WriteRedoRule(
+                {.kind = RedoKind::Daily, .endMode = RedoEnd::Date, .first = only, .last = only});
+            ASSERT_EQ(WriteRecord(session, series).error, 0);
+            for (const std::int32_t shown : {day - 1, day, day + 1}) {
+                const Day each{kMonday.serial + shown};
+                const auto found = AppointmentsInPeriod(session, {each, each}, locale);
+                ASSERT_TRUE(found);
+                EXPECT_EQ(found->size(), shown == day ? 2U : 0U) << fraction << " " << shown;
+            }
+        }
+}
+
+TEST_F(Occurrences, AnEdgeThatOthersDrewIsNoFault) {
+    for (const std::int32_t day : {0, -15000}) {
+        const std::int32_t key = Store(Make(day, 600, "single"));
+        const SpreadRange bucket = PackDateAt({kMonday.serial + day}, DateKind::Start, 0);
+        store.Set(key, "fR3", day < 0 ? bucket.low - 1 : bucket.high + 1);
+        EXPECT_TRUE(CheckRows(store.session)->empty()) << day;
+        store.Set(key, "fR3", day < 0 ? bucket.low - 2 : bucket.high + 2);
+        EXPECT_EQ(CheckRows(store.session)->size(), 1U) << day;
+        ASSERT_EQ(store::DeleteRow(store.session, key), 0);
     }
 }
 

@@ -74,6 +74,12 @@ TEST(RedoEvents, CountAndLastDayFollowEachOther) {
     SetCount(state, 5000, kMondays, {.limitTaken = [&told] { ++told; }});
     EXPECT_EQ(state.end, kUpperLimit);
     EXPECT_EQ(told, 1) << "once, however often it is met on the way";
+    RedoState late = Begun(kYearly);
+    SetStart(late, On("2067-01-05"), kMondays, {});
+    told = 0;
+    ChooseEndMode(late, RedoEnd::Date, kMondays, {.limitTaken = [&told] { ++told; }});
+    EXPECT_EQ(late.end, On("2069-01-05"));
+    EXPECT_EQ(told, 1);
 }
 
 TEST(RedoEvents, TheLastWeekdayStays) {
@@ -134,6 +140,42 @@ TEST(RedoEvents, ADayBeforeTheStartIsAskedAbout) {
     EXPECT_EQ(yearly.date, yearly.start);
 }
 
+TEST(RedoEvents, TheMonthOfAYearlySeriesIsItsOwn) {
+    struct Case {
+        const char* start;
+        int nth;
+        int month;
+        const char* first;
+        int asked = 0;
+        bool next = true;
+    };
+    const Case cases[] = {
+        {"2027-01-05", 1, 3, "2027-03-02"},  // its 5th lies behind the Tuesday, but so does the start
+        {"2027-01-31", 1, 2, "2027-02-07"},  // no 31st
+        {"2027-05-31", 5, 6, "2027-06-28"},  // no 31st
+        {"2027-03-20", 1, 2, "2028-02-05"},
+        {"2027-01-20", 1, 1, "2028-01-05", 1},  // the next month is none of the series
+        {"2027-01-20", 1, 1, "2027-01-06", 1, false},
+    };
+    for (const Case& each : cases)
+        for (const std::uint8_t mode : {RedoEnd::Never, RedoEnd::Count, RedoEnd::Date}) {
+            RedoState state = Begun(kYearly, 1);
+            SetStart(state, On(each.start), kMondays, {});
+            ChooseEndMode(state, mode, kMondays, {});
+            state.nth = each.nth;
+            int asked = 0;
+            SetMonth(state, each.month, kMondays,
+                     {.beginNextMonth = [&] { return ++asked > 0 && each.next; }});
+            EXPECT_EQ(IsoDate(state.start), each.first) << each.start << " mode " << int{mode};
+            EXPECT_EQ(state.date, state.start) << each.start;
+            EXPECT_EQ(asked, each.asked) << each.start;
+        }
+    RedoState late = Begun(kYearly, 1);
+    SetStart(late, On("2069-03-05"), kMondays, {});
+    SetMonth(late, 2, kMondays, {});
+    EXPECT_EQ(IsoDate(late.start), "2069-03-05") << "no February is left";
+}
+
 TEST(RedoEvents, NumberBoxes) {
     struct Case {
         const char* before;
@@ -144,7 +186,7 @@ TEST(RedoEvents, NumberBoxes) {
     const Case cases[] = {
         {"1", "12", "12", {}},
         {"", "x", "1", {12}},
-        {"2", "2x", "21", {12}},
+        {"2", "2é", "21", {12}},
         {"25", "255", "255", {}},
         {"25", "256", "25", {13}},
         {"25", "25-", "251", {12}},

@@ -302,6 +302,18 @@ TEST_F(SeriesChange, ExcludedDaysAreLeftOutAgain) {
                                DroppedDays(stored, edited.redoString, locale));
     });
     EXPECT_THAT(Shown(), ElementsAre("0 540", "4 540"));
+    // Where it cannot be left out again it comes back all the same, which is to be told.
+    const RedoRule monthly{.kind = RedoKind::MonthDay,
+                           .pattern = 5,
+                           .interval = 1,
+                           .first = DateToDays16(kFirst),
+                           .last = DateToDays16(After(900))};
+    rule.first = monthly.first;
+    rule.last = monthly.last;
+    rule.excluded = {DateToDays16(After(2)), DateToDays16(After(31))};
+    const Bytes changed = WriteRedoRule(monthly);
+    EXPECT_THAT(DroppedDays(WriteRedoRule(rule), changed, locale), ElementsAre(After(31)));
+    EXPECT_THAT(DaysToLeaveOut(changed, std::vector{After(31)}, locale), IsEmpty());
     // A kind that heeds none is cut instead.
     rule = {.kind = RedoKind::MonthWeekday, .endMode = RedoEnd::Never, .pattern = 2 + 8, .interval = 1};
     rule.first = DateToDays16(kFirst);

@@ -197,7 +197,10 @@ frmAppointment::~frmAppointment() {
 Appointment frmAppointment::Taken() {
     fields_.Take();
     Appointment taken = record_;
-    const TimeSpan span = StoredSpan(span_, redo_.frequency != 0, redo_.date);
+    TimeSpan span = StoredSpan(span_, redo_.frequency != 0, redo_.date);
+    // A foreign whole-day appointment may last several days, which no control here tells.
+    if (SameTimes(span_, loaded_) && stored_.allDay != 0 && span.start == stored_.start)
+        span.end = std::max(stored_.end, span.start);
     taken.start = span.start;
     taken.end = span.end;
     taken.allDay = Flag(span.allDay, stored_.allDay);

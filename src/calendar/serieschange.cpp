@@ -151,8 +151,9 @@ Result<Appointment> Fetch(Session& session, std::int32_t key) {
     auto row = FetchRecord(session, key, &error);
     if (error != 0) return Error{error, {}};
     if (!row) return Error{MessageNumber::NoRecord, {}};
-    if (!row->readable || (row->Recurring() && !ReadRedoRule(row->redoString)))
-        return Error{MessageNumber::UpdateImpossible, {}};
+    if (!row->readable) return Error{MessageNumber::UpdateImpossible, {}};
+    // Damaged or foreign bytes that mean no recurrence: the row is shown as a single appointment, and is one.
+    if (!ReadRedoRule(row->redoString)) row->redoString = WipedText();
     return std::move(*row);
 }
 
@@ -373,7 +374,7 @@ StoreOutcome StoreOccurrence(Session& session, Appointment& edited, std::int32_t
                              Reach reach, const LocaleFacts& locale, std::span<const Day> again) {
     int error = 0;
     const auto given = ForEditing(session, key, occurrence, reach, locale, &error);
-    if (error == MessageNumber::NoRecord && reach == Reach::All) return WriteRecord(session, edited);
+    if (error == MessageNumber::NoRecord) return WriteRecord(session, edited);
     if (!given) return {.error = error};
     if (again.empty() && Told(*given) == Told(edited)) return {.fPK = key};
     auto fetched = Fetch(session, key);

@@ -67,7 +67,7 @@ std::optional<Appointment> ForEditing(store::Session& session, std::int32_t key,
 
 /// Stores what the editor made of `ForEditing`, and sets its key: the series of `key` ends before the
 /// occurrence or leaves it out. Nothing is written where it is what `ForEditing` gives. `again`: days that
-/// the edited series is to leave out. A row that has vanished is added anew where all of it was edited.
+/// the edited series is to leave out. Where the row has vanished, what was edited is added anew.
 store::StoreOutcome StoreOccurrence(store::Session& session, Appointment& edited, std::int32_t key,
                                     Minutes occurrence, Reach reach, const LocaleFacts& locale,
                                     std::span<const Day> again = {});

@@ -273,12 +273,12 @@ TEST_F(SeriesChange, TheEditorGetsWhatTheReachMeans) {
     IsOneStep([&] { return keep(edited, Reach::ThisAndLater, kFirst); });
     EXPECT_EQ(FetchRecord(store.session, key)->subject, "first");
     EXPECT_THAT(Shown(), ElementsAre("0 540", "1 540", "2 540", "3 540", "4 540"));
-    // A row that has gone meanwhile is a new one where all of it was edited, and else told.
+    // What was written while the row went becomes a row of its own.
     edited = given(Reach::All, kFirst);
     Appointment one = given(Reach::This, kFirst);
     ASSERT_EQ(store::DeleteRow(store.session, key), 0);
     one.subject = edited.subject = "back";
-    EXPECT_EQ(keep(one, Reach::This, kFirst).error, MessageNumber::NoRecord);
+    EXPECT_TRUE(keep(one, Reach::This, kFirst).added);
     EXPECT_TRUE(keep(edited, Reach::All, kFirst).added);
     int error = 0;
     EXPECT_FALSE(ForEditing(store.session, key, At(kFirst, 540), Reach::This, locale, &error));
@@ -381,6 +381,22 @@ TEST_F(SeriesChange, WhatDoesNotDecodeIsGoneOrLiesOutsideIsLeftAlone) {
     EXPECT_EQ(StoreOccurrence(store.session, edited, key, At(kFirst, 540), Reach::All, locale).error,
               MessageNumber::UpdateImpossible);
     EXPECT_EQ(store.Rows(), damaged);
+}
+
+TEST_F(SeriesChange, ADamagedRecurrenceIsNone) {
+    Appointment damaged = ClearRecord(At(kFirst, 540), 30);
+    damaged.redoString = "odd";
+    ASSERT_EQ(WriteRecord(store.session, damaged).error, 0);
+    const auto before = store.Rows();
+    auto given = ForEditing(store.session, damaged.key, At(kFirst, 540), Reach::All, locale);
+    ASSERT_TRUE(given);
+    EXPECT_FALSE(given->Recurring());
+    ASSERT_EQ(StoreOccurrence(store.session, *given, damaged.key, At(kFirst, 540), Reach::All, locale).error,
+              0);
+    EXPECT_EQ(store.Rows(), before) << "nothing was changed";
+    ASSERT_EQ(Move(damaged.key, kFirst, Span(After(1), 600), Reach::All).error, 0);
+    EXPECT_FALSE(FetchRecord(store.session, damaged.key)->Recurring());
+    EXPECT_THAT(Shown(), ElementsAre("1 600"));
 }
 
 /// Each call by which the disk is written fails in turn.

@@ -15,6 +15,7 @@ class CommandLine {
         app_.set_version_flag("--version", "bmr " BMR_VERSION);
         AddReaders();
         AddWriters();
+        AddExports();
         AddWholeFile();
         AddGenerator();
     }
@@ -66,8 +67,17 @@ class CommandLine {
         list->add_option("--to", options_.to, "calendar: last day, YYYY-MM-DD (a year after --from)");
         list->add_flag("--rows", options_.rows, "calendar: the rows as they stand, a series once");
         Week(list);
-        Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
+        CLI::App* show = Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
+        show->add_flag("--card", options_.card, "address: head and body of its card");
         Plain(ShowPrivate(Json(Command("dump", "Show every record of every section", bmr::tools::RunDump))));
+    }
+
+    void AddExports() {
+        CLI::App* out = ShowPrivate(
+            Command("export", "Write records in plain text, outside of the database", bmr::tools::RunExport));
+        out->add_option("SECTION", options_.section, "address")->required();
+        out->add_option("--category", options_.category, "Only this category");
+        out->add_option("--tab", options_.tab, "A file of lines and tabs, replaced in one step")->required();
     }
 
     void AddWriters() {

@@ -36,6 +36,10 @@ struct Options {
 
     /// Show secrets in tables too.
     bool plain = false;
+    /// Show an address as its card.
+    bool card = false;
+    /// Of `export`: where the text with tabs goes.
+    std::filesystem::path tab;
 
     /// What `add` was given: "NAME=VALUE", and by the sections' short options.
     std::vector<std::string> fields;
@@ -61,6 +65,7 @@ void RunPasswd(const Options& options);
 void RunCompact(const Options& options);
 void RunCheck(const Options& options);
 void RunArchive(const Options& options);
+void RunExport(const Options& options);
 void RunGenerate(const Options& options);
 
 /// `RunList` of a calendar whose rows are not asked for.

@@ -57,12 +57,9 @@ std::optional<std::size_t> ShownSlot(const Record& record) {
                      [&record](std::size_t slot) { return std::string_view(record.Com(slot)); });
 }
 
-/// The text of fT2 from that of the value as a column.
-Bytes WithSuffix(std::string_view column, std::string_view label) {
-    const bool marked = store::IsMarked(column);
-    WipedText text = marked ? WipedText(TrimBlanks(column)) : WipedText(column);
-    text += SuffixOf(label);
-    if (marked) text += " ";
+/// The text of fT2 from that of the value; `whole`: a companion holds more of it than these letters.
+Bytes WithSuffix(std::string_view told, bool whole, std::string_view label) {
+    WipedText text = Joined(whole ? TrimBlanks(told) : told, SuffixOf(label), whole ? " " : "");
     return std::move(text);
 }
 
@@ -119,11 +116,12 @@ Bytes ContactColumn(const Record& record, RandomSource& random) {
     const auto slot = ShownSlot(record);
     if (!slot) return {};
     const auto number = static_cast<std::uint8_t>(FieldNumber::Com1 + *slot);
-    // As a column the codec gives the letters that the file holds already, and the mark.
+    // As a column the codec gives the letters that the file holds already.
     const store::FieldSlot column{{number, store::FieldTag::Text, "", store::Kind::ColumnName},
                                   kAddressFields[number].place(const_cast<Record&>(record))};
     const auto encoded = store::EncodeSlots({&column, 1}, record.carried, store::Blanks::Store, 0, random);
-    return WithSuffix(encoded.column, record.ComLabel(*slot));
+    const bool whole = !IsBlank(store::GetPayloadField(encoded.payload, store::CompanionOf(number)));
+    return WithSuffix(encoded.column, whole, record.ComLabel(*slot));
 }
 
 Bytes ContactOfPayload(std::string_view payload) {
@@ -141,8 +139,7 @@ Bytes ContactOfPayload(std::string_view payload) {
     if (!shown) return {};
     const std::string_view value = valueOf(*shown);
     const bool fits = store::JudgeCompanion(whole[*shown], value) == store::CompanionState::Fits;
-    const WipedText column = fits ? Joined(TrimBlanks(value), " ") : WipedText(value);
-    return WithSuffix(column, told[FieldNumber::ComLabel1 + *shown]);
+    return WithSuffix(value, fits, told[FieldNumber::ComLabel1 + *shown]);
 }
 
 }  // namespace bmr::address

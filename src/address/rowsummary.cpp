@@ -25,10 +25,10 @@ void SetText(RowSummary& summary, std::size_t which, std::string_view plain, boo
 /// The whole texts of a row whose columns hold letters for them.
 void Complete(RowSummary& summary, std::string_view payload, std::string_view column) {
     const Record record = DecodeAddressRecord(payload, column);
-    summary.fileAs = record.fileAs;
+    summary.fileAs = TrimBlanks(record.fileAs);
     // What a payload does not tell is shown as the column has it.
-    if (WipedText contact = AddressContactText(record); !contact.empty())
-        summary.contact = std::move(contact);
+    const WipedText contact = AddressContactText(record);
+    if (!TrimBlanks(contact).empty()) summary.contact = TrimBlanks(contact);
 }
 
 }  // namespace

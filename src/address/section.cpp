@@ -1,7 +1,7 @@
 #include "address/section.h"
 
 #include "address/addressbook.h"
-#include "store/categories.h"
+#include "address/addwords.h"
 
 namespace bmr::address {
 namespace {
@@ -43,6 +43,8 @@ constexpr store::SectionFacts kSections[] = {
      .order = &kRecords,
      .clauses = Clauses,
      .list = List,
+     .add = AddFromWords,
+     .options = kAddOptions,
      .move = Move,
      .hide = Hide,
      .remove = Remove},

@@ -4,6 +4,9 @@
 #include <random>
 #include <vector>
 
+#include "address/addressbook.h"
+#include "address/contact.h"
+#include "address/rowsummary.h"
 #include "confidential/confidential.h"
 #include "main_shared.h"
 #include "notes/memo.h"
@@ -13,9 +16,9 @@
 #include "store/undo.h"
 
 /// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
-/// memos and confidential records by the functions of their sections, takes such steps back and does them
-/// again, all in random order, then reads every one and compares it with what was stored. What the whole file
-/// looks like afterwards is for `bmr check` to say.
+/// memos, confidential records and addresses by the functions of their sections, takes such steps back and
+/// does them again, all in random order, then reads every one and compares it with what was stored. What the
+/// whole file looks like afterwards is for `bmr check` to say.
 namespace {
 
 using namespace bmr;
@@ -70,17 +73,39 @@ class Player {
         for (std::int32_t kind = 1; kind <= 16; ++kind)
             if (const auto keys = confidential::ListRecords(session_, kind)) count += keys->size();
         if (count != records_.records.size()) throw Failure("the records listed are not those stored");
-        for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
+        CompareAddresses();
+        for (const std::uint8_t section :
+             {store::Section::Memo, store::Section::Confidential, store::Section::Address})
             if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
                 throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
     }
 
     std::string Counts() const {
         return std::to_string(memos_.records.size()) + " memos, " + std::to_string(records_.records.size()) +
-               " records, " + std::to_string(taken_) + " steps back or forth";
+               " records, " + std::to_string(addresses_.records.size()) + " addresses, " +
+               std::to_string(taken_) + " steps back or forth";
     }
 
   private:
+    void CompareAddresses() {
+        std::size_t named = 0;
+        for (const address::Record& record : addresses_.records) {
+            const auto read = address::FetchRecord(session_, record.key);
+            if (!read || !read->readable || read->texts != record.texts ||
+                TrimBlanks(read->fileAs) != TrimBlanks(record.fileAs) || read->category != record.category ||
+                read->isPrivate != record.isPrivate)
+                throw Failure("address " + std::to_string(record.key) + " is not what was stored");
+            const auto shown = address::ReadSummaries(session_, std::array{record.key});
+            if (!shown || shown->size() != 1 || shown->front().fileAs != TrimBlanks(record.fileAs) ||
+                shown->front().contact != TrimBlanks(address::AddressContactText(record)) ||
+                shown->front().isPrivate != record.isPrivate)
+                throw Failure("address " + std::to_string(record.key) + " is not shown as it was stored");
+            if (!shown->front().Nameless()) ++named;
+        }
+        const auto listed = address::ListRecords(session_, store::Category::All);
+        if (!listed || listed->size() != named) throw Failure("the addresses listed are not those stored");
+    }
+
     int Draw(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
 
     /// Crowded on purpose: half of the names share their first letters, some are equal, some empty.
@@ -165,7 +190,8 @@ class Player {
         const int what = Draw(20);
         if (what == 0) return GoBackAndForth(memos_);
         if (what == 1) return GoBackAndForth(records_);
-        what % 2 == 0 ? OnMemos() : OnRecords();
+        if (what == 2) return GoBackAndForth(addresses_);
+        what % 3 == 0 ? OnMemos() : what % 3 == 1 ? OnRecords() : OnAddresses();
     }
 
     void OnMemos() {
@@ -197,10 +223,26 @@ class Player {
         Did(records_, record.key, old, std::optional(record));
     }
 
+    void OnAddresses() {
+        const int what = addresses_.records.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(addresses_);
+        std::optional<address::Record> old;
+        if (what >= 5) old = Any(addresses_.records);
+        address::Record record = old ? *old : address::ClearRecord(Draw(kCategories));
+        if (what < 7) record.fileAs = Name();
+        if (!old || what == 7) record.Com(static_cast<std::size_t>(Draw(9))) = Name();
+        if (what == 7) record[address::FieldNumber::ComDisplay] = std::to_string(Draw(9));
+        if (!old || what == 8) record[address::FieldNumber::Notes] = Text();
+        record.isPrivate = Draw(10) == 0;
+        Check(address::WriteRecord(session_, record));
+        Did(addresses_, record.key, old, std::optional(record));
+    }
+
     store::Session& session_;
     std::mt19937 random_;
     Steps<Memo> memos_{store::Section::Memo, {}, {}, {}};
     Steps<Record> records_{store::Section::Confidential, {}, {}, {}};
+    Steps<address::Record> addresses_{store::Section::Address, {}, {}, {}};
     int taken_ = 0;  ///< steps that were taken back or done again
 };
 
@@ -208,7 +250,7 @@ class Player {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Works on memos and confidential records of a database at random.", "random_ops");
+    CLI::App app("Works on memos, confidential records and addresses of a database at random.", "random_ops");
     app.add_option("FILE", options.file, "The database")->required();
     app.add_option("--passphrase-fd", options.passphraseFd, "Where the passphrase comes from");
     app.add_option("--operations", options.operations, "How many")->capture_default_str();

@@ -4,6 +4,7 @@
 
 #include "address/addressbook.h"
 #include "address/exportfile.h"
+#include "address/payloadsource.h"
 #include "base/shortdate.h"
 #include "store/record_get.h"
 #include "store/words.h"

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "store/session.h"
+
+namespace bmr::address {
+
+/// Hands over the records of `keys` in their order, deciphered many at a time: the plain payload, and fT1.
+class PayloadSource {
+  public:
+    PayloadSource(store::Session& session, std::vector<std::int32_t> keys)
+        : session_(session), keys_(std::move(keys)) {}
+
+    /// Gives the next some hundred records to `each`. False when there were none left, or none could be read
+    /// (`error`).
+    bool Next(
+        const std::function<void(std::int32_t key, std::string_view payload, std::string_view name)>& each);
+    int error() const { return error_; }
+    /// How many were not handed over yet.
+    std::size_t Left() const { return keys_.size() - at_; }
+
+  private:
+    store::Session& session_;
+    std::vector<std::int32_t> keys_;
+    std::size_t at_ = 0;
+    int error_ = 0;
+};
+
+}  // namespace bmr::address

@@ -77,7 +77,18 @@ class CommandLine {
             Command("export", "Write records in plain text, outside of the database", bmr::tools::RunExport));
         out->add_option("SECTION", options_.section, "address")->required();
         out->add_option("--category", options_.category, "Only this category");
-        out->add_option("--tab", options_.tab, "A file of lines and tabs, replaced in one step")->required();
+        out->add_option("--tab", options_.tab, "A file of lines and tabs, replaced in one step");
+        out->add_option("--vcard", options_.vcard, "A file of vCards of version 4.0, replaced in one step");
+        CLI::App* in = ShowPrivate(
+            Command("import", "Add the records of a file, all of them or none", bmr::tools::RunImport));
+        in->add_option("SECTION", options_.section, "address")->required();
+        in->add_option("--vcard", options_.vcard, "A file of vCards of version 2.1, 3.0 or 4.0")->required();
+        in->add_option("--category", options_.category, "For cards that name none that exists");
+        in->add_option("--duplicates", options_.duplicates,
+                       "What becomes of a card whose name and number are there already")
+            ->check(CLI::IsMember({"skip", "merge", "add"}))
+            ->capture_default_str();
+        in->add_flag("--preview", options_.preview, "Only tell what the file holds");
     }
 
     void AddWriters() {

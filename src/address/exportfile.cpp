@@ -1,5 +1,6 @@
 #include "address/exportfile.h"
 
+#include <optional>
 #include <system_error>
 
 #include "engine/fileio.h"
@@ -21,13 +22,23 @@ std::filesystem::path NameBeside(const std::filesystem::path& path, RandomSource
 }  // namespace
 
 Result<bool> ReplaceFile(store::Session& session, const std::filesystem::path& path,
-                         const std::function<std::string_view()>& next) {
+                         const std::function<Result<std::string_view>()>& next) {
     std::error_code ignored;
     // Any other handle of the open database would drop its locks, and its own text would be gone.
     if (std::filesystem::equivalent(path, session.DatabasePath, ignored))
         return Refused(path, "it is the open database");
     const std::filesystem::path beside = NameBeside(path, session.ports.random);
-    int error = engine::WriteNewFile(beside, next);
+    std::optional<Error> unread;
+    int error = engine::WriteNewFile(beside, [&]() -> std::string_view {
+        const auto part = next();
+        if (part) return *part;
+        unread = part.error();
+        return {};
+    });
+    if (unread) {
+        std::filesystem::remove(beside, ignored);
+        return *unread;
+    }
     if (error == 0) error = engine::RenameOver(beside, path);
     if (error == 0) error = engine::SyncFolder(path.parent_path());
     if (error == 0) return true;

@@ -67,17 +67,18 @@ Result<Exported> ExportAddressTabDelimited(store::Session& session, std::int32_t
     PayloadSource source(session, std::move(*keys));
     WipedText part = TabHeader();
     bool first = true;
-    const auto next = [&]() -> std::string_view {
+    const auto next = [&]() -> Result<std::string_view> {
         if (first) {
             first = false;
-            return part;
+            return std::string_view(part);
         }
         part = WipedText();
         source.Next([&](std::int32_t, std::string_view payload, std::string_view) {
             AppendTabLine(part, payload, locale, exported.transliterated);
             ++exported.records;
         });
-        return part;
+        if (source.error() != 0) return Error{source.error(), session.ProgramDb->LastError()};
+        return std::string_view(part);
     };
     const auto written = ReplaceFile(session, path, next);
     if (!written) return written.error();

@@ -143,6 +143,49 @@ class Files(AddressBase):
         self.assertEqual(text.read_bytes().count(b"\t\r\n"), len(family) + 1)
         self.assertEqual({p.name for p in self.folder.iterdir()}, {self.file.name, "out.txt"})
 
+    def test_vcards_go_out_and_come_in_whole(self):
+        self.sample(200, seed=6, sections="address")
+        cards = self.folder / "all.vcf"
+        self.assertIn("200 addresses were written", self.bmr("export", "address", "--vcard", cards))
+        self.assertIn("name and number are there", self.bmr("import", "address", "--vcard", cards, "--preview"))
+        told = self.bmr("import", "address", "--vcard", cards)
+        self.assertRegex(told, r"skipped 1 .* - it is there already\n")
+        wanted = self.addresses()
+        other = self.folder / "other.bmr"
+        self.bmr("new", file=other)
+        told = self.bmr("import", "address", "--vcard", cards, "--duplicates", "add", file=other)
+        self.assertTrue(told.endswith("200 added, 0 merged, 0 skipped\n"), told[-80:])
+        self.assertIn("all whole", self.bmr("check", file=other))
+        found = {(r["fileAs"], r["Notes"], *(r[c] for c in COMS)): r for r in self.addresses(file=other)}
+        for record in wanted:
+            # The other file has no categories: their names stand in the notes.
+            if record["category"]["number"]:
+                note = f"Categories: {record['category']['name']}"
+                record["Notes"] += ("\r\n" if record["Notes"] else "") + note
+            twin = found[(record["fileAs"], record["Notes"], *(record[c] for c in COMS))]
+            self.assertEqual({**twin, "fPK": 0, "category": 0}, {**record, "fPK": 0, "category": 0})
+
+    def test_an_import_is_whole_or_none(self):
+        self.bmr("new")
+        cards = self.folder / "in.vcf"
+        cards.write_bytes(b"BEGIN:VCARD\r\nVERSION:2.1\r\nN;CHARSET=ISO-8859-1:M\xfcller;Eva\r\nTEL;CELL:0664 1\r\n"
+                          b"PHOTO;ENCODING=BASE64;JPEG:\r\n AAAA\r\n\r\nEND:VCARD\r\n"
+                          b"BEGIN:VCARD\r\nTEL:1\r\nEND:VCARD\r\nBEGIN:VCARD\r\nFN:\x1b[31mRed\r\n")
+        before = self.file.read_bytes()
+        told = self.bmr("import", "address", "--vcard", cards, "--preview")
+        self.assertEqual(told, "card    1 Müller, Eva - without PHOTO\nskip    2 (no name) - it has no name\n"
+                               "skip    3 (no name) - the file ends within it\n")
+        self.assertEqual(self.file.read_bytes(), before)
+        told = self.bmr("import", "address", "--vcard", cards)
+        self.assertEqual(told, "added   1 Müller, Eva - left out: PHOTO\nskipped 2 (no name) - it has no name\n"
+                               "skipped 3 (no name) - the file ends within it\n1 added, 0 merged, 2 skipped\n")
+        self.assertEqual([r["contact"] for r in self.addresses()], ["0664 1 (M)"])
+        before = self.file.read_bytes()
+        for args in (["--vcard", self.file], ["--vcard", self.folder / "none.vcf"], ["--vcard", self.folder],
+                     ["--vcard", cards, "--category", "None"]):
+            self.bmr("import", "address", *args, status=1)
+        self.assertEqual(self.file.read_bytes(), before)
+
 
 if __name__ == "__main__":
     main()

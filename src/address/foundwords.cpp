@@ -1,6 +1,7 @@
 #include "address/foundwords.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "address/telephone.h"
 #include "base/unicode.h"
@@ -16,18 +17,20 @@ struct PlainText {
     std::vector<std::size_t> places;  ///< and one more, of the end
 };
 
-/// Characters of one script stand together, as their letters may depend on each other.
+/// Character by character, each of them looked up once: a long note has few different ones.
 PlainText PlainOf(std::string_view text) {
     PlainText plain;
     plain.letters.reserve(text.size());
     plain.places.reserve(text.size() + 1);
+    std::unordered_map<char32_t, Bytes> known;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t begin = at;
         const char32_t character = NextCharacter(text, at);
-        Bytes letters;
-        if (const int byte = ByteOf(character); byte >= 0)
+        const auto [entry, isNew] = known.try_emplace(character);
+        Bytes& letters = entry->second;
+        if (const int byte = isNew ? ByteOf(character) : -1; byte >= 0)
             letters = conversion::PlainUpper(Bytes(1, ByteChar(static_cast<unsigned>(byte))));
-        else
+        else if (isNew)
             letters = conversion::PlainUpper(Transliterate(text.substr(begin, at - begin)));
         plain.letters.Reserve(letters.size());
         plain.letters.append(letters);

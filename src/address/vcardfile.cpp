@@ -24,6 +24,8 @@ using store::Session;
 
 /// So many records wait for their places to be worked out together: some ten MiB.
 constexpr std::size_t kBatch = 10000;
+/// More cards than any address book; what is told of each takes memory.
+constexpr std::size_t kMostCards = 200000;
 /// Numbers are the same when so many of their last digits are.
 constexpr std::size_t kTellingDigits = 8;
 
@@ -142,6 +144,7 @@ Result<std::size_t> ReadCards(Session& session, const std::filesystem::path& pat
     std::size_t count = 0;
     VCard card;
     while (reader.Next(card)) {
+        if (count == kMostCards) return Unreadable(path, "holds more than 200,000 vCards: divide it");
         CardRecord made = RecordOfCard(card);
         SeenCard seen;
         seen.number = ++count;

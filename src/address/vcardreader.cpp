@@ -252,7 +252,9 @@ bool VCardReader::LogicalLine(Line& line) {
     for (Line more; PhysicalLine(more);) {
         const bool soft = quoted && line.text.ends_with('=');
         const bool folded = !more.text.empty() && (more.text[0] == ' ' || more.text[0] == '\t');
-        if (!soft && !folded) {
+        // Some write a picture without blanks in front of its lines.
+        const bool picture = line.isMedia && !more.text.empty() && more.text.find(':') == std::string::npos;
+        if (!soft && !folded && !picture) {
             ahead_ = std::move(more);
             break;
         }
@@ -330,7 +332,7 @@ bool VCardReader::Next(VCard& card) {
         } else if (isLine(line, "END:VCARD")) {
             if (--depth == 0) return true;
         } else if (depth == 1) {
-            size += line.text.size();
+            if (!line.isMedia) size += line.text.size();
             if (size > kLargestCard || card.properties.size() >= kMostProperties)
                 card.problem = "it is larger than any record";
             else

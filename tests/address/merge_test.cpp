@@ -6,7 +6,9 @@
 
 #include "address/addressbook.h"
 #include "address/birthdays.h"
+#include "address/birthdaytext.h"
 #include "address/contact.h"
+#include "address/mailing.h"
 #include "address/vcardfile.h"
 #include "store/indices.h"
 #include "store/undo.h"
@@ -213,6 +215,39 @@ TEST_F(VCardFiles, BirthdaysComeInTheirOrder) {
     EXPECT_EQ(told(), (Told{{"Today", 26}, {"New year", 36}, {"Łucja", 65}}));
     store.session.ShowPrivate = false;
     EXPECT_EQ(told(), (Told{{"Today", 26}, {"Łucja", 65}}));
+}
+
+TEST(Birthdays, AreDatesThatARecordHolds) {
+    const LocaleFacts german{.shortDate = "dd.MM.yyyy"};
+    EXPECT_EQ(ReadBirthday("  ", german).date.serial, 0);
+    EXPECT_EQ(ReadBirthday("17.5.1961", german).date.serial, 22418);
+    EXPECT_EQ(ReadBirthday("1961-05-17", german).date.serial, 22418);
+    for (const char* none : {"31.02.", "1880", "31.02.1960", "soon"}) {
+        EXPECT_EQ(ReadBirthday(none, german).problem, "This is no date. Write it like 17.05.1961.") << none;
+        EXPECT_FALSE(ReadBirthday(none, german).isBeyond);
+    }
+    for (const auto& [typed, fits] : {std::pair("14.10.1903", false),
+                                      {"15.10.1903", true},
+                                      {"14.04.2069", true},
+                                      {"15.04.2069", false}}) {
+        const BirthdayText read = ReadBirthday(typed, german);
+        EXPECT_EQ(read.problem.empty(), fits) << typed;
+        EXPECT_EQ(read.isBeyond, !fits) << typed;
+    }
+}
+
+TEST_F(VCardFiles, AMailReachesEachAddressOnce) {
+    Record both = Person("A", "a@example.org");
+    both.ComLabel(0) = "5";
+    both.Com(5) = "shown@example.org";
+    both[FieldNumber::ComDisplay] = "5";
+    Record same = Person("B", "555");
+    same.Com(6) = " Shown@Example.org ";
+    for (Record record : {both, same, Person("C", "c@example.org"), Person("D")})
+        ASSERT_EQ(WriteRecord(store.session, record), 0);
+    const auto mailing = MailingOf(store.session, -1);
+    EXPECT_EQ(mailing->Text(), "?bcc=shown@example.org") << "what is no mail address by its kind is none";
+    EXPECT_EQ(mailing->without, 2U);
 }
 
 }  // namespace

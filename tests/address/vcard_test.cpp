@@ -185,7 +185,7 @@ TEST(VCards, DamagedOnesCostNoOthers) {
     std::string photo = "BEGIN:VCARD\nFN:Photo\nPHOTO;ENCODING=b:\n";
     std::string many = "BEGIN:VCARD\nFN:Many\n";
     for (int i = 0; i < 10000; ++i) {
-        photo += " " + std::string(74, 'A') + "\n";
+        photo += std::string(i < 5000 ? " " : "") + std::string(74, 'A') + "\n";
         many += "NOTE:x\n";
     }
     EXPECT_EQ(problems(photo + "END:VCARD\n" + many + "END:VCARD\n" + good),

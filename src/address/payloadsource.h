@@ -11,13 +11,17 @@
 namespace bmr::address {
 
 /// Hands over the records of `keys` in their order, deciphered many at a time: the plain payload, and fT1.
+/// Many at once share key schedules; few leave a window alive.
 class PayloadSource {
   public:
-    PayloadSource(store::Session& session, std::vector<std::int32_t> keys)
-        : session_(session), keys_(std::move(keys)) {}
+    enum class Step : std::uint8_t { Large, Small };
+    enum class Names : bool { Leave, Read };
 
-    /// Gives the next some hundred records to `each`. False when there were none left, or none could be read
-    /// (`error`).
+    PayloadSource(store::Session& session, std::vector<std::int32_t> keys, Step step = Step::Large,
+                  Names names = Names::Read)
+        : session_(session), keys_(std::move(keys)), step_(step), names_(names) {}
+
+    /// Gives the next records to `each`. False when there were none left, or none could be read (`error`).
     bool Next(
         const std::function<void(std::int32_t key, std::string_view payload, std::string_view name)>& each);
     int error() const { return error_; }
@@ -27,6 +31,8 @@ class PayloadSource {
   private:
     store::Session& session_;
     std::vector<std::int32_t> keys_;
+    Step step_;
+    Names names_;
     std::size_t at_ = 0;
     int error_ = 0;
 };

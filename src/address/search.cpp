@@ -3,12 +3,15 @@
 #include <algorithm>
 
 #include "address/record.h"
+#include "address/telephone.h"
 #include "store/section_store.h"
 
 namespace bmr::address {
 namespace {
 
-constexpr std::size_t kChunk = 4096;
+/// Rows that are read, and texts that are deciphered, between two looks of the window.
+constexpr std::size_t kReadStep = 16384;
+constexpr std::size_t kDecipherStep = 8192;
 
 }  // namespace
 
@@ -24,25 +27,29 @@ void AddressSearch::Look(std::string_view typed) {
     words_ = SearchWords(typed);
     error_ = 0;
     payloads_.reset();
-    chunk_ = 0;
     found_.assign(keys_.size(), words_.empty());
     count_ = words_.empty() ? keys_.size() : 0;
-    phase_ = words_.empty() ? Phase::Done : Phase::Columns;
-    if (phase_ == Phase::Columns && !words_.InColumns()) BeginFields();
+    if (words_.empty())
+        phase_ = Phase::Done;
+    else if (!words_.InColumns())
+        BeginFields();
+    else
+        phase_ = Phase::Columns;
 }
 
 bool AddressSearch::Step() {
     switch (phase_) {
         case Phase::Columns:
             // What is held already is looked through at once.
-            for (; chunk_ < chunks_.size(); ++chunk_)
-                LookInChunk(chunks_[chunk_]);
-            if (!allRead_) return ReadChunk();
-            if (words_.InFields())
-                BeginFields();
-            else
-                phase_ = Phase::Done;
+            for (std::size_t place = 0; place < rows_.size(); ++place)
+                LookAt(place);
+            phase_ = allCiphered_ ? Phase::Decipher : Phase::Read;
+            if (allCiphered_ && deciphered_ == ciphered_.size()) LeaveColumns();
             return !Done();
+        case Phase::Read:
+            return ReadSome();
+        case Phase::Decipher:
+            return DecipherSome();
         case Phase::Fields:
             return LookInFields();
         case Phase::Done:
@@ -51,57 +58,90 @@ bool AddressSearch::Step() {
     return false;
 }
 
-bool AddressSearch::ReadChunk() {
+bool AddressSearch::ReadSome() {
     if (!session_.ProgramDb) return Fail(engine::EngineNumber::Failed);
     if (!cursor_) {
         auto cursor = session_.ProgramDb->Select("SELECT fPK, fT1, fT2 FROM tt WHERE fSec=" +
                                                  std::to_string(kRecords.section) + store::kOwnerAccess);
         if (!cursor) return Fail(cursor.error().number);
         cursor_.emplace(std::move(*cursor));
+        rows_.resize(keys_.size());
     }
-    Chunk chunk;
-    std::vector<Bytes> ciphered;
-    ciphered.reserve(2 * kChunk);
-    while (chunk.rows.size() < kChunk && cursor_->Next()) {
+    const auto add = [this](std::string_view text, std::uint32_t place, bool isContact) {
+        const unsigned selector = text.size() < 2 ? 0 : ByteAt(text, 0) << 8 | ByteAt(text, 1);
+        ciphered_.push_back({static_cast<std::uint16_t>(selector), isContact, place,
+                             static_cast<std::uint32_t>(arena_.size()),
+                             static_cast<std::uint32_t>(text.size())});
+        arena_.append(text);
+    };
+    for (std::size_t read = 0; read < kReadStep; ++read) {
+        if (!cursor_->Next()) {
+            if (cursor_->error() != 0) return Fail(cursor_->error());
+            cursor_.reset();
+            allCiphered_ = true;
+            // Texts of one selector share a key schedule, which is most of the work.
+            std::ranges::sort(ciphered_, {}, &Ciphered::selector);
+            phase_ = Phase::Decipher;
+            break;
+        }
         const auto place = places_.find(cursor_->Int(0));
         if (place == places_.end()) continue;
-        chunk.rows.push_back({place->second});
-        ciphered.emplace_back(cursor_->Bytes(1));
-        ciphered.emplace_back(cursor_->Bytes(2));
+        add(cursor_->Bytes(1), place->second, false);
+        add(cursor_->Bytes(2), place->second, true);
     }
-    if (cursor_->error() != 0) return Fail(cursor_->error());
-    if (chunk.rows.size() < kChunk) {
-        allRead_ = true;
-        cursor_.reset();
-    }
-    WipedText name;
-    const std::vector<std::string_view> views(ciphered.begin(), ciphered.end());
-    cry::DecipherBatch(session_.cipher, views, [&](std::size_t i, std::string_view plain) {
-        if (i % 2 == 0) {
-            name = plain;
-            return;
-        }
-        const SearchText text = SearchTextOf(name, plain);
-        chunk.text += text.letters;
-        chunk.rows[i / 2].letters = static_cast<std::uint32_t>(chunk.text.size());
-        chunk.text += text.digits;
-        chunk.rows[i / 2].digits = static_cast<std::uint32_t>(chunk.text.size());
-    });
-    LookInChunk(chunk);
-    chunks_.push_back(std::move(chunk));
-    chunk_ = chunks_.size();
     return true;
 }
 
-void AddressSearch::LookInChunk(const Chunk& chunk) {
-    const std::string_view all = chunk.text;
-    std::uint32_t begin = 0;
-    for (const Chunk::Row& row : chunk.rows) {
-        if (words_.Matches(all.substr(begin, row.letters - begin),
-                           all.substr(row.letters, row.digits - row.letters)))
-            Take(row.place);
-        begin = row.digits;
-    }
+bool AddressSearch::DecipherSome() {
+    std::size_t end = std::min(deciphered_ + kDecipherStep, ciphered_.size());
+    while (end > deciphered_ && end < ciphered_.size() &&
+           ciphered_[end].selector == ciphered_[end - 1].selector)
+        ++end;
+    std::vector<std::string_view> views;
+    views.reserve(end - deciphered_);
+    for (std::size_t i = deciphered_; i < end; ++i)
+        views.push_back(std::string_view(arena_).substr(ciphered_[i].begin, ciphered_[i].size));
+    WipedText& text = chunks_.emplace_back();
+    text.Reserve(arena_.size() * views.size() / std::max<std::size_t>(ciphered_.size(), 1));
+    cry::DecipherBatch(session_.cipher, views, [&](std::size_t i, std::string_view plain) {
+        const Ciphered& each = ciphered_[deciphered_ + i];
+        Row& row = rows_[each.place];
+        Piece& piece = each.isContact ? row.contact : row.name;
+        piece.chunk = static_cast<std::uint32_t>(chunks_.size() - 1);
+        piece.begin = static_cast<std::uint32_t>(text.size());
+        AppendSearchLetters(text, TrimBlanks(plain));
+        piece.size = static_cast<std::uint32_t>(text.size()) - piece.begin;
+        piece.isRead = true;
+    });
+    for (std::size_t i = deciphered_; i < end; ++i)
+        LookAt(ciphered_[i].place);
+    deciphered_ = end;
+    if (deciphered_ < ciphered_.size()) return true;
+    ciphered_.clear();
+    arena_.clear();
+    arena_.shrink_to_fit();
+    deciphered_ = 0;
+    LeaveColumns();
+    return !Done();
+}
+
+std::string_view AddressSearch::LettersOf(const Piece& piece) const {
+    if (!piece.isRead) return {};
+    return std::string_view(chunks_[piece.chunk]).substr(piece.begin, piece.size);
+}
+
+void AddressSearch::LookAt(std::size_t place) {
+    if (found_[place]) return;
+    const std::string_view contact = LettersOf(rows_[place].contact);
+    const WipedText digits = words_.WantsDigits() ? DigitsOf(contact) : WipedText();
+    if (words_.Matches(LettersOf(rows_[place].name), contact, digits)) Take(place);
+}
+
+void AddressSearch::LeaveColumns() {
+    if (words_.InFields())
+        BeginFields();
+    else
+        phase_ = Phase::Done;
 }
 
 void AddressSearch::BeginFields() {
@@ -109,7 +149,7 @@ void AddressSearch::BeginFields() {
     left.reserve(keys_.size() - count_);
     for (std::size_t place = 0; place < keys_.size(); ++place)
         if (!found_[place]) left.push_back(keys_[place]);
-    payloads_.emplace(session_, std::move(left));
+    payloads_.emplace(session_, std::move(left), PayloadSource::Step::Small);
     phase_ = Phase::Fields;
 }
 
@@ -149,19 +189,32 @@ std::vector<std::int32_t> AddressSearch::Found() const {
 }
 
 double AddressSearch::Progress() const {
-    if (phase_ == Phase::Done || keys_.empty()) return 1;
-    const auto share = [this](std::size_t part) {
-        return static_cast<double>(part) / static_cast<double>(keys_.size());
+    const auto share = [](std::size_t part, std::size_t all) {
+        return all == 0 ? 1 : static_cast<double>(part) / static_cast<double>(all);
     };
-    if (phase_ == Phase::Columns) return share(std::min(chunk_ * kChunk, keys_.size())) * 0.2;
-    return 0.2 + 0.8 * (1 - share(std::min(payloads_->Left(), keys_.size())));
+    switch (phase_) {
+        case Phase::Read:
+        case Phase::Columns:
+            return 0.05 * share(std::min(ciphered_.size() / 2, keys_.size()), keys_.size());
+        case Phase::Decipher:
+            return 0.05 + 0.15 * share(deciphered_, ciphered_.size());
+        case Phase::Fields:
+            return 0.2 + 0.8 * (1 - share(std::min(payloads_->Left(), keys_.size()), keys_.size()));
+        case Phase::Done:
+            break;
+    }
+    return 1;
 }
 
 void AddressSearch::ForgetTexts() {
     chunks_.clear();
-    chunk_ = 0;
-    allRead_ = false;
+    rows_.clear();
+    ciphered_.clear();
+    arena_.clear();
+    deciphered_ = 0;
+    allCiphered_ = false;
     cursor_.reset();
+    if (phase_ == Phase::Read || phase_ == Phase::Decipher) phase_ = Phase::Columns;
 }
 
 }  // namespace bmr::address

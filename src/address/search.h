@@ -37,28 +37,41 @@ class AddressSearch {
 
     /// Wipes the names and contacts that it holds; a running search reads them again.
     void ForgetTexts();
-    bool HoldsTexts() const { return !chunks_.empty(); }
+    bool HoldsTexts() const { return !chunks_.empty() || cursor_ || !ciphered_.empty(); }
 
   private:
-    enum class Phase : std::uint8_t { Columns, Fields, Done };
+    /// Names and contacts are read as they stand, then deciphered, then looked through.
+    enum class Phase : std::uint8_t { Read, Decipher, Columns, Fields, Done };
 
-    /// Names and contacts of some rows, one behind the other in memory that is wiped.
-    struct Chunk {
-        struct Row {
-            std::uint32_t place = 0;
-            std::uint32_t letters = 0;  ///< where they end
-            std::uint32_t digits = 0;   ///< and these
-        };
-        std::vector<Row> rows;
-        WipedText text;
+    /// A text as it stands in the file.
+    struct Ciphered {
+        std::uint16_t selector = 0;
+        bool isContact = false;
+        std::uint32_t place = 0;
+        std::uint32_t begin = 0;
+        std::uint32_t size = 0;
+    };
+    /// Where the letters of a text lie.
+    struct Piece {
+        std::uint32_t chunk = 0;
+        std::uint32_t begin = 0;
+        std::uint32_t size = 0;
+        bool isRead = false;
+    };
+    struct Row {
+        Piece name;
+        Piece contact;
     };
 
-    bool ReadChunk();
-    void LookInChunk(const Chunk& chunk);
+    bool ReadSome();
+    bool DecipherSome();
+    void LookAt(std::size_t place);
+    void LeaveColumns();
     bool LookInFields();
     void BeginFields();
     void Take(std::size_t place);
     bool Fail(int error);
+    std::string_view LettersOf(const Piece& piece) const;
 
     store::Session& session_;
     std::vector<std::int32_t> keys_;
@@ -68,10 +81,14 @@ class AddressSearch {
     Phase phase_ = Phase::Done;
     std::vector<bool> found_;
     std::size_t count_ = 0;
-    std::vector<Chunk> chunks_;
-    std::size_t chunk_ = 0;  ///< the next to be looked through
-    bool allRead_ = false;   ///< every name and contact is in the chunks
+
     std::optional<engine::Cursor> cursor_;
+    std::string arena_;               ///< the texts of `ciphered_`
+    std::vector<Ciphered> ciphered_;  ///< by their selectors once all are read
+    std::size_t deciphered_ = 0;      ///< of these
+    bool allCiphered_ = false;        ///< every text was read
+    std::vector<Row> rows_;           ///< by their places
+    std::vector<WipedText> chunks_;
     std::optional<PayloadSource> payloads_;
     int error_ = 0;
 };

@@ -18,8 +18,18 @@ namespace {
 constexpr std::size_t kMostWords = 16;
 constexpr std::size_t kFewestInFields = 3;
 
+/// Each character of the code page as a capital without accents, by its code.
+Bytes PlainLetters() {
+    Bytes all;
+    for (unsigned code = 0; code < 256; ++code)
+        all += ByteChar(code);
+    return conversion::PlainUpper(all);
+}
+
 WipedText LettersOf(std::string_view told) {
-    return conversion::PlainUpper(told);
+    WipedText letters;
+    AppendSearchLetters(letters, told);
+    return letters;
 }
 
 std::size_t CountCharacters(std::string_view utf8) {
@@ -41,9 +51,11 @@ bool IsCom(std::uint8_t number) {
 
 }  // namespace
 
-SearchText SearchTextOf(std::string_view nameColumn, std::string_view contactColumn) {
-    const std::string_view contact = TrimBlanks(contactColumn);
-    return {LettersOf(Joined(TrimBlanks(nameColumn), "\n", contact)), DigitsOf(contact)};
+void AppendSearchLetters(WipedText& out, std::string_view told) {
+    static const Bytes kPlain = PlainLetters();
+    out.Reserve(told.size());
+    for (const char c : told)
+        out.push_back(kPlain[static_cast<unsigned char>(c)]);
 }
 
 SearchWords::SearchWords(std::string_view typed) {
@@ -71,10 +83,11 @@ std::uint64_t SearchWords::FoundIn(std::string_view letters) const {
     return found;
 }
 
-bool SearchWords::Matches(std::string_view letters, std::string_view digits) const {
+bool SearchWords::Matches(std::string_view name, std::string_view contact, std::string_view digits) const {
     if (!digits_.empty() && digits.find(digits_) != std::string_view::npos) return true;
-    return std::ranges::all_of(needles_, [letters](const store::Needle& needle) {
-        return !needle.AsksTrueText() && letters.find(needle.Letters()) != std::string_view::npos;
+    return std::ranges::all_of(needles_, [&](const store::Needle& needle) {
+        return !needle.AsksTrueText() && (name.find(needle.Letters()) != std::string_view::npos ||
+                                          contact.find(needle.Letters()) != std::string_view::npos);
     });
 }
 

@@ -10,13 +10,8 @@
 
 namespace bmr::address {
 
-/// A name and a contact as a search holds them: letters as capitals without accents, and the digits of the
-/// contact.
-struct SearchText {
-    WipedText letters;  ///< of both, a line break between them
-    WipedText digits;
-};
-SearchText SearchTextOf(std::string_view nameColumn, std::string_view contactColumn);
+/// A name or a contact as a search holds it: letters as capitals without accents, one for each byte.
+void AppendSearchLetters(WipedText& out, std::string_view told);
 
 /// What a person typed into the search line: words, each of which a record must hold somewhere, without
 /// regard to case and accents; or the digits of a telephone number, however it is written.
@@ -29,7 +24,10 @@ class SearchWords {
     bool InFields() const { return inFields_; }
     /// Whether name and contact alone can tell: some scripts are known to the payload only.
     bool InColumns() const { return inColumns_; }
-    bool Matches(std::string_view letters, std::string_view digits) const;
+    /// Of the letters of both, and the digits of the contact.
+    bool Matches(std::string_view name, std::string_view contact, std::string_view digits) const;
+    /// Whether digits are asked for.
+    bool WantsDigits() const { return !digits_.empty(); }
     /// The same of all that a payload and its name hold.
     bool MatchesPayload(std::string_view nameColumn, std::string_view payload,
                         const LocaleFacts& locale) const;

@@ -64,7 +64,7 @@ Result<Exported> ExportAddressTabDelimited(store::Session& session, std::int32_t
     auto keys = ListRecords(session, category);
     if (!keys) return keys.error();
     Exported exported;
-    PayloadSource source(session, std::move(*keys));
+    PayloadSource source(session, std::move(*keys), PayloadSource::Step::Large, PayloadSource::Names::Leave);
     WipedText part = TabHeader();
     bool first = true;
     const auto next = [&]() -> Result<std::string_view> {

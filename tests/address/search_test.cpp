@@ -85,6 +85,12 @@ TEST_F(Searches, HoldTextsUntilTheyAreToldToForget) {
     EXPECT_FALSE(search.Step());
     EXPECT_EQ(search.FoundCount(), 1U);
     EXPECT_EQ(store.session.cipher.deciphered, before) << "from memory";
+    // What was read stays, if a key drops the search in the middle of it, and so does what was not.
+    AddressSearch halfway = Begin();
+    halfway.Look("na");
+    ASSERT_TRUE(halfway.Step());
+    ASSERT_TRUE(halfway.Step());
+    EXPECT_EQ(Find(halfway, "29").size(), 1U);
     // A key pressed while the fields are read drops that search.
     search.Look("name 7");
     ASSERT_TRUE(search.Step());
@@ -99,7 +105,8 @@ TEST_F(Searches, HoldTextsUntilTheyAreToldToForget) {
     store.session.ProgramDb.reset();
     few.ForgetTexts();
     few.Look("name");
-    EXPECT_FALSE(few.Step());
+    while (few.Step()) {
+    }
     EXPECT_NE(few.error(), 0);
 }
 

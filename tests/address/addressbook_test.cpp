@@ -11,6 +11,7 @@
 #include "base/languageus.h"
 #include "store/indices.h"
 #include "store/record_get.h"
+#include "store/sections.h"
 #include "store/undo.h"
 #include "support/data.h"
 #include "support/store.h"
@@ -239,6 +240,25 @@ TEST_F(AddressBook, TheOrderHoldsAfterRandomRenames) {
     }
     const auto listed = Names();
     EXPECT_EQ(std::multiset<Words>(listed.begin(), listed.end()), stored);
+}
+
+TEST_F(AddressBook, SeveralAreMovedHiddenAndDeletedInOneStepEach) {
+    store.session.ShowPrivate = store.session.undo.recording = true;
+    std::vector<std::int32_t> keys;
+    for (const char* name : {"Adler", "Łódź", "Muster"})
+        keys.push_back(Add(name, false, 1, "555").key);
+    const auto before = store.Rows();
+    const store::SectionFacts& facts = *store::FactsOf(Section::Address);
+    EXPECT_EQ(facts.move(store.session, keys, 2).changed, 3U);
+    EXPECT_EQ(Names(2).size(), 3U);
+    EXPECT_EQ(facts.hide(store.session, keys, true).changed, 3U);
+    EXPECT_TRUE(Summary(keys[1]).isPrivate);
+    EXPECT_EQ(Summary(keys[1]).fileAs, "Łódź");
+    EXPECT_EQ(facts.remove(store.session, keys).changed, 3U);
+    EXPECT_TRUE(Names().empty());
+    for (int step = 0; step < 3; ++step)
+        ASSERT_EQ(store::TakeStep(store.session, Section::Address, store::UndoWay::Undo).error, 0);
+    EXPECT_EQ(store.Rows(), before) << "to the byte";
 }
 
 TEST(PrivateMarkers, AgreeWithKnownAnswersAndTenThousandDraws) {

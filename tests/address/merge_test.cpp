@@ -110,19 +110,19 @@ TEST_F(VCardFiles, MergedRecordsAreOneStep) {
 
 TEST_F(VCardFiles, ComeInAndGoOutWhole) {
     std::vector<Record> records;
-    for (int i = 0; i < 700; ++i) {
+    for (int i = 0; i < 200; ++i) {
         Record record = Person("Name " + std::to_string(i), "0664 " + std::to_string(10000 + i));
         record[FieldNumber::Notes] = "Łódź\r\n" + std::string(static_cast<std::size_t>(i), 'n');
         record.isPrivate = i % 7 == 0;
         records.push_back(record);
     }
     ASSERT_EQ(AddRecords(store.session, records), 0);
-    ASSERT_EQ(ExportVCards(store.session, -1, path)->records, 700U);
+    ASSERT_EQ(ExportVCards(store.session, -1, path)->records, 200U);
     const auto before = Stored();
     ASSERT_EQ(DeleteRecords(store.session, -1), 0);
     const auto report = Import(CardFate::Skip);
     ASSERT_TRUE(report);
-    EXPECT_EQ(report->added, 700U);
+    EXPECT_EQ(report->added, 200U);
     const auto after = Stored();
     ASSERT_EQ(after.size(), before.size());
     for (std::size_t i = 0; i < after.size(); ++i) {
@@ -130,8 +130,8 @@ TEST_F(VCardFiles, ComeInAndGoOutWhole) {
         EXPECT_EQ(after[i].isPrivate, before[i].isPrivate);
     }
     // Once more: nothing is new.
-    EXPECT_EQ(Import(CardFate::Skip)->skipped, 700U);
-    EXPECT_EQ(Stored().size(), 700U);
+    EXPECT_EQ(Import(CardFate::Skip)->skipped, 200U);
+    EXPECT_EQ(Stored().size(), 200U);
     // One step takes the whole import back.
     ASSERT_EQ(store::TakeStep(store.session, store::Section::Address, store::UndoWay::Undo).error, 0);
     EXPECT_EQ(Stored().size(), 0U);

@@ -250,7 +250,8 @@ bool VCardReader::LogicalLine(Line& line) {
     const bool quoted = IsQuotedPrintable(line.text);
     line.isMedia = IsMediaName(NameOfLine(line.text));
     for (Line more; PhysicalLine(more);) {
-        const bool soft = quoted && line.text.ends_with('=');
+        // A value that ends so by mistake does not take the card's end with it.
+        const bool soft = quoted && line.text.ends_with('=') && Upper(TrimBlanks(more.text)) != "END:VCARD";
         const bool folded = !more.text.empty() && (more.text[0] == ' ' || more.text[0] == '\t');
         // Some write a picture without blanks in front of its lines.
         const bool picture = line.isMedia && !more.text.empty() && more.text.find(':') == std::string::npos;

@@ -142,6 +142,76 @@ TEST(VCards, OfVersion4) {
     EXPECT_EQ(made.leftOut, std::vector<std::string>{"PHOTO"});
 }
 
+/// One property each, as this or that program writes it.
+TEST(VCards, PropertiesInTheirManyForms) {
+    struct Case {
+        const char* version;
+        const char* line;
+        const char* field;
+        const char* value;
+    };
+    static constexpr Case kCases[] = {
+        {"2.1", "TEL;WORK;VOICE:+43 1 2", "ComLabel1", "1"},
+        {"2.1", "TEL;VOICE;CELL:+43 1 2", "ComLabel1", "8"},
+        {"2.1", "TEL;X-Mobil:1", "Com1", "1"},
+        {"2.1", "tel;pref;home:1", "ComDisplay", "0"},
+        {"2.1", "N;ENCODING=8BIT:Muster;Anna", "FirstName", "Anna"},
+        {"2.1", "N;CHARSET=WINDOWS-1252;ENCODING=QUOTED-PRINTABLE:=80uro;=8A", "LastName", "€uro"},
+        {"2.1", "N;ENCODING=QUOTED-PRINTABLE;CHARSET=utf-8:=E5=8C=97;=E4=BA=AC", "FirstName", "京"},
+        {"2.1", "N;QUOTED-PRINTABLE:A=3BB;C", "LastName", "A"},
+        {"2.1", "N:Semi\\;colon;C", "LastName", "Semi;colon"},
+        {"2.1", "NOTE:C:\\new\\table", "Notes", "C:\\new\\table"},
+        {"2.1", "NOTE;ENCODING=QUOTED-PRINTABLE:a=0Ab=0D=0Ac", "Notes", "a\r\nb\r\nc"},
+        {"2.1", "NOTE;ENCODING=QUOTED-PRINTABLE:100=", "Notes", "100="},
+        {"2.1", "NOTE;ENCODING=QUOTED-PRINTABLE:=G1=4", "Notes", "=G1=4"},
+        {"2.1", "URL;WORK:http://example.org:8080/a;b", "Com1", "http://example.org:8080/a;b"},
+        {"2.1", "BDAY:1961-05-17T00:00:00Z", "Notes", ""},
+        {"3.0", "TEL;TYPE=CELL;TYPE=pref:1", "ComDisplay", "0"},
+        {"3.0", "TEL;TYPE=\"HOME,FAX\":1", "ComLabel1", "3"},
+        {"3.0", "TEL;type=iPhone;type=CELL;type=VOICE;type=pref:1", "ComLabel1", "8"},
+        {"3.0", "TEL;TYPE=MAIN:1", "ComLabel1", "6"},
+        {"3.0", "TEL;TYPE=OTHER:1", "ComLabel1", "4"},
+        {"3.0", "TEL:1", "ComLabel1", "6"},
+        {"3.0", "EMAIL;type=INTERNET;type=HOME;type=pref:a@example.org", "ComLabel1", "5"},
+        {"3.0", "EMAIL:mailto:a@example.org", "Com1", "a@example.org"},
+        {"3.0", "TEL: ", "Com1", ""},
+        {"3.0", "ORG:", "CompanyName", ""},
+        {"3.0", "ORG:A\\;B\\, C;D;E", "CompanyName", "A;B, C"},
+        {"3.0", "ADR;TYPE=dom,home,postal,parcel:;;Weg 1;Graz", "HomeAddressCity", "Graz"},
+        {"3.0", "ADR;TYPE=INTL:;;Weg 1;Graz;;8010;AT", "HomeAddressPostalCode", "8010"},
+        {"3.0", "ADR;TYPE=home:PO Box 1;;;Graz;;;", "HomeAddressStreet", "PO Box 1"},
+        {"3.0", "ADR;TYPE=home:;;a\\nb;;;;", "HomeAddressStreet", "a\r\nb"},
+        {"3.0", "ADR;TYPE=home:;;;;;;", "HomeAddressStreet", ""},
+        {"3.0", "NOTE:tab\there\\Nand", "Notes", "tab\there\r\nand"},
+        {"3.0", "NOTE:end\\", "Notes", "end\\"},
+        {"3.0", "NICKNAME:Annie,Nan", "Notes", "Nickname: Annie,Nan"},
+        {"3.0", "X-ABShowAs:COMPANY", "Notes", ""},
+        {"3.0", "LABEL;TYPE=HOME:Weg 1\\n8010 Graz", "Notes", ""},
+        {"3.0", "BDAY;VALUE=date-time:1961-05-17T10:22:00-08:00", "Notes", ""},
+        {"3.0", "X-SPOUSE:Ann", "Spouse", "Ann"},
+        {"3.0", "X-ANNIVERSARY:2009-08-08", "Anniversary", "2009-08-08"},
+        {"3.0", "NOTE;CHARSET=UNKNOWN-7:caf\xE9", "Notes", "café"},
+        {"4.0", "TEL;VALUE=uri;TYPE=\"cell,text\":tel:+1-555-1", "Com1", "+1-555-1"},
+        {"4.0", "IMPP;PREF=1:xmpp:a@example.org", "Notes", "Chat: xmpp:a@example.org"},
+        {"4.0", "ADR;LABEL=\"Weg 1: hinten; links\";TYPE=work:;;Weg 1;Graz;;;", "BusinessAddressCity",
+         "Graz"},
+        {"4.0", "GENDER:F", "Gender", "F"},
+        {"4.0", "GENDER:;", "Gender", ""},
+        {"4.0", "KIND:org", "Notes", ""},
+        {"4.0", "MEMBER:urn:uuid:1", "Notes", "Member: urn:uuid:1"},
+        {"4.0", "RELATED;TYPE=spouse:urn:uuid:1", "Spouse", "urn:uuid:1"},
+        {"4.0", "X-BMR-PRIORITY:900", "Notes", ""},
+        {"4.0", "X-BMR-USER2:two", "User2", "two"},
+    };
+    for (const Case& each : kCases) {
+        const CardRecord made = OneRecord("FN:Somebody\r\n" + std::string(each.line) + "\r\n", each.version);
+        EXPECT_EQ(made.problem, "") << each.line;
+        EXPECT_EQ(Field(made, each.field), each.value) << each.line;
+    }
+    for (const char* day : {"1961-05-17", "19610517", "1961-05-17T00:00:00Z", "19610517T102200"})
+        EXPECT_EQ(OneRecord("FN:x\nBDAY:" + std::string(day) + "\n").record.birthday.serial, 22418) << day;
+}
+
 TEST(VCards, GetAName) {
     for (const auto& [lines, name] : Fields{{"N:Muster;Anna\n", "Muster, Anna"},
                                             {"FN: \nN:Muster\n", "Muster"},

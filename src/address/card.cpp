@@ -96,7 +96,8 @@ class CardBuilder {
         for (std::size_t slot = 0; slot < kComSlots; ++slot) {
             if (record_.Com(slot).empty()) continue;
             const ComKind kind = KindOfLabel(record_.ComLabel(slot));
-            card_.lines.push_back({CardPart::Number, Msg(CaptionOf(kind)), record_.Com(slot), ActionOf(kind),
+            card_.lines.push_back({CardPart::Number, Msg(CaptionOf(kind)), record_.Com(slot),
+                                   ActionOf(kind, record_.Com(slot)),
                                    static_cast<std::uint8_t>(FieldNumber::Com1 + slot)});
         }
     }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "address/telephone.h"
+#include "shell/helpers.h"
 #include "store/record_get.h"
 #include "store/words.h"
 
@@ -89,10 +91,21 @@ ComAction ActionOf(ComKind kind) {
         case ComKind::Website:
             return ComAction::Web;
         case ComKind::Other:
+        case ComKind::None:
             return ComAction::None;
         default:
             return ComAction::Dial;
     }
+}
+
+ComAction ActionOf(ComKind kind, std::string_view value) {
+    const ComAction action = ActionOf(kind);
+    if (action != ComAction::None) return action;
+    if (LooksLikeNumber(value)) return ComAction::Dial;
+    if (value.starts_with("http://") || value.starts_with("https://") || value.starts_with("www."))
+        return ComAction::Web;
+    std::string address(value);
+    return shell::ValidEmail(address) ? ComAction::Mail : ComAction::None;
 }
 
 std::optional<std::size_t> DisplayedSlot(const Record& record) {

@@ -46,6 +46,8 @@ ComKind DefaultKind(std::size_t slot);
 /// What a click on a value does.
 enum class ComAction : std::uint8_t { Dial, Mail, Web, None };
 ComAction ActionOf(ComKind kind);
+/// The same where the kind says nothing of it: by the value.
+ComAction ActionOf(ComKind kind, std::string_view value);
 
 /// The slot that the list shows: the one of `ComDisplay` if it has a value, else the first that has (0 to 8).
 std::optional<std::size_t> DisplayedSlot(const Record& record);

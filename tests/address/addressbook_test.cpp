@@ -319,6 +319,14 @@ TEST(AddressContact, WhatIsNoSlotAndNoKindCountsAsNone) {
         EXPECT_EQ(KindOfLabel(LabelOf(kind.kind)), kind.kind);
     }
     EXPECT_EQ(labels.size(), 9U);
+    for (const auto& [value, action] : {std::pair("0664 1", ComAction::Dial),
+                                        {"a@example.org", ComAction::Mail},
+                                        {"www.example.org", ComAction::Web},
+                                        {"by the door", ComAction::None}}) {
+        EXPECT_EQ(ActionOf(ComKind::Other, value), action) << value;
+        EXPECT_EQ(ActionOf(ComKind::None, value), action) << value;
+        EXPECT_EQ(ActionOf(ComKind::Email, value), ComAction::Mail) << value;
+    }
     EXPECT_FALSE(labels.contains(LabelOf(ComKind::None)));
 }
 

@@ -62,7 +62,7 @@ std::optional<std::size_t> ShownSlot(const Record& record) {
 /// The text of fT2 from that of the value; `whole`: a companion holds more of it than these letters.
 Bytes WithSuffix(std::string_view told, bool whole, std::string_view label) {
     WipedText text = Joined(whole ? TrimBlanks(told) : told, SuffixOf(label), whole ? " " : "");
-    return std::move(text);
+    return text;
 }
 
 }  // namespace

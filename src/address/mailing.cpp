@@ -21,9 +21,9 @@ bool IsMail(const Record& record, std::size_t slot, std::string& address) {
 WipedText MailAddressOf(const Record& record) {
     std::string address;
     if (const auto shown = DisplayedSlot(record); shown && IsMail(record, *shown, address))
-        return std::move(address);
+        return address;
     for (std::size_t slot = 0; slot < kComSlots; ++slot)
-        if (IsMail(record, slot, address)) return std::move(address);
+        if (IsMail(record, slot, address)) return address;
     return {};
 }
 

@@ -140,7 +140,6 @@ void MeasureSearch(bench::Report& report, BenchDatabase& database) {
 int main() {
     bench::Report report;
     BenchDatabase database("address");
-    database.Open();
     store::Session& session = database.session;
     session.undo.recording = false;
     {
@@ -183,7 +182,6 @@ int main() {
     report.Figure("card", card * 1e3, 30, "ms");
 
     BenchDatabase few("address-import");
-    few.Open();
     few.session.undo.recording = false;
     few.session.ShowPrivate = true;
     auto records = Contacts(kCards);

@@ -31,15 +31,15 @@ Result<std::vector<UpcomingBirthday>> UpcomingBirthdays(store::Session& session,
     if (!keys) return keys.error();
     std::vector<UpcomingBirthday> coming;
     PayloadSource source(session, std::move(*keys));
-    while (source.Next([&](std::int32_t key, std::string_view payload, std::string_view name) {
-        const Value value = store::GetPayloadField(payload, FieldNumber::Birthday);
+    while (source.Next([&](const PayloadRow& row) {
+        const Value value = store::GetPayloadField(row.payload, FieldNumber::Birthday);
         const auto* born = std::get_if<DateValue>(&value);
         if (!born || today < DayOf(*born)) return;
         const Day day = NextBirthday(DayOf(*born), today);
         if (day.serial - today.serial >= days) return;
         const int age =
             static_cast<int>(YearMonthDay(day).year()) - static_cast<int>(YearMonthDay(DayOf(*born)).year());
-        coming.push_back({key, store::ReadWords(payload, FieldNumber::FileAs, name), day, age});
+        coming.push_back({row.key, store::ReadWords(row.payload, FieldNumber::FileAs, row.name), day, age});
     })) {
     }
     if (source.error() != 0) return Error{source.error(), session.ProgramDb->LastError()};

@@ -20,8 +20,7 @@ bool IsMail(const Record& record, std::size_t slot, std::string& address) {
 
 WipedText MailAddressOf(const Record& record) {
     std::string address;
-    if (const auto shown = DisplayedSlot(record); shown && IsMail(record, *shown, address))
-        return address;
+    if (const auto shown = DisplayedSlot(record); shown && IsMail(record, *shown, address)) return address;
     for (std::size_t slot = 0; slot < kComSlots; ++slot)
         if (IsMail(record, slot, address)) return address;
     return {};
@@ -40,8 +39,8 @@ Result<Mailing> MailingOf(store::Session& session, std::int32_t category) {
     Mailing mailing;
     std::set<std::string> seen;
     PayloadSource source(session, std::move(*keys));
-    while (source.Next([&](std::int32_t, std::string_view payload, std::string_view name) {
-        WipedText address = MailAddressOf(DecodeAddressRecord(payload, name));
+    while (source.Next([&](const PayloadRow& row) {
+        WipedText address = MailAddressOf(DecodeAddressRecord(row.payload, row.name));
         if (address.empty())
             ++mailing.without;
         else if (seen.insert(FoldCase(address)).second)

@@ -10,6 +10,14 @@
 
 namespace bmr::address {
 
+/// A record as it is handed over; the texts live only inside the call.
+struct PayloadRow {
+    std::int32_t key = 0;
+    std::int32_t category = 0;
+    std::string_view payload;  ///< plain
+    std::string_view name;     ///< plain fT1, where names are read
+};
+
 /// Hands over the records of `keys` in their order, deciphered many at a time: the plain payload, and fT1.
 /// Many at once share key schedules; few leave a window alive.
 class PayloadSource {
@@ -22,8 +30,7 @@ class PayloadSource {
         : session_(session), keys_(std::move(keys)), step_(step), names_(names) {}
 
     /// Gives the next records to `each`. False when there were none left, or none could be read (`error`).
-    bool Next(
-        const std::function<void(std::int32_t key, std::string_view payload, std::string_view name)>& each);
+    bool Next(const std::function<void(const PayloadRow& row)>& each);
     int error() const { return error_; }
     /// How many were not handed over yet.
     std::size_t Left() const { return keys_.size() - at_; }

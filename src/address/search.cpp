@@ -155,10 +155,9 @@ void AddressSearch::BeginFields() {
 
 bool AddressSearch::LookInFields() {
     if (!session_.ProgramDb) return Fail(engine::EngineNumber::Failed);
-    const bool more =
-        payloads_->Next([this](std::int32_t key, std::string_view payload, std::string_view name) {
-            if (words_.MatchesPayload(name, payload, locale_)) Take(places_.at(key));
-        });
+    const bool more = payloads_->Next([this](const PayloadRow& row) {
+        if (words_.MatchesPayload(row.name, row.payload, locale_)) Take(places_.at(row.key));
+    });
     if (more) return true;
     if (payloads_->error() != 0) return Fail(payloads_->error());
     payloads_.reset();

@@ -73,8 +73,8 @@ Result<Exported> ExportAddressTabDelimited(store::Session& session, std::int32_t
             return std::string_view(part);
         }
         part = WipedText();
-        source.Next([&](std::int32_t, std::string_view payload, std::string_view) {
-            AppendTabLine(part, payload, locale, exported.transliterated);
+        source.Next([&](const PayloadRow& row) {
+            AppendTabLine(part, row.payload, locale, exported.transliterated);
             ++exported.records;
         });
         if (source.error() != 0) return Error{source.error(), session.ProgramDb->LastError()};

@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 
+#include "address/card.h"
 #include "address/contact.h"
 #include "address/fileas.h"
 #include "base/buckets.h"
@@ -379,6 +380,7 @@ class CardTaker {
 
 /// A value with its escapes.
 WipedText Escaped(std::string_view text) {
+    if (text.find_first_of("\r\n\\;,") == std::string_view::npos) return text;
     WipedText out;
     out.reserve(text.size() + text.size() / 8 + 8);
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -489,13 +491,14 @@ void AppendVCard(WipedText& out, const Record& record, std::string_view category
          {std::pair(FieldNumber::HomeAddress, std::string("ADR;TYPE=home")),
           std::pair(FieldNumber::BusinessAddress, std::string("ADR;TYPE=work")),
           std::pair(FieldNumber::OtherAddress, "ADR;" + std::string(kAddress) + "=other")}) {
+        if (!HasAddress(record, base)) continue;
         std::array<WipedText, 7> parts;
         for (std::size_t i = 0; i < kAddressParts; ++i)
             parts[i + 2] = record[std::size_t{base} + kPostalParts[i]];
         AppendProperty(out, head, Structured(parts));
     }
     for (std::size_t slot = 0; slot < kComSlots; ++slot)
-        AppendProperty(out, ComHead(record, slot), Escaped(record.Com(slot)));
+        if (!record.Com(slot).empty()) AppendProperty(out, ComHead(record, slot), Escaped(record.Com(slot)));
     if (record.birthday.serial != 0) {
         std::string day = IsoDate(DayOf(record.birthday));
         std::erase(day, '-');

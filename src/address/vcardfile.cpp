@@ -43,8 +43,8 @@ class Known {
         auto keys = ListRecords(session, store::Category::All);
         if (!keys) return keys.error().number;
         PayloadSource source(session, std::move(*keys));
-        while (source.Next([this](std::int32_t key, std::string_view payload, std::string_view name) {
-            Add(DecodeAddressRecord(payload, name), {key, 0});
+        while (source.Next([this](const PayloadRow& row) {
+            Add(DecodeAddressRecord(row.payload, row.name), {row.key, 0});
         })) {
         }
         return source.error();
@@ -254,9 +254,8 @@ Result<Exported> ExportVCards(Session& session, std::int32_t category, const std
     WipedText part;
     const auto next = [&]() -> Result<std::string_view> {
         part = WipedText();
-        source.Next([&](std::int32_t key, std::string_view payload, std::string_view name) {
-            const Record record = DecodeAddressRecord(payload, name);
-            AppendVCard(part, record, categories.Name(store::RecordCategory(session, key)));
+        source.Next([&](const PayloadRow& row) {
+            AppendVCard(part, DecodeAddressRecord(row.payload, row.name), categories.Name(row.category));
             ++exported.records;
         });
         if (source.error() != 0) return Error{source.error(), session.ProgramDb->LastError()};

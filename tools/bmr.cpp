@@ -15,6 +15,7 @@ class CommandLine {
         app_.set_version_flag("--version", "bmr " BMR_VERSION);
         AddReaders();
         AddWriters();
+        AddExports();
         AddWholeFile();
         AddGenerator();
     }
@@ -66,8 +67,28 @@ class CommandLine {
         list->add_option("--to", options_.to, "calendar: last day, YYYY-MM-DD (a year after --from)");
         list->add_flag("--rows", options_.rows, "calendar: the rows as they stand, a series once");
         Week(list);
-        Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
+        CLI::App* show = Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
+        show->add_flag("--card", options_.card, "address: head and body of its card");
         Plain(ShowPrivate(Json(Command("dump", "Show every record of every section", bmr::tools::RunDump))));
+    }
+
+    void AddExports() {
+        CLI::App* out = ShowPrivate(
+            Command("export", "Write records in plain text, outside of the database", bmr::tools::RunExport));
+        out->add_option("SECTION", options_.section, "address")->required();
+        out->add_option("--category", options_.category, "Only this category");
+        out->add_option("--tab", options_.tab, "A file of lines and tabs, replaced in one step");
+        out->add_option("--vcard", options_.vcard, "A file of vCards of version 4.0, replaced in one step");
+        CLI::App* in = ShowPrivate(
+            Command("import", "Add the records of a file, all of them or none", bmr::tools::RunImport));
+        in->add_option("SECTION", options_.section, "address")->required();
+        in->add_option("--vcard", options_.vcard, "A file of vCards of version 2.1, 3.0 or 4.0")->required();
+        in->add_option("--category", options_.category, "For cards that name none that exists");
+        in->add_option("--duplicates", options_.duplicates,
+                       "What becomes of a card whose name and number are there already")
+            ->check(CLI::IsMember({"skip", "merge", "add"}))
+            ->capture_default_str();
+        in->add_flag("--preview", options_.preview, "Only tell what the file holds");
     }
 
     void AddWriters() {

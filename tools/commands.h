@@ -36,6 +36,15 @@ struct Options {
 
     /// Show secrets in tables too.
     bool plain = false;
+    /// Show an address as its card.
+    bool card = false;
+    /// Of `export` and `import`: the text with tabs, the file of vCards; empty: none.
+    std::filesystem::path tab;
+    std::filesystem::path vcard;
+    /// Of `import`: what is done with a card whose name and number are there: skip, merge or add; and whether
+    /// nothing is stored.
+    std::string duplicates = "skip";
+    bool preview = false;
 
     /// What `add` was given: "NAME=VALUE", and by the sections' short options.
     std::vector<std::string> fields;
@@ -61,6 +70,8 @@ void RunPasswd(const Options& options);
 void RunCompact(const Options& options);
 void RunCheck(const Options& options);
 void RunArchive(const Options& options);
+void RunExport(const Options& options);
+void RunImport(const Options& options);
 void RunGenerate(const Options& options);
 
 /// `RunList` of a calendar whose rows are not asked for.

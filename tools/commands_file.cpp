@@ -1,5 +1,6 @@
 #include <iostream>
 
+#include "address/rowcheck.h"
 #include "base/languageus.h"
 #include "calendar/dayorder.h"
 #include "calendar/rowcheck.h"
@@ -101,6 +102,20 @@ std::int64_t ReportCalendar(Sitting& sitting) {
     return faults;
 }
 
+/// What the list of the address book shows, and by what it leaves rows out.
+std::int64_t ReportAddresses(Sitting& sitting) {
+    const auto checked = address::CheckRows(sitting.session());
+    sitting.Check(checked ? 0 : checked.error().number);
+    for (const address::RowFault& row : checked->faults)
+        std::cout << "fPK " << row.fPK << ", fSec " << int{store::Section::Address} << ": " << row.what
+                  << '\n';
+    if (checked->nameless > 0)
+        std::cout << "note: " << checked->nameless
+                  << (checked->nameless == 1 ? " address has" : " addresses have")
+                  << " no name to be filed under, and no list shows it\n";
+    return static_cast<std::int64_t>(checked->faults.size());
+}
+
 }  // namespace
 
 void RunInfo(const Options& options) {
@@ -157,6 +172,7 @@ void RunCheck(const Options& options) {
     sitting.Check(error);
     faults += ReportDisorder(session);
     faults += ReportCalendar(sitting);
+    faults += ReportAddresses(sitting);
     if (faults != 0)
         throw Failure(std::to_string(faults) + " faults found in " + options.file.string() + ".");
     std::cout << records << " records, all whole.\n";

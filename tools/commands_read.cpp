@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <iostream>
+#include <unordered_set>
 #include <vector>
 
+#include "addresscard.h"
 #include "base/languageus.h"
 #include "commands.h"
 #include "listtable.h"
@@ -83,6 +85,9 @@ void RunList(const Options& options) {
         if (!listed) throw Failure(listed.error().detail);
         keys = std::move(*listed);
     }
+    // The address book has rows that no list shows, and the marks of private ones in a column.
+    const bool onlyListed = section.code == store::Section::Address;
+    const std::unordered_set<std::int32_t> listed(keys.begin(), keys.end());
     CategoryNames names(session);
     ListTable table(section, options.json);
     const auto* name = section.NameRule();
@@ -91,7 +96,8 @@ void RunList(const Options& options) {
         "fSec=" + std::to_string(section.code) + ClausesOf(session, section, request);
     sitting.Check(ForEachRow(session, condition, inColumn ? ListTexts::Decipher : ListTexts::Leave,
                              [&](const Row& row, std::string_view payload) {
-                                 if (!IsHidden(session, options.showPrivate, row, payload))
+                                 if (!IsHidden(session, options.showPrivate, row, payload) &&
+                                     (!onlyListed || listed.contains(row.fPK)))
                                      table.Add(row, RecordJson(session, row, payload, names));
                              }));
     table.Print(std::cout, keys);
@@ -103,10 +109,11 @@ void RunShow(const Options& options) {
     store::Session& session = sitting.session();
     CategoryNames names(session);
     bool shown = false;
-    sitting.Check(ForEachRow(session, "fPK=" + std::to_string(options.fPK), ListTexts::Leave,
+    sitting.Check(ForEachRow(session, "fPK=" + std::to_string(options.fPK), ListTexts::Decipher,
                              [&](const Row& row, std::string_view payload) {
                                  if (shown || IsHidden(session, options.showPrivate, row, payload)) return;
                                  shown = true;
+                                 if (options.card) return PrintCard(session, options, row, payload);
                                  const Json json = RecordJson(session, row, payload, names);
                                  if (options.json)
                                      std::cout << DumpLine(json, 2) << '\n';
@@ -123,7 +130,7 @@ void RunDump(const Options& options) {
     CategoryNames names(session);
     bool first = true;
     const int error =
-        ForEachRow(session, "", ListTexts::Leave, [&](const Row& row, std::string_view payload) {
+        ForEachRow(session, "", ListTexts::Decipher, [&](const Row& row, std::string_view payload) {
             if (IsHidden(session, options.showPrivate, row, payload)) return;
             const Json json = RecordJson(session, row, payload, names);
             if (options.json) {

@@ -22,12 +22,10 @@ std::string Text(const Json& record, std::string_view name) {
 }
 
 /// What names a record: the name that its section gives it, else its first words.
-std::string Headline(const store::SectionFacts& section, const Row& row, const Json& record) {
+std::string Headline(const store::SectionFacts& section, const Json& record) {
     if (record.contains("fault")) return "(" + Text(record, "fault") + ")";
     // The first words of a record that has a name might be its body, or a password.
-    if (const store::FieldRule* name = section.NameRule())
-        return name->kind == store::Kind::ColumnName ? ToUtf8(TrimBlanks(row.listText))
-                                                     : Text(record, name->name);
+    if (const store::FieldRule* name = section.NameRule()) return Text(record, name->name);
     for (const store::FieldRule& rule : section.fields)
         if (rule.IsWords() && !Text(record, rule.name).empty()) return Text(record, rule.name);
     return {};
@@ -41,6 +39,7 @@ Cells HeaderOf(const store::SectionFacts& section) {
     header.emplace_back("Priv");
     if (section.grouped) header.emplace_back(section.kindName ? "Kind" : "Category");
     header.emplace_back(section.kindName ? "Name" : section.title);
+    if (section.code == store::Section::Address) header.emplace_back("Contact");
     return header;
 }
 
@@ -62,6 +61,7 @@ Cells CellsOf(const store::SectionFacts& section, const Row& row, const Json& re
             cells.back() = Text(record["category"], "name");
     }
     cells.push_back(headline);
+    if (section.code == store::Section::Address) cells.push_back(Text(record, "contact"));
     return cells;
 }
 
@@ -76,7 +76,7 @@ void PrintCells(std::ostream& out, const Cells& cells, const std::vector<std::si
 }  // namespace
 
 void ListTable::Add(const Row& row, const Json& record) {
-    Line line{row.fPK, Headline(section_, row, record), {}};
+    Line line{row.fPK, Headline(section_, record), {}};
     line.cells = json_ ? Cells{DumpLine(record)} : CellsOf(section_, row, record, line.headline);
     if (!json_)
         for (std::string& cell : line.cells)

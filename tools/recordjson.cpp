@@ -3,6 +3,8 @@
 #include <array>
 #include <cmath>
 
+#include "address/addressbook.h"
+#include "address/contact.h"
 #include "calendar/calendar.h"
 #include "recordkinds.h"
 #include "sitting.h"
@@ -86,12 +88,12 @@ std::optional<FieldRule> CompanionedBy(const RecordKind& kind, std::uint8_t numb
     return owner == kind.fields.end() || !owner->IsWords() ? std::nullopt : std::optional(*owner);
 }
 
-void AddFields(Json& json, const RecordKind& kind, std::string_view payload) {
-    // Some leave empty texts out of the payload; a reader of the JSON finds the same fields everywhere.
+void AddFields(Json& json, const RecordKind& kind, const Row& row, std::string_view payload) {
+    // Some leave what is empty out of the payload; a reader of the JSON finds the same fields everywhere.
     const auto* order = kind.section ? kind.section->order : nullptr;
     if (order && order->blanks == store::Blanks::LeaveOut)
         for (const FieldRule& rule : kind.fields)
-            if (rule.IsText()) json[std::string(rule.name)] = "";
+            json[std::string(rule.name)] = rule.IsText() ? Json("") : Json();
     store::PayloadReader reader(payload);
     for (store::RawField field; reader.Next(field);) {
         const auto rule = RuleOf(kind, field.number);
@@ -103,6 +105,17 @@ void AddFields(Json& json, const RecordKind& kind, std::string_view payload) {
                          ? Json(store::ReadWords(payload, field.number))
                          : ValueJson(store::DecodeRaw(field), rule ? rule->kind : Kind::Plain);
     }
+    for (const FieldRule& rule : kind.fields)
+        if (rule.kind == Kind::ColumnName)
+            json[std::string(rule.name)] = store::ReadWords(payload, rule.number, row.listText);
+}
+
+/// What the list shows of an address beside its name; only its payload knows a contact of another script.
+void AddContact(Json& json, const Row& row, std::string_view payload) {
+    json["contact"] = store::IsMarked(row.contact)
+                          ? address::AddressContactText(address::DecodeAddressRecord(payload, row.listText))
+                          : WipedText(ToUtf8(TrimBlanks(row.contact)));
+    json["private"] = json["Private"];
 }
 
 void AddGroup(Json& json, const store::SectionFacts& section, const Row& row, CategoryNames& names) {
@@ -199,11 +212,12 @@ Json RecordJson(store::Session& session, const Row& row, std::string_view payloa
     if (row.fSec == 10)
         AddCategoryList(json, payload);
     else
-        AddFields(json, *kind, payload);
+        AddFields(json, *kind, row, payload);
     if (!kind->section) return json;
     if (kind->section->columns)
         for (const store::ColumnValue& column : kind->section->columns(row))
             json[std::string(column.name)] = ValueJson(column.value);
+    if (row.fSec == store::Section::Address) AddContact(json, row, payload);
     AddGroup(json, *kind->section, row, names);
     return json;
 }

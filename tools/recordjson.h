@@ -29,7 +29,8 @@ class CategoryNames {
 std::int32_t CategoryByName(store::Session& session, std::uint8_t section, const std::string& name);
 
 /// One record with the names of its fields: `fPK`, `section`, the payload's fields, the plain columns
-/// decoded. A payload that does not decode gives "decodes": false in their place.
+/// decoded. A payload that does not decode gives "decodes": false in their place. What stands in an
+/// enciphered column alone is told where the row's were deciphered.
 Json RecordJson(store::Session& session, const Row& row, std::string_view payload, CategoryNames& names);
 
 /// "" when the payload is one that this class of records can have; else what is wrong, in plain English.

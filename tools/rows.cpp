@@ -26,6 +26,7 @@ Row RowAt(const engine::Cursor& cursor) {
     row.fF3 = cursor.Int(9) != 0;
     row.fEtx = cursor.Bytes(10);
     row.fT1 = cursor.Bytes(11);
+    if (row.fSec == store::Section::Address) row.fT2 = cursor.Bytes(12);
     return row;
 }
 
@@ -39,9 +40,12 @@ std::vector<std::string_view> CipherTexts(const std::vector<Row>& rows, Bytes Ro
 
 void Decipher(cry::CipherState& cipher, std::vector<Row>& rows, ListTexts listTexts,
               const std::function<void(const Row&, std::string_view)>& each) {
-    if (listTexts == ListTexts::Decipher)
+    if (listTexts == ListTexts::Decipher) {
         cry::DecipherBatch(cipher, CipherTexts(rows, &Row::fT1),
                            [&](std::size_t index, std::string_view plain) { rows[index].listText = plain; });
+        cry::DecipherBatch(cipher, CipherTexts(rows, &Row::fT2),
+                           [&](std::size_t index, std::string_view plain) { rows[index].contact = plain; });
+    }
     cry::DecipherBatch(cipher, CipherTexts(rows, &Row::fEtx),
                        [&](std::size_t index, std::string_view plain) { each(rows[index], plain); });
     rows.clear();
@@ -56,7 +60,7 @@ bool IsFieldCiphered(const Row& row) {
 int ForEachRow(store::Session& session, const std::string& condition, ListTexts listTexts,
                const std::function<void(const Row& row, std::string_view payload)>& each) {
     auto cursor = session.ProgramDb->Select(
-        "SELECT fPK, fSec, fSub, fG1, fR1, fR2, fR3, fF1, fF2, fF3, fEtx, fT1 FROM tt" +
+        "SELECT fPK, fSec, fSub, fG1, fR1, fR2, fR3, fF1, fF2, fF3, fEtx, fT1, fT2 FROM tt" +
         (condition.empty() ? std::string() : " WHERE " + condition) + " ORDER BY fSec, fSub, fPK");
     if (!cursor) return cursor.error().number;
     std::vector<Row> rows;

@@ -11,12 +11,14 @@
 
 namespace bmr::tools {
 
-/// The columns of `tt` that are read in clear, and the two texts.
+/// The columns of `tt` that are read in clear, and texts.
 struct Row : store::PlainColumns {
     Bytes fEtx;
     Bytes fT1;
-    /// fT1 deciphered, where it was asked for.
+    Bytes fT2;  ///< of an address
+    /// fT1 deciphered, where it was asked for, and fT2 of an address.
     Bytes listText;
+    Bytes contact;
 };
 
 /// Whether the payload of such a row stands under the field cipher; keystrings and users have their own.

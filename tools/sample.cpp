@@ -46,6 +46,7 @@ constexpr SampleSection kSections[] = {
     {store::Section::Todo, "todo", FillTasks},
     {store::Section::Confidential, "confidential", FillConfidential},
     {store::Section::Calendar, "calendar", FillCalendar},
+    {store::Section::Address, "address", FillAddresses},
 };
 
 }  // namespace

@@ -64,6 +64,7 @@ struct SampleSection {
 
 std::span<const SampleSection> SampleSections();
 
+int FillAddresses(SampleContext& context, std::int32_t records);
 int FillCalendar(SampleContext& context, std::int32_t records);
 int FillTasks(SampleContext& context, std::int32_t records);
 int FillMemos(SampleContext& context, std::int32_t records);

@@ -6,8 +6,7 @@
 
 namespace bmr::address {
 
-/// The address book, for those who serve all sections. Its records are read and shown by the command line
-/// only.
+/// The address book, for those who serve all sections.
 std::span<const store::SectionFacts> Sections();
 
 }  // namespace bmr::address

@@ -12,21 +12,26 @@ namespace {
 /// Enough for the batch cipher to fill its lanes on every core, few enough to hold the longest memos.
 constexpr std::size_t kChunk = 512;
 
-constexpr NoiseColumns kNoise{.t2 = true, .t3 = true, .r3 = true, .r4 = true};
+/// How many columns of a record are enciphered.
+std::size_t TextsOf(const BulkRecords& records) {
+    return std::size_t{2} + (records.fT2 ? 1 : 0) + (records.fT3 ? 1 : 0);
+}
 
-/// Payload and name of the records from `first` to before `last`, one behind the other.
+/// Payload, name and further texts of the records from `first` to before `last`, one behind the other.
 std::vector<Bytes> Encipher(Session& session, const BulkRecords& records, std::size_t first,
                             std::size_t last) {
-    std::vector<Bytes> payloads;
+    std::vector<Bytes> made;
     std::vector<std::string_view> plain;
-    payloads.reserve(last - first);
+    made.reserve((last - first) * TextsOf(records));
     for (std::size_t i = first; i < last; ++i) {
-        plain.emplace_back(payloads.emplace_back(records.payload(i)));
+        plain.emplace_back(made.emplace_back(records.payload(i)));
         plain.emplace_back(records.text(i));
+        if (records.fT2) plain.emplace_back(made.emplace_back(records.fT2(i)));
+        if (records.fT3) plain.emplace_back(made.emplace_back(records.fT3(i)));
     }
     std::vector<Bytes> ciphered = cry::EncipherBatch(session.cipher, plain);
-    for (Bytes& payload : payloads)
-        cry::WipeString(payload);
+    for (Bytes& text : made)
+        cry::WipeString(text);
     return ciphered;
 }
 
@@ -58,20 +63,26 @@ int AddInBulk(Session& session, std::uint8_t section, const BulkRecords& records
     if (!table) return table.error().number;
     engine::Recordset& row = **table;
     keys.assign(records.count, 0);
+    const NoiseColumns noise{.t2 = !records.fT2, .t3 = !records.fT3, .r3 = true, .r4 = true};
+    const std::size_t texts = TextsOf(records);
     std::vector<Bytes> ciphered;
     for (std::size_t i = 0; i < records.count; ++i) {
         if (i % kChunk == 0) ciphered = Encipher(session, records, i, std::min(i + kChunk, records.count));
+        auto text = ciphered.begin() + static_cast<std::ptrdiff_t>(i % kChunk * texts);
         row.AddNew();
         row.SetField("fSec", std::int32_t{section});
         row.SetField("AE", 1);
         row.SetField("fG1", records.fG1(i));
-        row.SetField("fEtx", std::move(ciphered[i % kChunk * 2]));
-        row.SetField("fT1", std::move(ciphered[i % kChunk * 2 + 1]));
+        row.SetField("fEtx", std::move(*text++));
+        row.SetField("fT1", std::move(*text++));
+        if (records.fT2) row.SetField("fT2", std::move(*text++));
+        if (records.fT3) row.SetField("fT3", std::move(*text++));
+        if (records.fR5 != 0) row.SetField("fR5", records.fR5);
         if (records.placeNameless || !TrimBlanks(records.text(i)).empty()) {
             row.SetField("fR1", positions[i]);
             row.SetField("fR2", BucketKey(records.text(i), random));
         }
-        FillColumns(row, kNoise, random);
+        FillColumns(row, noise, random);
         const auto after = step.Mark(row);
         if (const int error = row.Update(); error != 0) return error;
         keys[i] = NumberOf(row.Field("fPK"));

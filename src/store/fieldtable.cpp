@@ -31,11 +31,13 @@ ToldWords Tell(const CarriedFields& carried, std::uint8_t number, const Words& t
     return words;
 }
 
-/// The value of a member that is no text; nothing for no date.
+/// The value of a member that is no text; nothing for no date and a number that is missing.
 Value ValueOf(const Member& member) {
     if (auto* const* flag = std::get_if<bool*>(&member)) return **flag;
     if (auto* const* number = std::get_if<std::uint8_t*>(&member)) return std::int32_t{**number};
     if (auto* const* number = std::get_if<std::int32_t*>(&member)) return **number;
+    if (auto* const* number = std::get_if<std::optional<std::uint8_t>*>(&member))
+        if (**number) return std::int32_t{***number};
     if (auto* const* date = std::get_if<DateValue*>(&member))
         if ((*date)->serial != 0) return **date;
     return Empty{};
@@ -46,6 +48,7 @@ void Clear(const FieldSlot& slot) {
     if (auto* const* flag = std::get_if<bool*>(&slot.member)) **flag = slot.rule.kind == Kind::Private;
     if (auto* const* number = std::get_if<std::uint8_t*>(&slot.member)) **number = 0;
     if (auto* const* number = std::get_if<std::int32_t*>(&slot.member)) **number = 0;
+    if (auto* const* number = std::get_if<std::optional<std::uint8_t>*>(&slot.member)) (*number)->reset();
     if (auto* const* date = std::get_if<DateValue*>(&slot.member)) **date = {};
 }
 
@@ -76,6 +79,8 @@ bool Take(const RawField& field, const Member& member) {
     if (auto* const* small = std::get_if<std::uint8_t*>(&member))
         **small = static_cast<std::uint8_t>(number ? *number : 0);
     if (auto* const* whole = std::get_if<std::int32_t*>(&member)) **whole = number ? *number : 0;
+    if (auto* const* given = std::get_if<std::optional<std::uint8_t>*>(&member); given && number)
+        **given = static_cast<std::uint8_t>(*number);
     return number != nullptr;
 }
 

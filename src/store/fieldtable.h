@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <list>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <type_traits>
@@ -47,8 +48,10 @@ constexpr std::uint8_t CompanionOf(std::uint8_t number) {
     return static_cast<std::uint8_t>(128 + number);
 }
 
-/// A member of a record as the codec sees it. Texts of word fields are UTF-8, other texts bytes.
-using Member = std::variant<std::string*, bool*, std::uint8_t*, std::int32_t*, DateValue*>;
+/// A member of a record as the codec sees it. Texts of word fields are UTF-8, other texts bytes. A number
+/// that may be missing is left out like an empty text.
+using Member =
+    std::variant<std::string*, bool*, std::uint8_t*, std::int32_t*, DateValue*, std::optional<std::uint8_t>*>;
 
 /// A field and where its value stands in the record.
 template <class Record>

@@ -66,6 +66,8 @@ class Needle {
     explicit Needle(std::string_view utf8);
 
     bool empty() const { return folded_.empty(); }
+    /// What InTold looks for: capitals without accents.
+    std::string_view Letters() const { return told_; }
     /// True when a field or column holds it as told: who types plain letters finds every script by them.
     bool InTold(std::string_view told) const;
     /// True when some of its characters have no letter: what InTold finds must then be InTrue too.

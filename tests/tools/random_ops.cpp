@@ -6,6 +6,9 @@
 #include <tuple>
 #include <vector>
 
+#include "address/addressbook.h"
+#include "address/contact.h"
+#include "address/rowsummary.h"
 #include "base/errors.h"
 #include "calendar/appointment.h"
 #include "calendar/dayorder.h"
@@ -22,9 +25,10 @@
 #include "store/undo.h"
 
 /// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
-/// memos, confidential records and appointments by the functions of their sections, single days of series and
-/// later ones too, takes such steps back and does them again, all in random order, then reads every one and
-/// compares it with what was stored. What the whole file looks like afterwards is for `bmr check` to say.
+/// memos, confidential records, addresses and appointments by the functions of their sections, single days of
+/// series and later ones too, takes such steps back and does them again, all in random order, then reads
+/// every one and compares it with what was stored. What the whole file looks like afterwards is for `bmr
+/// check` to say.
 namespace {
 
 using namespace bmr;
@@ -86,7 +90,9 @@ class Player {
         for (std::int32_t kind = 1; kind <= 16; ++kind)
             if (const auto keys = confidential::ListRecords(session_, kind)) count += keys->size();
         if (count != records_.records.size()) throw Failure("the records listed are not those stored");
-        for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
+        CompareAddresses();
+        for (const std::uint8_t section :
+             {store::Section::Memo, store::Section::Confidential, store::Section::Address})
             if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
                 throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
         CompareAppointments();
@@ -94,12 +100,31 @@ class Player {
 
     std::string Counts() const {
         return std::to_string(memos_.records.size()) + " memos, " + std::to_string(records_.records.size()) +
-               " records, " + std::to_string(appointments_.records.size()) + " appointments, " +
-               std::to_string(taken_) + " steps back or forth, " + std::to_string(reached_) +
-               " changes of series";
+               " records, " + std::to_string(addresses_.records.size()) + " addresses, " +
+               std::to_string(appointments_.records.size()) + " appointments, " + std::to_string(taken_) +
+               " steps back or forth, " + std::to_string(reached_) + " changes of series";
     }
 
   private:
+    void CompareAddresses() {
+        std::size_t named = 0;
+        for (const address::Record& record : addresses_.records) {
+            const auto read = address::FetchRecord(session_, record.key);
+            if (!read || !read->readable || read->texts != record.texts ||
+                TrimBlanks(read->fileAs) != TrimBlanks(record.fileAs) || read->category != record.category ||
+                read->isPrivate != record.isPrivate)
+                throw Failure("address " + std::to_string(record.key) + " is not what was stored");
+            const auto shown = address::ReadSummaries(session_, std::array{record.key});
+            if (!shown || shown->size() != 1 || shown->front().fileAs != TrimBlanks(record.fileAs) ||
+                shown->front().contact != TrimBlanks(address::AddressContactText(record)) ||
+                shown->front().isPrivate != record.isPrivate)
+                throw Failure("address " + std::to_string(record.key) + " is not shown as it was stored");
+            if (!shown->front().Nameless()) ++named;
+        }
+        const auto listed = address::ListRecords(session_, store::Category::All);
+        if (!listed || listed->size() != named) throw Failure("the addresses listed are not those stored");
+    }
+
     int Draw(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }
 
     /// Crowded on purpose: half of the names share their first letters, some are equal, some empty.
@@ -199,8 +224,17 @@ class Player {
         if (what == 0) return GoBackAndForth(memos_);
         if (what == 1) return GoBackAndForth(records_);
         if (what == 2) return GoBackAndForth(appointments_);
-        if (what % 3 == 0) return OnMemos();
-        what % 3 == 1 ? OnRecords() : OnAppointments();
+        if (what == 3) return GoBackAndForth(addresses_);
+        switch (what % 4) {
+            case 0:
+                return OnMemos();
+            case 1:
+                return OnRecords();
+            case 2:
+                return OnAppointments();
+            default:
+                return OnAddresses();
+        }
     }
 
     void OnMemos() {
@@ -424,6 +458,21 @@ class Player {
     /// Of a day that cannot be reached alone.
     static constexpr int kNotOffered = MessageNumber::UpdateImpossible;
 
+    void OnAddresses() {
+        const int what = addresses_.records.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(addresses_);
+        std::optional<address::Record> old;
+        if (what >= 5) old = Any(addresses_.records);
+        address::Record record = old ? *old : address::ClearRecord(Draw(kCategories));
+        if (what < 7) record.fileAs = Name();
+        if (!old || what == 7) record.Com(static_cast<std::size_t>(Draw(9))) = Name();
+        if (what == 7) record[address::FieldNumber::ComDisplay] = std::to_string(Draw(9));
+        if (!old || what == 8) record[address::FieldNumber::Notes] = Text();
+        record.isPrivate = Draw(10) == 0;
+        Check(address::WriteRecord(session_, record));
+        Did(addresses_, record.key, old, std::optional(record));
+    }
+
     store::Session& session_;
     LocaleFacts locale_;
     std::mt19937 random_;
@@ -432,6 +481,8 @@ class Player {
     Steps<Appointment> appointments_{store::Section::Calendar, {}, {}, {}};
     int reached_ = 0;  ///< changes of series that were compared day by day
     int taken_ = 0;    ///< steps that were taken back or done again
+    Steps<address::Record> addresses_{store::Section::Address, {}, {}, {}};
+    int taken_ = 0;  ///< steps that were taken back or done again
 };
 
 }  // namespace
@@ -440,6 +491,7 @@ int main(int argc, char** argv) {
     Options options;
     CLI::App app("Works on memos, confidential records and appointments of a database at random.",
                  "random_ops");
+    CLI::App app("Works on memos, confidential records and addresses of a database at random.", "random_ops");
     app.add_option("FILE", options.file, "The database")->required();
     app.add_option("--passphrase-fd", options.passphraseFd, "Where the passphrase comes from");
     app.add_option("--operations", options.operations, "How many")->capture_default_str();

@@ -17,6 +17,8 @@ class CommandLine {
         AddWriters();
         AddWholeFile();
         AddGenerator();
+        AddBackups();
+        AddImport();
     }
 
     int Run(int argc, char** argv) { return bmr::tools::RunMain(app_, argc, argv); }
@@ -148,6 +150,39 @@ class CommandLine {
         archive->add_option(
             "--to", options_.archive,
             "Keep them in this file, which is made or added to (.bma); without it they are gone");
+    }
+
+    /// A backup is as enciphered as its database: nobody is asked for a passphrase.
+    CLI::App* KeylessCommand(const char* name, const char* what, const char* file, const char* fileIs,
+                             void (*run)(const Options&)) {
+        CLI::App* command = app_.add_subcommand(name, what);
+        command->add_option(file, options_.file, fileIs)->required();
+        command->callback([this, run] { run(options_); });
+        return command;
+    }
+
+    void AddBackups() {
+        KeylessCommand("backup", "Make a compressed backup, and print its path", "FILE", "The database",
+                       bmr::tools::RunBackup)
+            ->add_option("--to", options_.folder, "Its folder (that of the database)");
+        CLI::App* restore =
+            KeylessCommand("restore", "Bring a backup back, and print the path of the database", "BACKUP",
+                           "The backup", bmr::tools::RunRestore);
+        restore->add_option("--to", options_.folder, "The folder of the database (that from which it came)");
+        restore->add_flag("--replace", options_.replace,
+                          "Over a database that stands there, which is kept as .bmb");
+        Json(KeylessCommand("backups", "List the backups of a folder, and test each", "FOLDER", "The folder",
+                            bmr::tools::RunBackups));
+    }
+
+    void AddImport() {
+        CLI::App* import = Command("import", "Import a Palm Desktop file, and tell in JSON what became of it",
+                                   bmr::tools::RunImport);
+        import->add_option("SECTION", options_.section, "memo, todo or calendar")->required();
+        import->add_option("--palm", options_.palm, "memopad.dat, todo.dat or datebook.dat")->required();
+        import->add_flag("--dry-run", options_.dryRun, "Store nothing");
+        import->add_flag("--known", options_.withKnown, "Records that look like one that exists too");
+        Week(import);
     }
 
     CLI::App app_;

@@ -30,6 +30,15 @@ struct Options {
     /// Of `archive`: the last day that goes, and the file that keeps it; empty: none.
     std::string until;
     std::filesystem::path archive;
+    /// Of `backup` and `restore`: the folder; empty: that of the database.
+    std::filesystem::path folder;
+    /// Of `restore`: also over a database that stands there.
+    bool replace = false;
+    /// Of `import`: the file of the handheld, whether to store nothing, and what looks like a record that
+    /// exists too.
+    std::filesystem::path palm;
+    bool dryRun = false;
+    bool withKnown = false;
     std::string section = "todo";
     std::string category;
     std::int32_t fPK = 0;
@@ -62,6 +71,10 @@ void RunCompact(const Options& options);
 void RunCheck(const Options& options);
 void RunArchive(const Options& options);
 void RunGenerate(const Options& options);
+void RunBackup(const Options& options);
+void RunRestore(const Options& options);
+void RunBackups(const Options& options);
+void RunImport(const Options& options);
 
 /// `RunList` of a calendar whose rows are not asked for.
 void ListOccurrences(const Options& options);

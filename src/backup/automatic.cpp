@@ -42,6 +42,7 @@ bool FirstOf(std::set<std::int32_t>& periods, std::int32_t period, std::size_t m
 void Rotate(const fs::path& folder, const fs::path& database, AutomaticBackup& outcome) {
     const auto entries = OwnBackups(folder, database);
     std::vector<DateValue> moments;
+    moments.reserve(entries.size());
     for (const BackupEntry& entry : entries)
         moments.push_back(*entry.date);
     for (const std::size_t place : Superseded(moments)) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <limits>
+#include <new>
 #include <system_error>
 
 #include "backup/backupname.h"
@@ -95,15 +96,22 @@ Result<std::uint64_t> Pack(const fs::path& source, const fs::path& target, const
     });
     Watch watch(ports.progress, *size);
     bool behind = false;
+    bool noMemory = false;
     const auto next = [&]() -> std::string_view {
         if (behind || !watch.Goes(packer.Done())) return {};
-        const std::string_view bytes = packer.Next();
-        if (!bytes.empty()) return bytes;
+        try {
+            const std::string_view bytes = packer.Next();
+            if (!bytes.empty()) return bytes;
+        } catch (const std::bad_alloc&) {
+            noMemory = true;
+            return {};
+        }
         behind = true;
         return trailer;
     };
     return WriteInPlace(target, next, [&]() -> std::optional<Error> {
         if (watch.Stopped()) return Error{MessageNumber::Cancelled, {}};
+        if (noMemory) return Refused("There is not enough memory.");
         if (behind && (!packer.Whole() || packer.Done() != *size))
             return Refused("The file could not be read to its end, or was changed meanwhile.");
         return std::nullopt;

@@ -10,14 +10,19 @@
 namespace bmr::backup {
 namespace {
 
-constexpr std::size_t kBlock = 512 << 10;
+constexpr std::size_t kBlock = 1 << 20;
 constexpr std::size_t kWindow = 32 << 10;
-/// Blocks on the way at once. With what is made of them they take some 20 MiB.
-constexpr unsigned kMostCores = 12;
-/// A database is mostly cipher text: the quick levels lose 1 % of its size to the thorough one, and take two
-/// thirds of its time. What shrinks further than this is no cipher text, and is done again thoroughly.
+/// Blocks on the way at once. With what is made of them they take some 30 MiB.
+constexpr unsigned kMostCores = 8;
+/// A database is mostly cipher text: the quick levels lose 1 % of its size to the thorough one, and take less
+/// than its time. What shrinks further than this is no cipher text, and is done again thoroughly.
 constexpr int kQuickLevel = 2;
 constexpr std::size_t kShrinksTenths = 7;
+/// Looking for what repeats takes most of the time. Where a few pages of a block show that it would gain less
+/// than so much of it, only runs of one byte are packed, as the unused ends of pages are.
+constexpr std::size_t kGainThousandths = 12;
+constexpr std::size_t kPages = 8;
+constexpr std::size_t kPage = 4096;
 constexpr int kRawWindow = -15;  ///< no head and no check sum of its own
 
 constexpr std::size_t kRead = 256 << 10;
@@ -30,9 +35,17 @@ Bytef* BytesOf(std::string_view text) {
     return reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
 }
 
-std::string DeflateAt(int level, std::string_view text, std::string_view dictionary, bool last) {
+/// How a block is deflated.
+struct Way {
+    int level = kQuickLevel;
+    int strategy = Z_DEFAULT_STRATEGY;
+};
+constexpr Way kRunsAlone{1, Z_RLE};
+constexpr Way kThorough{Z_DEFAULT_COMPRESSION, Z_DEFAULT_STRATEGY};
+
+std::string DeflateAt(Way way, std::string_view text, std::string_view dictionary, bool last) {
     z_stream stream{};
-    if (deflateInit2(&stream, level, Z_DEFLATED, kRawWindow, 9, Z_DEFAULT_STRATEGY) != Z_OK)
+    if (deflateInit2(&stream, way.level, Z_DEFLATED, kRawWindow, 9, way.strategy) != Z_OK)
         throw std::bad_alloc();
     if (!dictionary.empty())
         deflateSetDictionary(&stream, BytesOf(dictionary), static_cast<uInt>(dictionary.size()));
@@ -66,13 +79,26 @@ struct Packer::Block {
 
 namespace {
 
+/// Whether it is worth the time to look for what repeats, by some pages from all over the block.
+bool HoldsRepeats(std::string_view text) {
+    if (text.size() < 2 * kPages * kPage) return true;
+    std::string pages;
+    pages.reserve(kPages * kPage);
+    for (std::size_t i = 0; i < kPages; ++i)
+        pages += text.substr(text.size() / kPages * i, kPage);
+    const std::size_t runs = DeflateAt(kRunsAlone, pages, {}, true).size();
+    return DeflateAt({}, pages, {}, true).size() * 1000 < runs * (1000 - kGainThousandths);
+}
+
 Packer::Block Deflate(const Part& text, const Part& before, bool last) {
+    const std::uint32_t sum = SumOf(*text);
+    if (!HoldsRepeats(*text)) return {DeflateAt(kRunsAlone, *text, {}, last), sum, text->size(), last};
     std::string_view dictionary;
     if (before)
         dictionary = std::string_view(*before).substr(before->size() - std::min(before->size(), kWindow));
-    Packer::Block block{DeflateAt(kQuickLevel, *text, dictionary, last), SumOf(*text), text->size(), last};
+    Packer::Block block{DeflateAt({}, *text, dictionary, last), sum, text->size(), last};
     if (block.packed.size() * 10 < text->size() * kShrinksTenths)
-        block.packed = DeflateAt(Z_DEFAULT_COMPRESSION, *text, dictionary, last);
+        block.packed = DeflateAt(kThorough, *text, dictionary, last);
     return block;
 }
 

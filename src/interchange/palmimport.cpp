@@ -20,7 +20,7 @@ using store::Session;
 
 /// Records that are stored between two looks at the progress: few enough to stop in time, enough to work out
 /// the places of many at once.
-constexpr std::size_t kPart = 2500;
+constexpr std::size_t kPart = 5000;
 
 /// What makes two records look the same, as a number.
 using Likeness = std::size_t;

@@ -107,7 +107,7 @@ TEST(CompressFile, GivesTheSameBytesBackAndAnyZlibReadsThem) {
     const fs::path source = folder / "data.bmr";
     fs::path backup = folder / "b.bmz";
     // Around the blocks that are worked on at once, in pages of a database, and some that shrink much.
-    constexpr std::size_t kBlock = 512 << 10;
+    constexpr std::size_t kBlock = 1 << 20;
     for (const std::size_t size :
          {std::size_t{1}, std::size_t{2}, std::size_t{4096}, std::size_t{8192}, std::size_t{12288},
           kBlock - 1, kBlock, kBlock + 1, 3 * kBlock, 7 * kBlock + 12345})

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdio>
 #include <iostream>
 
@@ -29,7 +30,7 @@ std::string Whole(const fs::path& path) {
 std::string MomentText(const std::optional<DateValue>& moment, char between) {
     if (!moment) return {};
     const Day day = DayOf(*moment);
-    const auto second = static_cast<int>((moment->serial - day.serial) * 86400 + 0.5);
+    const auto second = static_cast<int>(std::lround((moment->serial - day.serial) * 86400));
     char time[32];
     std::snprintf(time, sizeof time, "%c%02d:%02d:%02d", between, second / 3600, second / 60 % 60,
                   second % 60);

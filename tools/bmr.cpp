@@ -18,6 +18,7 @@ class CommandLine {
         AddExports();
         AddWholeFile();
         AddGenerator();
+        AddBackups();
     }
 
     int Run(int argc, char** argv) { return bmr::tools::RunMain(app_, argc, argv); }
@@ -79,16 +80,21 @@ class CommandLine {
         out->add_option("--category", options_.category, "Only this category");
         out->add_option("--tab", options_.tab, "A file of lines and tabs, replaced in one step");
         out->add_option("--vcard", options_.vcard, "A file of vCards of version 4.0, replaced in one step");
-        CLI::App* in = ShowPrivate(
-            Command("import", "Add the records of a file, all of them or none", bmr::tools::RunImport));
-        in->add_option("SECTION", options_.section, "address")->required();
-        in->add_option("--vcard", options_.vcard, "A file of vCards of version 2.1, 3.0 or 4.0")->required();
-        in->add_option("--category", options_.category, "For cards that name none that exists");
+        CLI::App* in = ShowPrivate(Command(
+            "import", "Add the records of a file of another program, all or none", bmr::tools::RunImport));
+        in->add_option("SECTION", options_.section, "address, memo, todo or calendar")->required();
+        in->add_option("--vcard", options_.vcard, "address: a file of vCards of version 2.1, 3.0 or 4.0");
+        in->add_option("--palm", options_.palm,
+                       "memopad.dat, todo.dat or datebook.dat of a Palm Desktop; what became of it is told "
+                       "in JSON");
+        in->add_option("--category", options_.category, "vCards: for those that name none that exists");
         in->add_option("--duplicates", options_.duplicates,
-                       "What becomes of a card whose name and number are there already")
+                       "vCards: what becomes of a card whose name and number are there already")
             ->check(CLI::IsMember({"skip", "merge", "add"}))
             ->capture_default_str();
-        in->add_flag("--preview", options_.preview, "Only tell what the file holds");
+        in->add_flag("--known", options_.withKnown, "Palm: records that look like one that exists too");
+        in->add_flag("--dry-run,--preview", options_.dryRun, "Store nothing, only tell what the file holds");
+        Week(in);
     }
 
     void AddWriters() {
@@ -169,6 +175,29 @@ class CommandLine {
         archive->add_option(
             "--to", options_.archive,
             "Keep them in this file, which is made or added to (.bma); without it they are gone");
+    }
+
+    /// A backup is as enciphered as its database: nobody is asked for a passphrase.
+    CLI::App* KeylessCommand(const char* name, const char* what, const char* file, const char* fileIs,
+                             void (*run)(const Options&)) {
+        CLI::App* command = app_.add_subcommand(name, what);
+        command->add_option(file, options_.file, fileIs)->required();
+        command->callback([this, run] { run(options_); });
+        return command;
+    }
+
+    void AddBackups() {
+        KeylessCommand("backup", "Make a compressed backup, and print its path", "FILE", "The database",
+                       bmr::tools::RunBackup)
+            ->add_option("--to", options_.folder, "Its folder (that of the database)");
+        CLI::App* restore =
+            KeylessCommand("restore", "Bring a backup back, and print the path of the database", "BACKUP",
+                           "The backup", bmr::tools::RunRestore);
+        restore->add_option("--to", options_.folder, "The folder of the database (that from which it came)");
+        restore->add_flag("--replace", options_.replace,
+                          "Over a database that stands there, which is kept as .bmb");
+        Json(KeylessCommand("backups", "List the backups of a folder, and test each", "FOLDER", "The folder",
+                            bmr::tools::RunBackups));
     }
 
     CLI::App app_;

@@ -30,6 +30,15 @@ struct Options {
     /// Of `archive`: the last day that goes, and the file that keeps it; empty: none.
     std::string until;
     std::filesystem::path archive;
+    /// Of `backup` and `restore`: the folder; empty: that of the database.
+    std::filesystem::path folder;
+    /// Of `restore`: also over a database that stands there.
+    bool replace = false;
+    /// Of `import`: the file of the handheld, whether to store nothing, and to take what looks like a record
+    /// that exists too.
+    std::filesystem::path palm;
+    bool dryRun = false;
+    bool withKnown = false;
     std::string section = "todo";
     std::string category;
     std::int32_t fPK = 0;
@@ -41,10 +50,8 @@ struct Options {
     /// Of `export` and `import`: the text with tabs, the file of vCards; empty: none.
     std::filesystem::path tab;
     std::filesystem::path vcard;
-    /// Of `import`: what is done with a card whose name and number are there: skip, merge or add; and whether
-    /// nothing is stored.
+    /// Of `import`: what is done with a card whose name and number are there: skip, merge or add.
     std::string duplicates = "skip";
-    bool preview = false;
 
     /// What `add` was given: "NAME=VALUE", and by the sections' short options.
     std::vector<std::string> fields;
@@ -73,6 +80,13 @@ void RunArchive(const Options& options);
 void RunExport(const Options& options);
 void RunImport(const Options& options);
 void RunGenerate(const Options& options);
+void RunBackup(const Options& options);
+void RunRestore(const Options& options);
+void RunBackups(const Options& options);
+
+/// What `RunImport` does by the kind of the file.
+void ImportContacts(const Options& options);
+void ImportPalm(const Options& options);
 
 /// `RunList` of a calendar whose rows are not asked for.
 void ListOccurrences(const Options& options);

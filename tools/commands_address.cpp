@@ -96,13 +96,13 @@ void RunExport(const Options& options) {
     std::cout << address::ExportedText(*exported, tab ? options.tab : options.vcard) << '\n';
 }
 
-void RunImport(const Options& options) {
+void ImportContacts(const Options& options) {
     RefuseOthers(options, "import");
     Sitting sitting(options.passphraseFd);
-    sitting.Open(options.file, options.preview ? engine::Access::Read : engine::Access::Write);
+    sitting.Open(options.file, options.dryRun ? engine::Access::Read : engine::Access::Write);
     store::Session& session = sitting.session();
     session.ShowPrivate = session.ShowPrivate || options.showPrivate;
-    if (options.preview) {
+    if (options.dryRun) {
         const auto count = address::PreviewVCards(session, options.vcard, [](const address::SeenCard& card) {
             std::cout << PreviewLine(card) << '\n';
             return true;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <span>
 
 #include "store/record_put.h"
+#include "store/undostep.h"
 
 namespace bmr::tasks {
 namespace {
@@ -31,10 +33,9 @@ int FillTexts(Session& session, Task& task, engine::Recordset& row) {
     return 0;
 }
 
-int FillRow(Session& session, Task& task, engine::Recordset& row, bool added) {
+/// All columns but the texts.
+void FillNumbers(Session& session, const Task& task, engine::Recordset& row) {
     RandomSource& random = session.ports.random;
-    if (task.readable || added)
-        if (const int error = FillTexts(session, task, row)) return error;
     row.SetField("fG1", task.category);
     row.SetField("fR1", PackPriority(task.priority, random));
     row.SetField("fR2", PackDate(task.completed ? task.completedDate : Day{}, kCompletedKind, random).value);
@@ -43,7 +44,28 @@ int FillRow(Session& session, Task& task, engine::Recordset& row, bool added) {
     row.SetField("fF2", task.hasNote);
     row.SetField("fF3", task.completed);
     store::FillColumns(row, {.t2 = true, .t3 = true, .r4 = true}, random);
+}
+
+int FillRow(Session& session, Task& task, engine::Recordset& row, bool added) {
+    if (task.readable || added)
+        if (const int error = FillTexts(session, task, row)) return error;
+    FillNumbers(session, task, row);
     return 0;
+}
+
+/// fEtx and fT1 of some tasks, one behind the other.
+std::vector<Bytes> Encipher(Session& session, std::span<Task> tasks) {
+    std::vector<store::EncodedRecord> records;
+    records.reserve(tasks.size());
+    std::vector<std::string_view> plain;
+    for (Task& task : tasks) {
+        task.userNumber = session.user.UserNumber;
+        const auto& record = records.emplace_back(
+            store::EncodeFields(task, kTaskFields, store::Blanks::Store, session.ports.random));
+        plain.emplace_back(record.payload);
+        plain.emplace_back(record.column);
+    }
+    return cry::EncipherBatch(session.cipher, plain);
 }
 
 int Write(Session& session, Task& task) {
@@ -118,6 +140,41 @@ store::StoreOutcome WriteRecord(Session& session, Task& task) {
     task.key = outcome.fPK;
     session.CalendarDirty = true;
     return outcome;
+}
+
+int AddRecords(Session& session, std::vector<Task>& tasks) {
+    constexpr std::size_t kChunk = 256;
+    // Without keys the cipher gives nothing, and nothing is no record.
+    if (session.cipher.Keystring.empty()) return engine::EngineNumber::Failed;
+    store::UndoStep step(session, store::Section::Todo, {"import", "imported"});
+    engine::Transaction transaction(*session.ProgramDb);
+    if (transaction.error() != 0) return transaction.error();
+    auto table = session.ProgramDb->OpenRecordset("tt");
+    if (!table) return table.error().number;
+    Recordset& row = **table;
+    std::vector<std::int32_t> keys;
+    std::vector<Bytes> ciphered;
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+        if (i % kChunk == 0)
+            ciphered = Encipher(session, std::span(tasks).subspan(i, std::min(kChunk, tasks.size() - i)));
+        tasks[i].hasNote = !tasks[i].note.empty();
+        row.AddNew();
+        row.SetField("fSec", std::int32_t{store::Section::Todo});
+        row.SetField("AE", 1);
+        row.SetField("fEtx", std::move(ciphered[i % kChunk * 2]));
+        row.SetField("fT1", std::move(ciphered[i % kChunk * 2 + 1]));
+        FillNumbers(session, tasks[i], row);
+        const auto after = step.Mark(row);
+        if (const int error = row.Update()) return error;
+        keys.push_back(NumberOf(row.Field("fPK")));
+        step.Record(keys.back(), nullptr, after);
+    }
+    if (const int error = transaction.Commit()) return error;
+    step.Keep();
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        tasks[i].key = keys[i];
+    session.CalendarDirty = true;
+    return 0;
 }
 
 std::string SortKey(const Task& task, Day today) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "base/buckets.h"
 #include "base/bytes.h"
@@ -73,6 +74,10 @@ Task RecordToEdit(store::Session& session, std::optional<std::int32_t> key, std:
 /// `UpdateImpossible` when the key is now another section's. The calendar's task pane is to be redrawn
 /// afterwards.
 store::StoreOutcome WriteRecord(store::Session& session, Task& task);
+
+/// Stores many new tasks in one transaction, their texts enciphered many at a time. For imports. 0 or the
+/// engine's number; sets the keys.
+[[nodiscard]] int AddRecords(store::Session& session, std::vector<Task>& tasks);
 
 /// Due, and that before today. Today is not overdue.
 inline bool IsPastDue(bool hasDueDate, Day dueDate, Day today) {

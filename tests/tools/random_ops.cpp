@@ -479,19 +479,16 @@ class Player {
     Steps<Memo> memos_{store::Section::Memo, {}, {}, {}};
     Steps<Record> records_{store::Section::Confidential, {}, {}, {}};
     Steps<Appointment> appointments_{store::Section::Calendar, {}, {}, {}};
+    Steps<address::Record> addresses_{store::Section::Address, {}, {}, {}};
     int reached_ = 0;  ///< changes of series that were compared day by day
     int taken_ = 0;    ///< steps that were taken back or done again
-    Steps<address::Record> addresses_{store::Section::Address, {}, {}, {}};
-    int taken_ = 0;  ///< steps that were taken back or done again
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Works on memos, confidential records and appointments of a database at random.",
-                 "random_ops");
-    CLI::App app("Works on memos, confidential records and addresses of a database at random.", "random_ops");
+    CLI::App app("Works on the records of a database at random.", "random_ops");
     app.add_option("FILE", options.file, "The database")->required();
     app.add_option("--passphrase-fd", options.passphraseFd, "Where the passphrase comes from");
     app.add_option("--operations", options.operations, "How many")->capture_default_str();

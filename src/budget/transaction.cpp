@@ -46,7 +46,9 @@ void FillNumbers(Session& session, const Transaction& transaction, engine::Recor
     row.SetField("fSub", transaction.paymentType);
     row.SetField("fG1", transaction.category);
     row.SetField("fR1", PackCdbw(transaction.cdbw, random));
-    row.SetField("fR3", PackDate(transaction.date, kDateKind, random).value);
+    // A point on the edge of its bucket, which may be drawn, would read as the next day.
+    const SpreadRange day = PackDate(transaction.date, kDateKind, random);
+    row.SetField("fR3", std::clamp(day.value, day.low, day.high));
     row.SetField("fF1", false);
     row.SetField("fF2", transaction.hasNote);
     store::FillColumns(row, {.t2 = true, .t3 = true, .r2 = true, .r4 = true}, random);

@@ -12,6 +12,7 @@
 #include "budget/amountrows.h"
 #include "calendar/months.h"
 #include "crypto/conversion.h"
+#include "engine/fileio.h"
 #include "store/undostep.h"
 #include "store/words.h"
 
@@ -650,6 +651,41 @@ Result<CsvReport> ImportCsv(Session& session, std::uint8_t section, std::vector<
     report.imported = chosen.size();
     report.categories = categories.added();
     return report;
+}
+
+Result<std::size_t> ExportCsv(Session& session, std::uint8_t section, store::Keys keys,
+                              const std::filesystem::path& path, char decimal) {
+    const auto categories = store::FillCategories(session, section, false, false, false);
+    const char separator = decimal == ',' ? ';' : ',';
+    std::filesystem::path part = path;
+    part += ".part";
+    WipedText line;
+    std::size_t at = 0, written = 0;
+    int failure = 0;
+    bool headed = false;
+    const auto next = [&]() -> std::string_view {
+        if (!headed) {
+            headed = true;
+            line = CsvLine(CsvHeads(), separator);
+            return line;
+        }
+        while (at < keys.size() && failure == 0) {
+            const auto transaction = FetchRecord(session, section, keys[at++], &failure);
+            if (!transaction || !transaction->readable) continue;
+            ++written;
+            line = CsvLine(CsvRowOf(*transaction, categories, decimal), separator);
+            return line;
+        }
+        return {};
+    };
+    std::error_code ignored;
+    std::filesystem::remove(part, ignored);
+    int error = engine::WriteNewFile(part, next);
+    if (error == 0 && failure == 0) error = engine::RenameOver(part, path);
+    if (error == 0 && failure == 0) return written;
+    std::filesystem::remove(part, ignored);
+    if (failure != 0) return Error{failure, session.ProgramDb->LastError()};
+    return Error{engine::NumberOfErrno(error), "The file cannot be written."};
 }
 
 CsvRow CsvHeads() {

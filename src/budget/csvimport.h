@@ -106,6 +106,12 @@ struct CsvReport {
 /// Stores the ticked entries and the categories that are new, in one transaction and one step.
 Result<CsvReport> ImportCsv(store::Session& session, std::uint8_t section, std::vector<CsvEntry>& entries);
 
+/// Writes entries in the order of their keys as a file of their own, readable by its owner alone, which takes
+/// the place of one of that name in one step. How many; an error leaves what was there. The separator goes by
+/// the decimal sign.
+Result<std::size_t> ExportCsv(store::Session& session, std::uint8_t section, store::Keys keys,
+                              const std::filesystem::path& path, char decimal);
+
 /// The heads of an export, and its rows: a file that `PreviewCsv` understands whole.
 CsvRow CsvHeads();
 CsvRow CsvRowOf(const Transaction& transaction, const store::CategoryList& categories, char decimal);

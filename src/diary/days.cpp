@@ -1,6 +1,7 @@
 #include "diary/days.h"
 
 #include <algorithm>
+#include <array>
 
 #include "base/shortdate.h"
 #include "base/utf8.h"
@@ -22,15 +23,16 @@ Error Failed(Session& session, int number) {
     return Error{number, session.ProgramDb->LastError()};
 }
 
-Result<std::optional<Day>> FirstOf(Session& session, const char* statement, std::int32_t bound) {
-    std::optional<Day> found;
-    if (!session.ShowPrivate) return found;
-    auto cursor = session.ProgramDb->Select(statement, {bound});
-    if (!cursor) return cursor.error();
-    if (cursor->Next()) found = DayOfPage(cursor->Int(0));
-    if (cursor->error() != 0) return Failed(session, cursor->error());
-    return found;
+/// The text of a payload as its field tells it.
+std::string_view ToldText(std::string_view payload) {
+    store::PayloadReader reader(payload);
+    for (store::RawField field; reader.Next(field);)
+        if (field.number == kText) return field.value;
+    return {};
 }
+
+/// Spans in which the nearest page is looked for, in days: most often it is near.
+constexpr std::array<std::int32_t, 3> kSpans = {31, 400, 70000};
 
 /// Scripts that set no blanks between words: each character counts.
 bool StandsAlone(char32_t c) {
@@ -79,13 +81,23 @@ Result<std::vector<Day>> MarkedDays(Session& session, Day first, Day last) {
 }
 
 Result<std::optional<Day>> PreviousEntry(Session& session, Day day) {
-    return FirstOf(session, "SELECT fR2 FROM tt WHERE fSec=13 And fR2 < ? ORDER BY fR2 DESC",
-                   RangeOf(day, day).low);
+    for (const std::int32_t span : kSpans) {
+        auto days = MarkedDays(session, {day.serial - span}, {day.serial - 1});
+        if (!days) return days.error();
+        std::erase_if(*days, [day](Day each) { return each >= day; });
+        if (!days->empty()) return std::optional(days->back());
+    }
+    return std::optional<Day>();
 }
 
 Result<std::optional<Day>> NextEntry(Session& session, Day day) {
-    return FirstOf(session, "SELECT fR2 FROM tt WHERE fSec=13 And fR2 > ? ORDER BY fR2",
-                   RangeOf(day, day).high);
+    for (const std::int32_t span : kSpans) {
+        auto days = MarkedDays(session, {day.serial + 1}, {day.serial + span});
+        if (!days) return days.error();
+        std::erase_if(*days, [day](Day each) { return each <= day; });
+        if (!days->empty()) return std::optional(days->front());
+    }
+    return std::optional<Day>();
 }
 
 Result<std::vector<Day>> OnThisDay(Session& session, Day day) {
@@ -124,8 +136,7 @@ Result<std::vector<Day>> Search(Session& session, std::string_view search) {
     const auto found =
         store::RecordsWhere(session, store::Section::Diary, "", "fEtx", [&](std::string_view payload) {
             const WipedText text = store::ReadWords(payload, kText);
-            return needle.InTrue(text) ||
-                   (!needle.AsksTrueText() && needle.InTold(TextOf(store::GetPayloadField(payload, kText))));
+            return needle.InTrue(text) || (!needle.AsksTrueText() && needle.InTold(ToldText(payload)));
         });
     if (!found) return found.error();
     auto cursor = session.ProgramDb->Select("SELECT fPK, fR2 FROM tt WHERE fSec=13");

@@ -23,7 +23,7 @@ WipedText Below(std::string_view first, std::string_view second) {
 /// Payload and column of a page, plain.
 struct Texts {
     WipedText payload;
-    Bytes date;
+    WipedText date;
 };
 
 Texts TextsOf(Session& session, Page& page) {

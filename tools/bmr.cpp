@@ -15,6 +15,7 @@ class CommandLine {
         app_.set_version_flag("--version", "bmr " BMR_VERSION);
         AddReaders();
         AddWriters();
+        AddTables();
         AddWholeFile();
         AddGenerator();
     }
@@ -62,8 +63,11 @@ class CommandLine {
         list->add_option("--kind", options_.kind, "Only this kind of confidential records, 1 to 16");
         list->add_flag("--all", options_.all, "Completed tasks too");
         list->add_option("--from", options_.from,
-                         "calendar: first day, YYYY-MM-DD (today, or a year before --to)");
-        list->add_option("--to", options_.to, "calendar: last day, YYYY-MM-DD (a year after --from)");
+                         "calendar: first day, YYYY-MM-DD (today, or a year before --to); budgets and diary: "
+                         "the first day of the list");
+        list->add_option("--to", options_.to,
+                         "calendar: last day, YYYY-MM-DD (a year after --from); budgets and diary: the last "
+                         "day of the list");
         list->add_flag("--rows", options_.rows, "calendar: the rows as they stand, a series once");
         Week(list);
         Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
@@ -86,6 +90,40 @@ class CommandLine {
         Week(add);
         Key(Command("done", "Tick a task", bmr::tools::RunDone));
         Key(Command("delete", "Delete a record", bmr::tools::RunDelete));
+    }
+
+    /// What concerns a budget as a whole.
+    void AddTables() {
+        const auto budget = [this](CLI::App* command) {
+            command->add_option("SECTION", options_.section, "budget1, budget2 or budget3")->required();
+            return ShowPrivate(command);
+        };
+        const auto span = [this](CLI::App* command) {
+            command->add_option("--from", options_.from, "First day, YYYY-MM-DD");
+            command->add_option("--to", options_.to, "Last day, YYYY-MM-DD");
+        };
+        span(Json(budget(Command("summary", "Sums of a budget by category and class (this year to date)",
+                                 bmr::tools::RunSummary))));
+        CLI::App* in = budget(Command("import", "Add the entries of a bank's table, all of them or none",
+                                      bmr::tools::ImportBudget));
+        in->add_option("--csv", options_.csv, "The table; what it holds is guessed")->required();
+        in->add_option("--columns", options_.columns,
+                       "What its columns hold, with commas between: date, item, amount, credit, debit, "
+                       "partner, note, category, payment, private, or nothing");
+        in->add_option("--decimal", options_.decimal, "Its decimal sign")->check(CLI::IsMember({".", ","}));
+        in->add_option("--dates", options_.dates, "How its dates are written")
+            ->check(CLI::IsMember({"dmy", "mdy", "ymd"}));
+        in->add_option("--duplicates", options_.duplicates,
+                       "What becomes of a row that equals an entry in amount within three days")
+            ->check(CLI::IsMember({"skip", "add"}))
+            ->capture_default_str();
+        CLI::App* out = budget(Command("export",
+                                       "Write the entries of a budget in plain text, outside of the "
+                                       "database",
+                                       bmr::tools::ExportBudget));
+        out->add_option("--csv", options_.csv, "The table, replaced in one step")->required();
+        out->add_option("--category", options_.category, "Only this category");
+        span(out);
     }
 
     void Week(CLI::App* command) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/ports.h"
+#include "base/serialdate.h"
 #include "confidential/generator.h"
 
 namespace bmr::tools {
@@ -33,6 +34,13 @@ struct Options {
     std::string section = "todo";
     std::string category;
     std::int32_t fPK = 0;
+
+    /// Of `import` and `export`: the table, how it is read, and what is done with entries that are there.
+    std::filesystem::path csv;
+    std::string columns;
+    std::string decimal;
+    std::string dates;
+    std::string duplicates = "skip";
 
     /// Show secrets in tables too.
     bool plain = false;
@@ -62,6 +70,14 @@ void RunCompact(const Options& options);
 void RunCheck(const Options& options);
 void RunArchive(const Options& options);
 void RunGenerate(const Options& options);
+
+/// Of the budgets.
+void RunSummary(const Options& options);
+void ImportBudget(const Options& options);
+void ExportBudget(const Options& options);
+
+/// The day of an option; nothing for an empty text, Failure for what is no date.
+std::optional<Day> DayOption(const std::string& option, const std::string& text);
 
 /// `RunList` of a calendar whose rows are not asked for.
 void ListOccurrences(const Options& options);

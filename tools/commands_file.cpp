@@ -1,12 +1,14 @@
 #include <iostream>
 
 #include "base/languageus.h"
+#include "budget/rowcheck.h"
 #include "calendar/dayorder.h"
 #include "calendar/rowcheck.h"
 #include "commands.h"
 #include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
 #include "custody/systemrecord.h"
+#include "diary/rowcheck.h"
 #include "recordjson.h"
 #include "recordkinds.h"
 #include "sitting.h"
@@ -101,6 +103,33 @@ std::int64_t ReportCalendar(Sitting& sitting) {
     return faults;
 }
 
+/// What is told of a row beside its record: a line each.
+template <class Fault>
+std::int64_t ReportRows(const std::vector<Fault>& rows, std::uint8_t section, bool note) {
+    for (const Fault& row : rows)
+        std::cout << (note ? "note: " : "") << "fPK " << row.fPK << ", fSec " << int{section} << ": "
+                  << row.what << '\n';
+    return note ? 0 : static_cast<std::int64_t>(rows.size());
+}
+
+std::int64_t ReportBudgets(Sitting& sitting) {
+    std::int64_t faults = 0;
+    for (const std::uint8_t section :
+         {store::Section::Budget1, store::Section::Budget2, store::Section::Budget3}) {
+        const auto checked = budget::CheckRows(sitting.session(), section);
+        sitting.Check(checked ? 0 : checked.error().number);
+        faults += ReportRows(checked->faults, section, false);
+        ReportRows(checked->notes, section, true);
+    }
+    return faults;
+}
+
+std::int64_t ReportDiary(Sitting& sitting) {
+    const auto checked = diary::CheckRows(sitting.session());
+    sitting.Check(checked ? 0 : checked.error().number);
+    return ReportRows(*checked, store::Section::Diary, false);
+}
+
 }  // namespace
 
 void RunInfo(const Options& options) {
@@ -157,6 +186,8 @@ void RunCheck(const Options& options) {
     sitting.Check(error);
     faults += ReportDisorder(session);
     faults += ReportCalendar(sitting);
+    faults += ReportBudgets(sitting);
+    faults += ReportDiary(sitting);
     if (faults != 0)
         throw Failure(std::to_string(faults) + " faults found in " + options.file.string() + ".");
     std::cout << records << " records, all whole.\n";

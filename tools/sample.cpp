@@ -46,6 +46,8 @@ constexpr SampleSection kSections[] = {
     {store::Section::Todo, "todo", FillTasks},
     {store::Section::Confidential, "confidential", FillConfidential},
     {store::Section::Calendar, "calendar", FillCalendar},
+    {store::Section::Diary, "diary", FillDiary},
+    {store::Section::Budget1, "budget", FillBudgets},
 };
 
 }  // namespace

@@ -4,7 +4,10 @@
 #include <random>
 #include <vector>
 
+#include "budget/ledger.h"
+#include "budget/summary.h"
 #include "confidential/confidential.h"
+#include "diary/page.h"
 #include "main_shared.h"
 #include "notes/memo.h"
 #include "sitting.h"
@@ -13,13 +16,15 @@
 #include "store/undo.h"
 
 /// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
-/// memos and confidential records by the functions of their sections, takes such steps back and does them
-/// again, all in random order, then reads every one and compares it with what was stored. What the whole file
-/// looks like afterwards is for `bmr check` to say.
+/// memos, confidential records, entries of a budget and pages of the diary by the functions of their
+/// sections, takes such steps back and does them again, all in random order, then reads every one and
+/// compares it with what was stored. What the whole file looks like afterwards is for `bmr check` to say.
 namespace {
 
 using namespace bmr;
+using budget::Transaction;
 using confidential::Record;
+using diary::Page;
 using notes::Memo;
 using tools::Failure;
 
@@ -70,6 +75,8 @@ class Player {
         for (std::int32_t kind = 1; kind <= 16; ++kind)
             if (const auto keys = confidential::ListRecords(session_, kind)) count += keys->size();
         if (count != records_.records.size()) throw Failure("the records listed are not those stored");
+        CompareEntries();
+        ComparePages();
         for (const std::uint8_t section : {store::Section::Memo, store::Section::Confidential})
             if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
                 throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
@@ -77,7 +84,41 @@ class Player {
 
     std::string Counts() const {
         return std::to_string(memos_.records.size()) + " memos, " + std::to_string(records_.records.size()) +
-               " records, " + std::to_string(taken_) + " steps back or forth";
+               " records, " + std::to_string(entries_.records.size()) + " entries, " +
+               std::to_string(pages_.records.size()) + " pages, " + std::to_string(taken_) +
+               " steps back or forth";
+    }
+
+    void CompareEntries() {
+        budget::ClassSums sums{};
+        for (const Transaction& entry : entries_.records) {
+            const auto read = budget::FetchRecord(session_, kBudget, entry.key);
+            if (!read || !read->readable || read->description != entry.description ||
+                read->note != entry.note || read->hasNote == entry.note.empty() ||
+                read->amount != entry.amount || read->cdbw != entry.cdbw || read->date != entry.date ||
+                read->category != entry.category || read->isPrivate != entry.isPrivate)
+                throw Failure("entry " + std::to_string(entry.key) + " is not what was stored");
+            Money& sum = sums[static_cast<std::size_t>(entry.cdbw)];
+            sum = budget::Plus(sum, entry.amount);
+        }
+        const auto summary = budget::ReadSummary(session_, kBudget, budget::kFirstDay, budget::kLastDay);
+        if (!summary || summary->count != entries_.records.size() || summary->totals != sums)
+            throw Failure("the summary is not that of the entries");
+        const auto ledger =
+            budget::ReadLedgerSpan(session_, {.section = kBudget}, budget::kFirstDay, budget::kLastDay);
+        if (!ledger || ledger->rows.size() != entries_.records.size())
+            throw Failure("the entries listed are not those stored");
+    }
+    void ComparePages() {
+        for (const Page& page : pages_.records) {
+            const auto read = diary::ReadSpan(session_, page.day, page.day);
+            if (!read || !read->doubled.empty() || read->pages.front().key != page.key ||
+                read->pages.front().text != page.text)
+                throw Failure("page " + std::to_string(page.key) + " is not what was stored");
+        }
+        const auto listed = diary::ListRecords(session_);
+        if (!listed || listed->size() != pages_.records.size())
+            throw Failure("the pages listed are not those stored");
     }
 
   private:
@@ -165,6 +206,10 @@ class Player {
         const int what = Draw(20);
         if (what == 0) return GoBackAndForth(memos_);
         if (what == 1) return GoBackAndForth(records_);
+        if (what == 2) return GoBackAndForth(entries_);
+        if (what == 3) return GoBackAndForth(pages_);
+        if (what < 8) return OnEntries();
+        if (what < 11) return OnPages();
         what % 2 == 0 ? OnMemos() : OnRecords();
     }
 
@@ -197,10 +242,43 @@ class Player {
         Did(records_, record.key, old, std::optional(record));
     }
 
+    void OnEntries() {
+        const int what = entries_.records.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(entries_);
+        std::optional<Transaction> old;
+        if (what >= 5) old = Any(entries_.records);
+        Transaction entry = old ? *old : budget::ClearRecord({30000 + Draw(20000)}, 0);
+        if (what < 7) entry.description = Name();
+        if (!old || what == 7) entry.amount = {Draw(1 << 30) - (1 << 20)};
+        if (!old || what == 8) entry.note = Draw(2) == 0 ? Words() : Text();
+        if (what == 8) entry.category = Draw(kCategories);
+        entry.isPrivate = Draw(10) == 0;
+        entry.cdbw = Draw(2) + (entry.isPrivate ? budget::kPrivate : 0);
+        Check(budget::WriteRecord(session_, kBudget, entry).error);
+        Did(entries_, entry.key, old, std::optional(entry));
+    }
+
+    /// Days lie close together, so that old and new ones meet.
+    void OnPages() {
+        const int what = pages_.records.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(pages_);
+        Page page;
+        page.day = {45000 + Draw(400)};
+        const auto there = std::ranges::find(pages_.records, page.day, &Page::day);
+        std::optional<Page> old;
+        if (there != pages_.records.end()) page = *(old = *there);
+        page.text = Draw(3) == 0 ? Name() + "!" : Text() + "!";
+        Check(diary::StorePage(session_, page).error);
+        Did(pages_, page.key, old, std::optional(page));
+    }
+
+    static constexpr std::uint8_t kBudget = store::Section::Budget2;
     store::Session& session_;
     std::mt19937 random_;
     Steps<Memo> memos_{store::Section::Memo, {}, {}, {}};
     Steps<Record> records_{store::Section::Confidential, {}, {}, {}};
+    Steps<Transaction> entries_{kBudget, {}, {}, {}};
+    Steps<Page> pages_{store::Section::Diary, {}, {}, {}};
     int taken_ = 0;  ///< steps that were taken back or done again
 };
 
@@ -208,7 +286,8 @@ class Player {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Works on memos and confidential records of a database at random.", "random_ops");
+    CLI::App app("Works on memos, confidential records, a budget and the diary of a database at random.",
+                 "random_ops");
     app.add_option("FILE", options.file, "The database")->required();
     app.add_option("--passphrase-fd", options.passphraseFd, "Where the passphrase comes from");
     app.add_option("--operations", options.operations, "How many")->capture_default_str();

@@ -24,9 +24,9 @@ struct RingPart {
 };
 
 struct ChartFigures {
-    std::vector<MonthBar> months;   ///< every month of the period, empty ones too
-    std::vector<RingPart> credits;  ///< largest first; only what lies above 0
-    std::vector<RingPart> debits;
+    std::vector<MonthBar> months = {};   ///< every month of the period, empty ones too
+    std::vector<RingPart> credits = {};  ///< largest first; only what lies above 0
+    std::vector<RingPart> debits = {};
 };
 
 /// Reads a period in one pass, both ends within. Private entries count where `session.ShowPrivate`.

@@ -28,7 +28,7 @@ struct LedgerFilter {
     std::uint8_t section = store::Section::Budget1;
     std::int32_t category = store::Category::All;  ///< 9999 and -1: all
     BudgetBoxes show = {true, true, true, true};
-    Day calDate;  ///< any day of the month
+    Day calDate = {};  ///< any day of the month
 };
 
 /// The statement of a ledger, as it is told.

@@ -15,7 +15,7 @@ class CommandLine {
         app_.set_version_flag("--version", "bmr " BMR_VERSION);
         AddReaders();
         AddWriters();
-        AddExports();
+        AddTables();
         AddWholeFile();
         AddGenerator();
         AddBackups();
@@ -64,37 +64,16 @@ class CommandLine {
         list->add_option("--kind", options_.kind, "Only this kind of confidential records, 1 to 16");
         list->add_flag("--all", options_.all, "Completed tasks too");
         list->add_option("--from", options_.from,
-                         "calendar: first day, YYYY-MM-DD (today, or a year before --to)");
-        list->add_option("--to", options_.to, "calendar: last day, YYYY-MM-DD (a year after --from)");
+                         "calendar: first day, YYYY-MM-DD (today, or a year before --to); budgets and diary: "
+                         "the first day of the list");
+        list->add_option("--to", options_.to,
+                         "calendar: last day, YYYY-MM-DD (a year after --from); budgets and diary: the last "
+                         "day of the list");
         list->add_flag("--rows", options_.rows, "calendar: the rows as they stand, a series once");
         Week(list);
         CLI::App* show = Plain(Key(Json(Command("show", "Show one record", bmr::tools::RunShow))));
         show->add_flag("--card", options_.card, "address: head and body of its card");
         Plain(ShowPrivate(Json(Command("dump", "Show every record of every section", bmr::tools::RunDump))));
-    }
-
-    void AddExports() {
-        CLI::App* out = ShowPrivate(
-            Command("export", "Write records in plain text, outside of the database", bmr::tools::RunExport));
-        out->add_option("SECTION", options_.section, "address")->required();
-        out->add_option("--category", options_.category, "Only this category");
-        out->add_option("--tab", options_.tab, "A file of lines and tabs, replaced in one step");
-        out->add_option("--vcard", options_.vcard, "A file of vCards of version 4.0, replaced in one step");
-        CLI::App* in = ShowPrivate(Command(
-            "import", "Add the records of a file of another program, all or none", bmr::tools::RunImport));
-        in->add_option("SECTION", options_.section, "address, memo, todo or calendar")->required();
-        in->add_option("--vcard", options_.vcard, "address: a file of vCards of version 2.1, 3.0 or 4.0");
-        in->add_option("--palm", options_.palm,
-                       "memopad.dat, todo.dat or datebook.dat of a Palm Desktop; what became of it is told "
-                       "in JSON");
-        in->add_option("--category", options_.category, "vCards: for those that name none that exists");
-        in->add_option("--duplicates", options_.duplicates,
-                       "vCards: what becomes of a card whose name and number are there already")
-            ->check(CLI::IsMember({"skip", "merge", "add"}))
-            ->capture_default_str();
-        in->add_flag("--known", options_.withKnown, "Palm: records that look like one that exists too");
-        in->add_flag("--dry-run,--preview", options_.dryRun, "Store nothing, only tell what the file holds");
-        Week(in);
     }
 
     void AddWriters() {
@@ -113,6 +92,52 @@ class CommandLine {
         Week(add);
         Key(Command("done", "Tick a task", bmr::tools::RunDone));
         Key(Command("delete", "Delete a record", bmr::tools::RunDelete));
+    }
+
+    /// Files of other programs, and the sums of a budget.
+    void AddTables() {
+        CLI::App* in = ShowPrivate(Command(
+            "import", "Add the records of a file of another program, all or none", bmr::tools::RunImport));
+        in->add_option("SECTION", options_.section, Names(false))->required();
+        in->add_option("--vcard", options_.vcard, "address: a file of vCards of version 2.1, 3.0 or 4.0");
+        in->add_option("--palm", options_.palm,
+                       "memo, todo, calendar: memopad.dat, todo.dat or datebook.dat of a Palm Desktop; what "
+                       "became of it is told in JSON");
+        in->add_option("--csv", options_.csv, "budgets: a bank's table; what it holds is guessed");
+        in->add_option("--category", options_.category, "vCards: for those that name none that exists");
+        in->add_option("--duplicates", options_.duplicates,
+                       "vCards and tables: what becomes of a card whose name and number are there already, "
+                       "of a row that equals an entry in amount within three days (no merge there)")
+            ->check(CLI::IsMember({"skip", "merge", "add"}))
+            ->capture_default_str();
+        in->add_flag("--known", options_.withKnown, "Palm: records that look like one that exists too");
+        in->add_option("--columns", options_.columns,
+                       "What the columns of a table hold, with commas between: date, item, amount, credit, "
+                       "debit, partner, note, category, payment, private, or nothing");
+        in->add_option("--decimal", options_.decimal, "Its decimal sign")->check(CLI::IsMember({".", ","}));
+        in->add_option("--dates", options_.dates, "How its dates are written")
+            ->check(CLI::IsMember({"dmy", "mdy", "ymd"}));
+        in->add_flag("--dry-run,--preview", options_.dryRun, "Store nothing, only tell what the file holds");
+        Week(in);
+        CLI::App* out = ShowPrivate(
+            Command("export", "Write records in plain text, outside of the database", bmr::tools::RunExport));
+        out->add_option("SECTION", options_.section, "address, budget1, budget2 or budget3")->required();
+        out->add_option("--category", options_.category, "Only this category");
+        out->add_option("--tab", options_.tab, "address: a file of lines and tabs, replaced in one step");
+        out->add_option("--vcard", options_.vcard,
+                        "address: a file of vCards of version 4.0, replaced in one step");
+        out->add_option("--csv", options_.csv, "budgets: a table, replaced in one step");
+        Span(out);
+        CLI::App* sums =
+            ShowPrivate(Json(Command("summary", "Sums of a budget by category and class (this year to date)",
+                                     bmr::tools::RunSummary)));
+        sums->add_option("SECTION", options_.section, "budget1, budget2 or budget3")->required();
+        Span(sums);
+    }
+
+    void Span(CLI::App* command) {
+        command->add_option("--from", options_.from, "budgets: first day, YYYY-MM-DD");
+        command->add_option("--to", options_.to, "budgets: last day, YYYY-MM-DD");
     }
 
     void Week(CLI::App* command) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/ports.h"
+#include "base/serialdate.h"
 #include "confidential/generator.h"
 
 namespace bmr::tools {
@@ -42,6 +43,12 @@ struct Options {
     std::string section = "todo";
     std::string category;
     std::int32_t fPK = 0;
+
+    /// Of `import` and `export`: the table, how it is read, and what is done with entries that are there.
+    std::filesystem::path csv;
+    std::string columns;
+    std::string decimal;
+    std::string dates;
 
     /// Show secrets in tables too.
     bool plain = false;
@@ -84,9 +91,18 @@ void RunBackup(const Options& options);
 void RunRestore(const Options& options);
 void RunBackups(const Options& options);
 
-/// What `RunImport` does by the kind of the file.
+/// What `RunImport` and `RunExport` do by the kind of the file.
 void ImportContacts(const Options& options);
 void ImportPalm(const Options& options);
+void ImportBudget(const Options& options);
+void ExportContacts(const Options& options);
+void ExportBudget(const Options& options);
+
+/// Of the budgets.
+void RunSummary(const Options& options);
+
+/// The day of an option; nothing for an empty text, Failure for what is no date.
+std::optional<Day> DayOption(const std::string& option, const std::string& text);
 
 /// `RunList` of a calendar whose rows are not asked for.
 void ListOccurrences(const Options& options);

@@ -80,9 +80,8 @@ void PrintCard(store::Session& session, const Options& options, const Row& row, 
         std::cout << PrintableLines(address::CardText(card));
 }
 
-void RunExport(const Options& options) {
+void ExportContacts(const Options& options) {
     RefuseOthers(options, "export");
-    if (options.tab.empty() == options.vcard.empty()) throw Failure("Give one of --tab and --vcard.");
     Sitting sitting(options.passphraseFd);
     sitting.Open(options.file, engine::Access::Read);
     store::Session& session = sitting.session();

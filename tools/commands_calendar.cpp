@@ -14,13 +14,6 @@ namespace {
 
 constexpr std::int32_t kYear = 365;
 
-std::optional<Day> DayOption(const std::string& option, const std::string& text) {
-    if (text.empty()) return std::nullopt;
-    const auto day = ParseIsoDate(text);
-    if (!day) throw Failure(option + " is no date of the form YYYY-MM-DD.");
-    return day;
-}
-
 calendar::Period PeriodOf(const Options& options, Day today) {
     const auto from = DayOption("--from", options.from);
     const auto to = DayOption("--to", options.to);
@@ -75,6 +68,13 @@ void PrintTable(const std::vector<calendar::Entry>& entries) {
 }
 
 }  // namespace
+
+std::optional<Day> DayOption(const std::string& option, const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    const auto day = ParseIsoDate(text);
+    if (!day) throw Failure(option + " is no date of the form YYYY-MM-DD.");
+    return day;
+}
 
 LocaleFacts LocaleOf(const Options& options) {
     LocaleFacts locale;

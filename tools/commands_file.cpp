@@ -2,12 +2,14 @@
 
 #include "address/rowcheck.h"
 #include "base/languageus.h"
+#include "budget/rowcheck.h"
 #include "calendar/dayorder.h"
 #include "calendar/rowcheck.h"
 #include "commands.h"
 #include "custody/keyrecords.h"
 #include "custody/lifecycle.h"
 #include "custody/systemrecord.h"
+#include "diary/rowcheck.h"
 #include "recordjson.h"
 #include "recordkinds.h"
 #include "sitting.h"
@@ -102,18 +104,43 @@ std::int64_t ReportCalendar(Sitting& sitting) {
     return faults;
 }
 
+/// What is told of a row beside its record: a line each.
+template <class Fault>
+std::int64_t ReportRows(const std::vector<Fault>& rows, std::uint8_t section, bool note) {
+    for (const Fault& row : rows)
+        std::cout << (note ? "note: " : "") << "fPK " << row.fPK << ", fSec " << int{section} << ": "
+                  << row.what << '\n';
+    return note ? 0 : static_cast<std::int64_t>(rows.size());
+}
+
 /// What the list of the address book shows, and by what it leaves rows out.
 std::int64_t ReportAddresses(Sitting& sitting) {
     const auto checked = address::CheckRows(sitting.session());
     sitting.Check(checked ? 0 : checked.error().number);
-    for (const address::RowFault& row : checked->faults)
-        std::cout << "fPK " << row.fPK << ", fSec " << int{store::Section::Address} << ": " << row.what
-                  << '\n';
+    const std::int64_t faults = ReportRows(checked->faults, store::Section::Address, false);
     if (checked->nameless > 0)
         std::cout << "note: " << checked->nameless
                   << (checked->nameless == 1 ? " address has" : " addresses have")
                   << " no name to be filed under, and no list shows it\n";
-    return static_cast<std::int64_t>(checked->faults.size());
+    return faults;
+}
+
+std::int64_t ReportBudgets(Sitting& sitting) {
+    std::int64_t faults = 0;
+    for (const std::uint8_t section :
+         {store::Section::Budget1, store::Section::Budget2, store::Section::Budget3}) {
+        const auto checked = budget::CheckRows(sitting.session(), section);
+        sitting.Check(checked ? 0 : checked.error().number);
+        faults += ReportRows(checked->faults, section, false);
+        ReportRows(checked->notes, section, true);
+    }
+    return faults;
+}
+
+std::int64_t ReportDiary(Sitting& sitting) {
+    const auto checked = diary::CheckRows(sitting.session());
+    sitting.Check(checked ? 0 : checked.error().number);
+    return ReportRows(*checked, store::Section::Diary, false);
 }
 
 }  // namespace
@@ -173,6 +200,8 @@ void RunCheck(const Options& options) {
     faults += ReportDisorder(session);
     faults += ReportCalendar(sitting);
     faults += ReportAddresses(sitting);
+    faults += ReportBudgets(sitting);
+    faults += ReportDiary(sitting);
     if (faults != 0)
         throw Failure(std::to_string(faults) + " faults found in " + options.file.string() + ".");
     std::cout << records << " records, all whole.\n";

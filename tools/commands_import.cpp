@@ -37,11 +37,17 @@ Json ReportOf(const interchange::PalmPlan& plan, std::size_t added, std::size_t 
 }  // namespace
 
 void RunImport(const Options& options) {
-    if (options.vcard.empty() == options.palm.empty()) throw Failure("Give one of --vcard and --palm.");
-    if (options.palm.empty())
-        ImportContacts(options);
-    else
-        ImportPalm(options);
+    if (!options.vcard.empty() + !options.palm.empty() + !options.csv.empty() != 1)
+        throw Failure("Give one of --vcard, --palm and --csv.");
+    if (!options.vcard.empty()) return ImportContacts(options);
+    if (!options.palm.empty()) return ImportPalm(options);
+    ImportBudget(options);
+}
+
+void RunExport(const Options& options) {
+    if (!options.tab.empty() + !options.vcard.empty() + !options.csv.empty() != 1)
+        throw Failure("Give one of --tab, --vcard and --csv.");
+    options.csv.empty() ? ExportContacts(options) : ExportBudget(options);
 }
 
 void ImportPalm(const Options& options) {

@@ -18,7 +18,8 @@ namespace {
 
 store::ListRequest RequestOf(store::Session& session, const Options& options,
                              const store::SectionFacts& section) {
-    store::ListRequest request{.all = options.all};
+    store::ListRequest request{
+        .all = options.all, .from = DayOption("--from", options.from), .to = DayOption("--to", options.to)};
     if (options.kind) {
         RefuseKinds(section);
         if (section.kindName(*options.kind).empty())
@@ -71,7 +72,7 @@ void PrintRecord(const Json& json, bool plain) {
 void RunList(const Options& options) {
     const store::SectionFacts& section = SectionByName(options.section);
     const bool ofPeriod = !options.from.empty() || !options.to.empty();
-    if (ofPeriod || options.rows || !options.week.empty()) RefuseWeeks(section);
+    if ((ofPeriod && !section.spans) || options.rows || !options.week.empty()) RefuseWeeks(section);
     if (options.rows && ofPeriod) throw Failure("--rows shows every row: --from and --to do not go with it.");
     if (section.code == store::Section::Calendar && !options.rows) return ListOccurrences(options);
     Sitting sitting(options.passphraseFd);
@@ -91,7 +92,7 @@ void RunList(const Options& options) {
     CategoryNames names(session);
     ListTable table(section, options.json);
     const auto* name = section.NameRule();
-    const bool inColumn = name && name->kind == store::Kind::ColumnName;
+    const bool inColumn = (name && name->kind == store::Kind::ColumnName) || section.inText;
     const std::string condition =
         "fSec=" + std::to_string(section.code) + ClausesOf(session, section, request);
     sitting.Check(ForEachRow(session, condition, inColumn ? ListTexts::Decipher : ListTexts::Leave,

@@ -36,6 +36,9 @@ Cells HeaderOf(const store::SectionFacts& section) {
     if (section.columns)
         for (const store::ColumnValue& column : section.columns({}))
             if (!column.header.empty()) header.emplace_back(column.header);
+    if (section.inText)
+        for (const store::ColumnValue& told : section.inText({}))
+            header.emplace_back(told.header);
     header.emplace_back("Priv");
     if (section.grouped) header.emplace_back(section.kindName ? "Kind" : "Category");
     header.emplace_back(section.kindName ? "Name" : section.title);
@@ -50,7 +53,10 @@ Cells CellsOf(const store::SectionFacts& section, const Row& row, const Json& re
     if (section.columns)
         for (const store::ColumnValue& column : section.columns(row))
             if (!column.header.empty()) cells.push_back(whole ? column.cell : "");
-    const store::FieldRule* flag = section.Rule(section.privateField);
+    if (section.inText)
+        for (const store::ColumnValue& told : section.inText(row.listText))
+            cells.push_back(whole ? told.cell : "");
+    const store::FieldRule* flag = section.Rule(section.FlagField());
     const bool isPrivate = whole && flag && record.value(std::string(flag->name), Json()) == true;
     cells.emplace_back(isPrivate ? "P" : "");
     if (section.grouped) {

@@ -161,7 +161,7 @@ std::string FaultOf(const Row& row, std::string_view payload) {
     if (!kind) return "the class is unknown";
     if (!IsFieldCiphered(row)) return row.fEtx.empty() ? "the payload is missing" : "";
     const store::SectionFacts* section = kind->section;
-    bool flagged = !section || !section->Rule(section->privateField);
+    bool flagged = !section || !section->Rule(section->FlagField());
     int fields = 0;
     store::PayloadReader reader(payload);
     for (store::RawField field; reader.Next(field); ++fields) {
@@ -172,7 +172,7 @@ std::string FaultOf(const Row& row, std::string_view payload) {
             owner && JudgeCompanionOf(row, payload, *owner, field) == store::CompanionState::Malformed)
             return "field " + std::to_string(field.number) + ", the whole text of " +
                    std::string(owner->name) + ", is malformed";
-        if (section && field.number == section->privateField) flagged = true;
+        if (section && field.number == section->FlagField()) flagged = true;
     }
     if (!reader.Clean()) return "the payload does not decode";
     if (fields == 0 && section) return "the payload is empty";
@@ -218,6 +218,9 @@ Json RecordJson(store::Session& session, const Row& row, std::string_view payloa
         for (const store::ColumnValue& column : kind->section->columns(row))
             json[std::string(column.name)] = ValueJson(column.value);
     if (row.fSec == store::Section::Address) AddContact(json, row, payload);
+    if (kind->section->inText)
+        for (const store::ColumnValue& told : kind->section->inText(row.listText))
+            json[std::string(told.name)] = ValueJson(told.value);
     AddGroup(json, *kind->section, row, names);
     return json;
 }

@@ -100,7 +100,8 @@ void RefuseCategories(const store::SectionFacts& section) {
 
 void RefuseWeeks(const store::SectionFacts& section) {
     if (section.code != store::Section::Calendar)
-        throw Failure("--week, --from, --to and --rows are for calendar, not for " +
+        throw Failure((section.spans ? "--week and --rows are for calendar, not for "
+                                     : "--week, --from, --to and --rows are for calendar, not for ") +
                       std::string(section.command) + ".");
 }
 

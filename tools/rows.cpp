@@ -4,7 +4,7 @@
 
 #include "base/errors.h"
 #include "base/languageus.h"
-#include "store/privatefilter.h"
+#include "store/record_get.h"
 
 namespace bmr::tools {
 namespace {
@@ -75,7 +75,9 @@ int ForEachRow(store::Session& session, const std::string& condition, ListTexts 
 
 bool IsHidden(const store::Session& session, bool showPrivate, const Row& row, std::string_view payload) {
     if (session.ShowPrivate || showPrivate || !store::FactsOf(row.fSec)) return false;
-    return store::IsPayloadPrivate(payload, static_cast<std::uint8_t>(row.fSec));
+    const Value flag = store::GetPayloadField(payload, store::FactsOf(row.fSec)->FlagField());
+    const auto* isPrivate = std::get_if<bool>(&flag);
+    return isPrivate == nullptr || *isPrivate;
 }
 
 Result<Row> FindRow(store::Session& session, std::int32_t fPK, bool showPrivate) {

@@ -47,6 +47,8 @@ constexpr SampleSection kSections[] = {
     {store::Section::Confidential, "confidential", FillConfidential},
     {store::Section::Calendar, "calendar", FillCalendar},
     {store::Section::Address, "address", FillAddresses},
+    {store::Section::Diary, "diary", FillDiary},
+    {store::Section::Budget1, "budget", FillBudgets},
 };
 
 }  // namespace

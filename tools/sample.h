@@ -69,5 +69,8 @@ int FillCalendar(SampleContext& context, std::int32_t records);
 int FillTasks(SampleContext& context, std::int32_t records);
 int FillMemos(SampleContext& context, std::int32_t records);
 int FillConfidential(SampleContext& context, std::int32_t records);
+int FillDiary(SampleContext& context, std::int32_t records);
+/// Divides them among the three budgets.
+int FillBudgets(SampleContext& context, std::int32_t records);
 
 }  // namespace bmr::tools

@@ -6,8 +6,7 @@
 
 namespace bmr::budget {
 
-/// The three budgets, for those who serve all sections. Their records are read and shown by the command line
-/// only.
+/// The three budgets, for those who serve all sections.
 std::span<const store::SectionFacts> Sections();
 
 }  // namespace bmr::budget

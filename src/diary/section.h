@@ -6,7 +6,7 @@
 
 namespace bmr::diary {
 
-/// The diary, for those who serve all sections. Its records are read and shown by the command line only.
+/// The diary, for those who serve all sections.
 std::span<const store::SectionFacts> Sections();
 
 }  // namespace bmr::diary

@@ -64,6 +64,9 @@ struct ColumnValue {
 struct ListRequest {
     std::int32_t group = -1;  ///< category or kind; -1 all
     bool all = false;         ///< what the section leaves out at first too: completed tasks
+    /// Of a section whose lists span days: the first and the last, both within.
+    std::optional<Day> from = {};
+    std::optional<Day> to = {};
 };
 
 /// A record that is made from words, as on the command line.
@@ -103,6 +106,10 @@ struct SectionFacts {
     std::uint8_t privateField;  ///< number of the flag that hides a record
     std::span<const FieldRule> fields;
     bool grouped = true;  ///< its records have a category or a kind
+    /// The flag that the section's own list hides by, where that is another: a search through all sections is
+    /// stricter with the budgets than their ledger is.
+    std::optional<std::uint8_t> ownFlag = std::nullopt;
+    bool spans = false;  ///< its list can be asked for a span of days
 
     // What follows is left out by a section that is not in this version.
 
@@ -116,6 +123,8 @@ struct SectionFacts {
     Result<std::int32_t> (*add)(Session& session, const NewRecord& record) = nullptr;
     std::span<const FieldOption> options = {};
     std::vector<ColumnValue> (*columns)(const PlainColumns& row) = nullptr;
+    /// What the deciphered fT1 tells, where that is no name.
+    std::vector<ColumnValue> (*inText)(std::string_view fT1) = nullptr;
 
     // What can be done with several records at once.
 
@@ -128,6 +137,8 @@ struct SectionFacts {
     std::string_view (*kindName)(std::int32_t kind) = nullptr;  ///< empty for a number that is none
     FieldCaption (*caption)(std::int32_t kind, std::uint8_t field) = nullptr;
 
+    /// The number of the flag that the section's own list hides by.
+    std::uint8_t FlagField() const { return ownFlag.value_or(privateField); }
     /// The rule of the field that is a record's name; null where none is.
     const FieldRule* NameRule() const;
     const FieldRule* Rule(std::uint8_t number) const;

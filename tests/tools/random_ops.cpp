@@ -10,6 +10,8 @@
 #include "address/contact.h"
 #include "address/rowsummary.h"
 #include "base/errors.h"
+#include "budget/ledger.h"
+#include "budget/summary.h"
 #include "calendar/appointment.h"
 #include "calendar/dayorder.h"
 #include "calendar/months.h"
@@ -17,6 +19,7 @@
 #include "calendar/rowcheck.h"
 #include "calendar/serieschange.h"
 #include "confidential/confidential.h"
+#include "diary/page.h"
 #include "main_shared.h"
 #include "notes/memo.h"
 #include "sitting.h"
@@ -25,17 +28,18 @@
 #include "store/undo.h"
 
 /// usage: random_ops FILE --operations N --seed S --passphrase-fd FD. Adds, renames, edits, moves and deletes
-/// memos, confidential records, addresses and appointments by the functions of their sections, single days of
-/// series and later ones too, takes such steps back and does them again, all in random order, then reads
-/// every one and compares it with what was stored. What the whole file looks like afterwards is for `bmr
-/// check` to say.
+/// records by the functions of their sections, single days of series and later ones too, takes such steps
+/// back and does them again, all in random order, then reads every one and compares it with what was stored.
+/// What the whole file looks like afterwards is for `bmr check` to say.
 namespace {
 
 using namespace bmr;
+using budget::Transaction;
 using calendar::Appointment;
 using calendar::Minutes;
 using calendar::Reach;
 using confidential::Record;
+using diary::Page;
 using notes::Memo;
 using tools::Failure;
 
@@ -96,13 +100,49 @@ class Player {
             if (const auto wrong = store::FindDisorder(session_, section); !wrong.empty())
                 throw Failure(std::to_string(wrong.size()) + " rows out of alphabetical order");
         CompareAppointments();
+        CompareEntries();
+        ComparePages();
     }
 
     std::string Counts() const {
         return std::to_string(memos_.records.size()) + " memos, " + std::to_string(records_.records.size()) +
                " records, " + std::to_string(addresses_.records.size()) + " addresses, " +
-               std::to_string(appointments_.records.size()) + " appointments, " + std::to_string(taken_) +
+               std::to_string(appointments_.records.size()) + " appointments, " +
+               std::to_string(entries_.records.size()) + " entries, " +
+               std::to_string(pages_.records.size()) + " pages, " + std::to_string(taken_) +
                " steps back or forth, " + std::to_string(reached_) + " changes of series";
+    }
+
+    void CompareEntries() {
+        budget::ClassSums sums{};
+        for (const Transaction& entry : entries_.records) {
+            const auto read = budget::FetchRecord(session_, kBudget, entry.key);
+            if (!read || !read->readable || read->description != entry.description ||
+                read->note != entry.note || read->hasNote == entry.note.empty() ||
+                read->amount != entry.amount || read->cdbw != entry.cdbw || read->date != entry.date ||
+                read->category != entry.category || read->isPrivate != entry.isPrivate)
+                throw Failure("entry " + std::to_string(entry.key) + " is not what was stored");
+            Money& sum = sums[static_cast<std::size_t>(entry.cdbw)];
+            sum = budget::Plus(sum, entry.amount);
+        }
+        const auto summary = budget::ReadSummary(session_, kBudget, budget::kFirstDay, budget::kLastDay);
+        if (!summary || summary->count != entries_.records.size() || summary->totals != sums)
+            throw Failure("the summary is not that of the entries");
+        const auto ledger =
+            budget::ReadLedgerSpan(session_, {.section = kBudget}, budget::kFirstDay, budget::kLastDay);
+        if (!ledger || ledger->rows.size() != entries_.records.size())
+            throw Failure("the entries listed are not those stored");
+    }
+    void ComparePages() {
+        for (const Page& page : pages_.records) {
+            const auto read = diary::ReadSpan(session_, page.day, page.day);
+            if (!read || !read->doubled.empty() || read->pages.front().key != page.key ||
+                read->pages.front().text != page.text)
+                throw Failure("page " + std::to_string(page.key) + " is not what was stored");
+        }
+        const auto listed = diary::ListRecords(session_);
+        if (!listed || listed->size() != pages_.records.size())
+            throw Failure("the pages listed are not those stored");
     }
 
   private:
@@ -225,15 +265,21 @@ class Player {
         if (what == 1) return GoBackAndForth(records_);
         if (what == 2) return GoBackAndForth(appointments_);
         if (what == 3) return GoBackAndForth(addresses_);
-        switch (what % 4) {
+        if (what == 4) return GoBackAndForth(entries_);
+        if (what == 5) return GoBackAndForth(pages_);
+        switch (what % 6) {
             case 0:
                 return OnMemos();
             case 1:
                 return OnRecords();
             case 2:
                 return OnAppointments();
-            default:
+            case 3:
                 return OnAddresses();
+            case 4:
+                return OnEntries();
+            default:
+                return OnPages();
         }
     }
 
@@ -473,6 +519,37 @@ class Player {
         Did(addresses_, record.key, old, std::optional(record));
     }
 
+    void OnEntries() {
+        const int what = entries_.records.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(entries_);
+        std::optional<Transaction> old;
+        if (what >= 5) old = Any(entries_.records);
+        Transaction entry = old ? *old : budget::ClearRecord({30000 + Draw(20000)}, 0);
+        if (what < 7) entry.description = Name();
+        if (!old || what == 7) entry.amount = {Draw(1 << 30) - (1 << 20)};
+        if (!old || what == 8) entry.note = Draw(2) == 0 ? Words() : Text();
+        if (what == 8) entry.category = Draw(kCategories);
+        entry.isPrivate = Draw(10) == 0;
+        entry.cdbw = Draw(2) + (entry.isPrivate ? budget::kPrivate : 0);
+        Check(budget::WriteRecord(session_, kBudget, entry).error);
+        Did(entries_, entry.key, old, std::optional(entry));
+    }
+
+    /// Days lie close together, so that old and new ones meet.
+    void OnPages() {
+        const int what = pages_.records.empty() ? 0 : Draw(10);
+        if (what == 9) return Remove(pages_);
+        Page page;
+        page.day = {45000 + Draw(400)};
+        const auto there = std::ranges::find(pages_.records, page.day, &Page::day);
+        std::optional<Page> old;
+        if (there != pages_.records.end()) page = *(old = *there);
+        page.text = Draw(3) == 0 ? Name() + "!" : Text() + "!";
+        Check(diary::StorePage(session_, page).error);
+        Did(pages_, page.key, old, std::optional(page));
+    }
+
+    static constexpr std::uint8_t kBudget = store::Section::Budget2;
     store::Session& session_;
     LocaleFacts locale_;
     std::mt19937 random_;
@@ -480,6 +557,8 @@ class Player {
     Steps<Record> records_{store::Section::Confidential, {}, {}, {}};
     Steps<Appointment> appointments_{store::Section::Calendar, {}, {}, {}};
     Steps<address::Record> addresses_{store::Section::Address, {}, {}, {}};
+    Steps<Transaction> entries_{kBudget, {}, {}, {}};
+    Steps<Page> pages_{store::Section::Diary, {}, {}, {}};
     int reached_ = 0;  ///< changes of series that were compared day by day
     int taken_ = 0;    ///< steps that were taken back or done again
 };

@@ -11,7 +11,7 @@ namespace {
 
 /// Rows that are read, and texts that are deciphered, between two looks of the window.
 constexpr std::size_t kReadStep = 16384;
-constexpr std::size_t kDecipherStep = 8192;
+constexpr std::size_t kDecipherStep = 16384;
 
 }  // namespace
 

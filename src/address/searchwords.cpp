@@ -54,8 +54,10 @@ bool IsCom(std::uint8_t number) {
 void AppendSearchLetters(WipedText& out, std::string_view told) {
     static const Bytes kPlain = PlainLetters();
     out.Reserve(told.size());
-    for (const char c : told)
-        out.push_back(kPlain[static_cast<unsigned char>(c)]);
+    const std::size_t begin = out.size();
+    out.resize(begin + told.size());
+    std::ranges::transform(told, out.begin() + static_cast<std::ptrdiff_t>(begin),
+                           [](char c) { return kPlain[static_cast<unsigned char>(c)]; });
 }
 
 SearchWords::SearchWords(std::string_view typed) {

@@ -419,19 +419,23 @@ void AppendLine(WipedText& out, std::string_view line) {
 }
 
 void AppendProperty(WipedText& out, std::string_view head, std::string_view escaped) {
-    if (!escaped.empty()) AppendLine(out, Joined(head, ":", escaped));
+    if (escaped.empty()) return;
+    if (head.size() + 1 + escaped.size() > kLineWidth) return AppendLine(out, Joined(head, ":", escaped));
+    out += head;
+    out += ":";
+    out += escaped;
+    out += kLineEnd;
 }
 
 /// Texts with semicolons between; nothing where all are empty.
-WipedText Structured(std::span<const WipedText> parts) {
+WipedText Structured(std::span<const std::string_view> parts) {
     WipedText value;
-    bool any = false;
+    if (std::ranges::all_of(parts, &std::string_view::empty)) return value;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         if (i > 0) value += ";";
-        value += Escaped(parts[i]);
-        any = any || !parts[i].empty();
+        if (!parts[i].empty()) value += Escaped(parts[i]);
     }
-    return any ? value : WipedText();
+    return value;
 }
 
 std::string ComHead(const Record& record, std::size_t slot) {
@@ -481,18 +485,19 @@ void AppendVCard(WipedText& out, const Record& record, std::string_view category
     AppendLine(out, "BEGIN:VCARD");
     AppendLine(out, "VERSION:4.0");
     AppendProperty(out, "FN", Escaped(record.fileAs));
-    std::array<WipedText, std::size(kNameParts)> name;
+    std::array<std::string_view, std::size(kNameParts)> name;
     for (std::size_t i = 0; i < name.size(); ++i)
         name[i] = record[kNameParts[i]];
     AppendProperty(out, "N", Structured(name));
-    const std::array<WipedText, 2> firm{record[FieldNumber::CompanyName], record[FieldNumber::Department]};
+    const std::array<std::string_view, 2> firm{record[FieldNumber::CompanyName],
+                                               record[FieldNumber::Department]};
     AppendProperty(out, "ORG", Structured(firm));
     for (const auto& [base, head] :
          {std::pair(FieldNumber::HomeAddress, std::string("ADR;TYPE=home")),
           std::pair(FieldNumber::BusinessAddress, std::string("ADR;TYPE=work")),
           std::pair(FieldNumber::OtherAddress, "ADR;" + std::string(kAddress) + "=other")}) {
         if (!HasAddress(record, base)) continue;
-        std::array<WipedText, 7> parts;
+        std::array<std::string_view, 7> parts;
         for (std::size_t i = 0; i < kAddressParts; ++i)
             parts[i + 2] = record[std::size_t{base} + kPostalParts[i]];
         AppendProperty(out, head, Structured(parts));
@@ -509,8 +514,9 @@ void AppendVCard(WipedText& out, const Record& record, std::string_view category
     else if (!gender.empty())
         AppendProperty(out, "GENDER", Joined(";", Escaped(gender)));
     for (const TextProperty& text : std::span(kTexts).first(kWrittenTexts))
-        AppendProperty(out, text.name == "ANNIVERSARY" ? "ANNIVERSARY;VALUE=text" : text.name,
-                       Escaped(record[text.field]));
+        if (!record[text.field].empty())
+            AppendProperty(out, text.name == "ANNIVERSARY" ? "ANNIVERSARY;VALUE=text" : text.name,
+                           Escaped(record[text.field]));
     AppendProperty(out, "RELATED;TYPE=spouse;VALUE=text", Escaped(record[FieldNumber::Spouse]));
     AppendProperty(out, "RELATED;TYPE=child;VALUE=text", Escaped(record[FieldNumber::Children]));
     AppendProperty(out, "CATEGORIES", Escaped(category));

@@ -287,7 +287,9 @@ bool frmAppointment::AskDropped(const Appointment& taken) {
 }
 
 void frmAppointment::cmdOK_Click() {
+    const bool told = lblTimesError_->isVisible();
     if (!CommitTyped() || !fields_.Judge()) return;
+    if (lblTimesError_->isVisible() && !told) return;  // times that became others are to be seen first
     if (redo_.frequency == 1 && std::ranges::find(redo_.days, true) == redo_.days.end()) {
         session_.ports.prompter.Ask(MessageBox(10, BoxIcon::Warning));
         RedoWD.front()->setFocus(Qt::OtherFocusReason);

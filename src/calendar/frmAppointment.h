@@ -120,10 +120,12 @@ class frmAppointment final : public QDialog {
     void cmdOK_Click();
 
     // The time span.
-    void ChangeSpan(const std::function<void(TimeSpan&)>& change);
+    /// `cut`: what the change did besides what was asked for, told until the next one.
+    void ChangeSpan(const std::function<void(TimeSpan&)>& change, const QString& cut = {});
     static QString EndsOn(Day day);
     void ShowSpan();
     void TimeTyped(std::size_t which);
+    QString WhatIsCut(std::size_t which, std::int32_t minutes) const;
     void StepTime(std::size_t which, bool hours, int direction);
     void SliderMoved(std::size_t which);
     void ctlAllday_Click(bool on);
@@ -179,6 +181,7 @@ class frmAppointment final : public QDialog {
     std::array<QSlider*, 2> SliderNN{};
     QWidget* cmdDuration = nullptr;
     QTimer* tmrDuration = nullptr;
+    QLabel* lblTimesError_ = nullptr;
     QCheckBox* ctlAllday = nullptr;
     QCheckBox* ctlAlarmYN = nullptr;
     QComboBox* ctlAlarmAnticipate = nullptr;

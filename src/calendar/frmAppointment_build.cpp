@@ -105,6 +105,7 @@ QLineEdit* frmAppointment::MakeTimeLine(const char* name, std::size_t which, boo
     line->setAlignment(Qt::AlignHCenter);
     line->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]{0,2}"), line));
     kit::GiveFieldMenu(*line);
+    connect(line, &QLineEdit::textEdited, this, [this] { lblTimesError_->hide(); });
     connect(line, &QLineEdit::editingFinished, this, [this, which] { TimeTyped(which); });
     return line;
 }
@@ -133,7 +134,7 @@ QSlider* frmAppointment::MakeSlider(const char* name, std::size_t which, bool ho
     slider->setObjectName(name);
     slider->setAccessibleName((hours ? ctlHH : ctlNN).at(which)->accessibleName());
     slider->setRange(0, !hours ? kLastFives : which == 0 ? kLastHour : kLastHour + 1);
-    slider->setPageStep(hours ? 4 : 3);
+    slider->setPageStep(hours ? 1 : 3);  // an hour, a quarter
     slider->setFocusPolicy(Qt::ClickFocus);  // by the keyboard the boxes do the same
     connect(slider, &QSlider::valueChanged, this, [this, which] { SliderMoved(which); });
     return slider;
@@ -150,6 +151,7 @@ void frmAppointment::BuildTimes() {
     ctlDateEnd = new QLabel;
     ctlDateEnd->setObjectName("ctlDateEnd");
     ctlDateEnd->setMinimumWidth(fontMetrics().horizontalAdvance(EndsOn(session_.ports.clock.Today()) + "  "));
+    lblTimesError_ = kit::MakeErrorLine("lblTimesError");
     static const char* const kHours[] = {"ctlHH0", "ctlHH1", "ctlHH2"};
     static const char* const kMinutes[] = {"ctlNN0", "ctlNN1", "ctlNN2"};
     static const char* const kHourSliders[] = {"SliderHH0", "SliderHH1"};

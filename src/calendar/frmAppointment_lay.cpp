@@ -115,7 +115,8 @@ QWidget* frmAppointment::LayTimes() {
     };
     form->addRow(MakeLabel(tr("S&tart"), quickTimes_[0]), time(0, {SliderHH[0], SliderNN[0]}));
     form->addRow(MakeLabel(tr("&End"), ctlHH[1]), time(1, {SliderHH[1], SliderNN[1]}));
-    form->addRow(MakeLabel(tr("D&uration"), ctlHH[2]), time(2, {Beside("", {cmdDuration})}));
+    form->addRow(MakeLabel(tr("D&uration"), ctlHH[2]),
+                 kit::WithError(time(2, {Beside("", {cmdDuration})}), lblTimesError_));
     QWidget* alarm = Beside("AlarmFrame", {ctlAlarmYN, ctlAlarmAnticipate});
     form->addRow(QString(), alarm);
     form->addRow(QString(), ctlPrivate);

@@ -13,6 +13,7 @@
 #include "calendar/reminder.h"
 #include "kit/dateedit.h"
 #include "kit/dateentry.h"
+#include "kit/formparts.h"
 
 /// The time span of the appointment editor and its reminder.
 namespace bmr::calendar {
@@ -23,6 +24,9 @@ constexpr std::size_t kStart = 0;
 constexpr std::size_t kEnd = 1;
 constexpr std::size_t kDuration = 2;
 constexpr std::int32_t kHour = 60;
+constexpr int kLastHour = 23;
+constexpr int kLastMinute = 59;
+constexpr int kHoursOfDay = 24;
 
 /// Hours and minutes of one of the three rows, in minutes.
 std::int32_t Shown(const TimeSpan& span, std::size_t which) {
@@ -36,11 +40,12 @@ QString frmAppointment::EndsOn(Day day) {
     return tr("ends on %1").arg(kit::ShortDate(DateValue{static_cast<double>(day.serial)}));
 }
 
-void frmAppointment::ChangeSpan(const std::function<void(TimeSpan&)>& change) {
+void frmAppointment::ChangeSpan(const std::function<void(TimeSpan&)>& change, const QString& cut) {
     if (filling_) return;
     const TimeSpan before = span_;
     change(span_);
     if (!(span_ == before)) Changed();
+    kit::Tell(*lblTimesError_, cut);
     ShowSpan();
 }
 
@@ -71,6 +76,26 @@ void frmAppointment::ShowSpan() {
     ctlDateEnd->setText(EndsElsewhere(span_) ? EndsOn(DayOf(span_.end)) : QString());
 }
 
+QString frmAppointment::WhatIsCut(std::size_t which, std::int32_t minutes) const {
+    QStringList cut;
+    if (which == kStart && ctlHH[which]->text().toInt() > kLastHour) cut << tr("Hours go to 23.");
+    const std::int32_t typed = ctlNN[which]->isModified() ? ctlNN[which]->text().toInt() : 0;
+    if (typed > kLastMinute) cut << tr("Minutes go to 55.");
+    if (typed <= kLastMinute && typed % kMinuteStep != 0) cut << tr("Minutes go in steps of five.");
+    const std::int32_t start = which == kStart ? minutes : MinuteOfDay(span_.start);
+    // An end on another day comes back to the start's day.
+    const std::int32_t end = which == kStart ? (EndsElsewhere(span_) ? kMinutesOfDay + 1 : EndMinute(span_))
+                             : which == kEnd ? minutes
+                                             : start + minutes;
+    const bool beyond =
+        which != kStart && ctlHH[which]->isModified() && ctlHH[which]->text().toInt() > kHoursOfDay;
+    if (beyond || (minutes != Shown(span_, which) && end > kMinutesOfDay))
+        cut << tr("An end after midnight cannot be typed: it is cut at 24:00.");
+    else if (minutes != Shown(span_, which) && end < start)
+        cut << tr("The end lay before the start: it is the start now.");
+    return cut.join(' ');
+}
+
 void frmAppointment::TimeTyped(std::size_t which) {
     if (!ctlHH[which]->isModified() && !ctlNN[which]->isModified()) return;
     constexpr std::array kBoxes{TimeBox::Start, TimeBox::End, TimeBox::Duration};
@@ -82,12 +107,14 @@ void frmAppointment::TimeTyped(std::size_t which) {
                                    ? TypedMinute(ctlNN[which]->text().toStdString()).value_or(before % kHour)
                                    : before % kHour;
     const std::int32_t minutes = hour * kHour + typed;
-    ChangeSpan([&](TimeSpan& span) {
-        if (minutes == before) return;
-        if (which == kStart) TypeStart(span, minutes);
-        if (which == kEnd) TypeEnd(span, minutes);
-        if (which == kDuration) TypeDuration(span, minutes);
-    });
+    ChangeSpan(
+        [&](TimeSpan& span) {
+            if (minutes == before) return;
+            if (which == kStart) TypeStart(span, minutes);
+            if (which == kEnd) TypeEnd(span, minutes);
+            if (which == kDuration) TypeDuration(span, minutes);
+        },
+        WhatIsCut(which, minutes));
 }
 
 void frmAppointment::StepTime(std::size_t which, bool hours, int direction) {

@@ -1,5 +1,6 @@
 #include "kit/programtheme.h"
 
+#include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QPainter>
@@ -26,8 +27,14 @@ class BmrStyle final : public QProxyStyle {
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override {
         if (element == PE_IndicatorItemViewItemCheck || element == PE_IndicatorCheckBox ||
-            element == PE_IndicatorRadioButton)
-            return DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
+            element == PE_IndicatorRadioButton) {
+            DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
+            // Without words of its own a mark has no other place for the frame of the focus.
+            const auto* button = qobject_cast<const QAbstractButton*>(widget);
+            if (button && button->text().isEmpty() && (option->state & State_HasFocus))
+                DrawMarkFocus(*option, *painter);
+            return;
+        }
         if (element == PE_FrameFocusRect) return DrawFocus(*option, *painter);
         if (element == PE_Frame && qobject_cast<const QAbstractScrollArea*>(widget))
             return DrawFrame(*option, *painter);
@@ -68,6 +75,9 @@ class BmrStyle final : public QProxyStyle {
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget) const override {
         const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        if (bar && control == CC_Slider && !(bar->subControls & SC_SliderTickmarks))
+            return DrawSlider(*bar, *painter, subControlRect(control, bar, SC_SliderGroove, widget),
+                              subControlRect(control, bar, SC_SliderHandle, widget));
         if (!bar || control != CC_ScrollBar || !(bar->subControls & SC_ScrollBarSlider))
             return QProxyStyle::drawComplexControl(control, option, painter, widget);
         QStyleOptionSlider without = *bar;
@@ -164,6 +174,49 @@ class BmrStyle final : public QProxyStyle {
         painter.setBrush(Blend(palette.color(QPalette::Active, QPalette::Base),
                                palette.color(QPalette::Active, QPalette::Text), strength));
         painter.drawRoundedRect(shape, radius, radius);
+        painter.restore();
+    }
+
+    // Fusion draws groove and handle in shades of the window's colour, and black has none.
+    static void DrawSlider(const QStyleOptionSlider& slider, QPainter& painter, const QRect& groove,
+                           const QRect& handle) {
+        const QPalette& palette = slider.palette;
+        const bool enabled = slider.state & State_Enabled;
+        const QColor base = palette.color(QPalette::Active, QPalette::Base);
+        const QColor text = palette.color(QPalette::Active, QPalette::Text);
+        const QColor accent = enabled ? palette.color(QPalette::Active, QPalette::Highlight)
+                                      : palette.color(QPalette::Disabled, QPalette::Text);
+        const bool across = slider.orientation == Qt::Horizontal;
+        const QPointF middle = QRectF(handle).center();
+        QRectF line(groove);
+        across ? line.adjust(2, 0, -2, 0) : line.adjust(0, 2, 0, -2);
+        across ? line.setHeight(4) : line.setWidth(4);
+        line.moveCenter(across ? QPointF(line.center().x(), middle.y())
+                               : QPointF(middle.x(), line.center().y()));
+        QRectF done = line;  // the part up to the value
+        if (across)
+            slider.upsideDown ? done.setLeft(middle.x()) : done.setRight(middle.x());
+        else
+            slider.upsideDown ? done.setTop(middle.y()) : done.setBottom(middle.y());
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Blend(base, text, enabled ? 0.4 : 0.25));
+        painter.drawRoundedRect(line, 2, 2);
+        painter.setBrush(accent);
+        painter.drawRoundedRect(done, 2, 2);
+        const bool hot = slider.state & (State_MouseOver | State_HasFocus | State_Sunken);
+        painter.setPen(QPen(hot && enabled ? text : base, 2));
+        painter.drawEllipse(middle, 7, 7);
+        painter.restore();
+    }
+
+    static void DrawMarkFocus(const QStyleOption& option, QPainter& painter) {
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(InkOf(Ink::Accent, option.palette), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(option.rect).adjusted(-2, -2, 2, 2), 3, 3);
         painter.restore();
     }
 

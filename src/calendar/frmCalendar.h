@@ -132,9 +132,10 @@ class frmCalendar final : public SectionForm {
     void Drop(std::size_t look, const TimeSpan& to, DropKind kind);
     void DropInWeek(std::size_t look, const DaySpan& span, DropKind kind);
     void DropInMonth(std::size_t look, int cell, DropKind kind);
-    /// How far a change reaches: asked for a series, `All` for a single appointment. Nothing: given up.
+    /// How far a change reaches: asked for a series, `All` for a single appointment. Nothing: given up. `to`:
+    /// where a drag would put it.
     std::optional<Reach> AskReach(const Entry& entry, SeriesVerb verb,
-                                  std::optional<Minutes> to = std::nullopt);
+                                  const std::optional<TimeSpan>& to = std::nullopt);
     /// Tells what came of a change, reads anew and chooses what was changed.
     void ShowChanged(const store::StoreOutcome& outcome, const QString& failure, Minutes at);
     /// Offers to take back what was done since the step of that number.

@@ -1,4 +1,5 @@
 #include <QCalendarWidget>
+#include <QLocale>
 #include <QMenu>
 
 #include "base/errors.h"
@@ -7,6 +8,7 @@
 #include "calendar/frmAppointment.h"
 #include "calendar/frmCalendar.h"
 #include "calendar/frmReach.h"
+#include "calendar/months.h"
 #include "calendar/monthview.h"
 #include "calendar/weekview.h"
 #include "kit/failure.h"
@@ -24,6 +26,36 @@ namespace {
 
 constexpr const char* kTitles[] = {QT_TR_NOOP("Edit"), QT_TR_NOOP("Move"), QT_TR_NOOP("Change the End"),
                                    QT_TR_NOOP("Delete"), QT_TR_NOOP("Copy")};
+
+/// "Thu 19 Nov 21:45-22:45", which stays in one line.
+QString SpanWords(Minutes start, Minutes end, bool allDay, const CalendarNames& names) {
+    const Day day = DayOf(start);
+    const QString words =
+        QString::fromStdString(DayHeading(day, names)) + " " +
+        QLocale().standaloneMonthName(MonthOf(day), QLocale::ShortFormat) + " " +
+        (allDay ? frmCalendar::tr("all day") : QString::fromStdString(EntryTimes(start, end, allDay)));
+    return QString(words).replace(' ', QChar::Nbsp);
+}
+
+QString ReachQuestion(const Entry& entry, SeriesVerb verb, const std::optional<TimeSpan>& to,
+                      const CalendarNames& names) {
+    QString subject = kit::ShowWords(entry.subject);
+    subject = subject.isEmpty() ? frmCalendar::tr("The appointment") : QString("“%1”").arg(subject);
+    const Day day = DayOf(entry.start);
+    const QString date = QString::fromStdString(PeriodHeading({day, day}, PeriodKind::Day, names));
+    if (verb == SeriesVerb::Delete)
+        return QString::fromStdString(Msg(7)) +
+               (entry.subject.empty() ? frmCalendar::tr(" on %1.").arg(date)
+                                      : frmCalendar::tr(" %1 on %2.").arg(subject, date)) +
+               "\n\n" + frmCalendar::tr("It is one of a series: what is to be deleted?");
+    if (!to) return frmCalendar::tr("%1 on %2 is one of a series. What is to be edited?").arg(subject, date);
+    const QString before = SpanWords(entry.start, entry.end, entry.allDay, names);
+    const QString after = SpanWords(to->start, to->end, to->allDay, names);
+    const QString words = verb == SeriesVerb::Move
+                              ? frmCalendar::tr("%1 is one of a series. What is to be moved from %2 to %3?")
+                              : frmCalendar::tr("%1 is one of a series. What is to change from %2 to %3?");
+    return words.arg(subject, before, after);
+}
 
 Minutes Plus(Minutes minutes, std::int64_t more) {
     return {static_cast<std::int32_t>(minutes.count + more)};
@@ -124,7 +156,8 @@ void frmCalendar::OpenEntry(std::size_t look) {
     if (const auto reach = AskReach(EntryOf(look), SeriesVerb::Edit)) EditStored(fPK, at, *reach, nullptr);
 }
 
-std::optional<Reach> frmCalendar::AskReach(const Entry& entry, SeriesVerb verb, std::optional<Minutes> to) {
+std::optional<Reach> frmCalendar::AskReach(const Entry& entry, SeriesVerb verb,
+                                           const std::optional<TimeSpan>& to) {
     if (!entry.recurring) return Reach::All;
     int error = 0;
     auto series = FetchRecord(session_, entry.pk, &error);
@@ -135,14 +168,11 @@ std::optional<Reach> frmCalendar::AskReach(const Entry& entry, SeriesVerb verb, 
         kit::TellFailure(session_, number, tr("The appointment could not be read."));
         return std::nullopt;
     }
-    const ReachOffer offer = ReachesFor(*series, entry.start, verb, to, locale_);
+    const ReachOffer offer =
+        ReachesFor(*series, entry.start, verb, to ? std::optional(to->start) : std::nullopt, locale_);
     WipeRecord(*series);
-    const QString subject = kit::ShowWords(entry.subject);
-    const QString day = QString::fromStdString(
-        PeriodHeading({DayOf(entry.start), DayOf(entry.start)}, PeriodKind::Day, names_));
-    QString question = verb == SeriesVerb::Delete ? QString::fromStdString(Msg(7)) + "\n\n" : QString();
-    question += tr("“%1” on %2 is one of a series. What is meant?").arg(subject, day);
-    frmReach box(tr(kTitles[static_cast<std::size_t>(verb)]), question, offer, this);
+    frmReach box(tr(kTitles[static_cast<std::size_t>(verb)]), ReachQuestion(entry, verb, to, names_), offer,
+                 this);
     box.exec();
     if (session_.ending || !session_.DatabaseOpen) return std::nullopt;
     return box.Chosen();
@@ -199,7 +229,7 @@ void frmCalendar::Drop(std::size_t look, const TimeSpan& to, DropKind kind) {
         ShowChanged(CopyOccurrence(session_, fPK, at, to), failure, to.start);
     } else {
         const auto verb = kind == DropKind::Resize ? SeriesVerb::Resize : SeriesVerb::Move;
-        const auto reach = AskReach(entry, verb, to.start);
+        const auto reach = AskReach(entry, verb, to);
         if (session_.ending || !session_.DatabaseOpen) return;
         if (!reach) return calendarChanged();
         ShowChanged(MoveOccurrence(session_, fPK, at, to, *reach, locale_), failure,

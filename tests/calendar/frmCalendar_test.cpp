@@ -92,6 +92,10 @@ TEST_F(FormCalendar, ASeriesAsksHowFarAChangeReaches) {
     // Dropped on another day the whole of it cannot go there, and the box says why.
     visitor.Meet("frmReach", [](QWidget& box) {
         EXPECT_FALSE(Named(box, "cmdAll").isEnabled());
+        EXPECT_EQ(
+            Named<QLabel>(box, "lblQuestion").text().replace(QChar::Nbsp, ' '),
+            "“Market” is one of a series. What is to be moved from Fri 27 Nov 08:00-09:00 to Thu 26 Nov "
+            "08:00-09:00?");
         EXPECT_FALSE(Named<QLabel>(box, "lblWhy").text().isEmpty());
         Click(box, "cmdLater");
     });
@@ -119,7 +123,12 @@ TEST_F(FormCalendar, ASeriesAsksHowFarAChangeReaches) {
     EXPECT_EQ(All(), (Texts{whole[0], "6 480-540 Fair", whole[2], whole[3], whole[4]}));
     ASSERT_TRUE(week->Chosen());
     back();
-    visitor.Meet("frmReach", [](QWidget& box) { QTest::keyClicks(&box, "a"); });
+    visitor.Meet("frmReach", [](QWidget& box) {
+        EXPECT_EQ(Named<QLabel>(box, "lblQuestion").text(),
+                  "Confirm deletion of the appointment “Market” on Friday, 27 November 2026.\n\nIt is one of "
+                  "a series: what is to be deleted?");
+        QTest::keyClicks(&box, "a");
+    });
     Press(Qt::Key_Delete);
     EXPECT_TRUE(All().empty());
 }

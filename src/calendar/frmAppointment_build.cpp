@@ -76,8 +76,8 @@ frmAppointment::DateField frmAppointment::MakeDate(const char* name, const QStri
     field.error = kit::MakeErrorLine((QByteArray("lbl") + (name + 3) + "Error").constData());
     connect(field.edit, &kit::DateEdit::Edited, field.error, &QLabel::hide);
     connect(field.edit, &kit::DateEdit::Given, this, &frmAppointment::DateGiven);
-    connect(field.edit, &kit::DateEdit::NotUnderstood, this, [this, field](const QString& typed) {
-        kit::Tell(*field.error, tr("“%1” is no date.").arg(typed));
+    connect(field.edit, &kit::DateEdit::NotUnderstood, this, [this, field](const QString& why) {
+        kit::Tell(*field.error, why);
         Changed();
     });
     connect(field.edit, &kit::DateEdit::DateChanged, this, [this, changed](std::optional<Day> date) {

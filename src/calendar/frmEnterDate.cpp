@@ -30,7 +30,7 @@ frmEnterDate::frmEnterDate(Day date, Day today, QWidget* parent)
     ctlDate->SetDate(date);
     connect(ctlDate, &kit::DateEdit::Edited, dateError_, &QLabel::hide);
     connect(ctlDate, &kit::DateEdit::NotUnderstood, this,
-            [this](const QString& typed) { kit::Tell(*dateError_, tr("“%1” is no date.").arg(typed)); });
+            [this](const QString& why) { kit::Tell(*dateError_, why); });
     chkArchive->setObjectName("chkArchive");
     chkArchive->setToolTip(tr("They move to an archive file, which opens with the same passphrase"));
 

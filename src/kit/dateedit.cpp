@@ -89,6 +89,7 @@ void DateEdit::Show() {
     const std::string pattern = FactsOf(QLocale()).shortDate;
     line_->setText(date_ ? QString::fromStdString(FormatShortDate(*date_, pattern)) : QString());
     line_->setModified(false);
+    understood_ = true;
 }
 
 void DateEdit::Take(std::optional<Day> date) {
@@ -108,7 +109,8 @@ bool DateEdit::Commit() {
     const bool emptied = typed.trimmed().isEmpty();
     const auto day = emptied ? std::nullopt : ReadDate(typed, today_, QLocale());
     if ((required_ || !emptied) && !day) {
-        emit NotUnderstood(typed);
+        understood_ = false;
+        emit NotUnderstood(NoDate(typed, today_, QLocale()));
         return false;
     }
     Take(day);

@@ -37,6 +37,8 @@ class DateEdit final : public QWidget {
     /// Takes what is typed in the line but not yet confirmed. False when it is no date: it stays in the line,
     /// and `Date` stays what it was.
     bool Commit();
+    /// False while the line holds what `Commit` could not take.
+    bool Understood() const { return understood_; }
     /// The cursor goes into the line, over what is typed there.
     void FocusLine();
 
@@ -45,8 +47,8 @@ class DateEdit final : public QWidget {
     void DateChanged(std::optional<bmr::Day> date);
     /// The person gave a date, which may lie beyond the range; comes before `DateChanged`.
     void Given(bmr::Day date);
-    /// What was typed is no date. It stays in the line until it is mended.
-    void NotUnderstood(const QString& typed);
+    /// What was typed is no date, which `why` tells in words. It stays in the line until it is mended.
+    void NotUnderstood(const QString& why);
     /// A key changed the line, or the date changed: what was said of the line holds no longer.
     void Edited();
 
@@ -60,6 +62,7 @@ class DateEdit final : public QWidget {
     void OpenCalendar();
 
     bool required_ = false;
+    bool understood_ = true;
     Day today_;
     Day first_{1};
     Day last_{73050};

@@ -1,5 +1,6 @@
 #include "kit/dateentry.h"
 
+#include <QCoreApplication>
 #include <QDate>
 #include <QRegularExpression>
 
@@ -95,7 +96,21 @@ std::optional<Day> ReadDate(const QString& typed, Day today, const QLocale& loca
     if (auto day = ReadOffset(text, today)) return day;
     if (auto day = ReadWithoutYear(text, today, locale)) return day;
     if (auto day = ParseShortDate(text.toStdString(), FactsOf(locale).shortDate)) return day;
+    // Where the short form has the month as a word, dates are shown so.
+    const bool whole = locale.dateFormat(QLocale::ShortFormat).contains("yyyy");
+    if (const QDate date = locale.toDate(text, QLocale::ShortFormat); date.isValid() && whole)
+        return FromQDate(date);
     return ReadWeekday(text, today, locale);
+}
+
+QString NoDate(const QString& typed, Day today, const QLocale& locale) {
+    // A day that no month's number can be taken for.
+    const Day example = FromQDate(QDate(ToQDate(today).year(), 12, 31));
+    QStringList forms{QString::fromStdString(FormatShortDate(example, FactsOf(locale).shortDate)),
+                      QString::fromStdString(IsoDate(example))};
+    forms.removeDuplicates();
+    return QCoreApplication::translate("DateEdit", "“%1” is no date. Dates are written as %2.")
+        .arg(typed, forms.join(QCoreApplication::translate("DateEdit", " or ")));
 }
 
 }  // namespace bmr::kit

@@ -25,5 +25,7 @@ QString ShortDate(const QString& caption, DateValue date);
 /// "+3" and "-1" (days from today), "+2w", a weekday's name or its beginning (the next such day, today
 /// excluded). Nothing when it is none of these.
 std::optional<Day> ReadDate(const QString& typed, Day today, const QLocale& locale);
+/// What is told of `typed` that is no date: with the forms in which the locale takes one.
+QString NoDate(const QString& typed, Day today, const QLocale& locale);
 
 }  // namespace bmr::kit

@@ -96,8 +96,8 @@ void frmEditTodo::BuildDates() {
         edit->SetRange(calendar::kLowerLimit, calendar::kUpperLimit);
         edit->SetCaption(caption);
         connect(edit, &kit::DateEdit::Edited, error, &QLabel::hide);
-        connect(edit, &kit::DateEdit::NotUnderstood, this, [this, error](const QString& typed) {
-            kit::Tell(*error, tr("“%1” is no date.").arg(typed));
+        connect(edit, &kit::DateEdit::NotUnderstood, this, [this, error](const QString& why) {
+            kit::Tell(*error, why);
             Changed();
         });
         return edit;

@@ -43,6 +43,14 @@ TEST(DateEntry, UnderstandsWhatPeopleType) {
         ASSERT_TRUE(day) << one.typed;
         EXPECT_EQ(IsoDate(*day), one.expected) << one.typed;
     }
+    const QLocale plain = QLocale::c();
+    EXPECT_EQ(ReadDate(plain.toString(QDate(2027, 3, 4), QLocale::ShortFormat), kToday, plain),
+              ParseIsoDate("2027-03-04"))
+        << "as dates are shown";
+    EXPECT_EQ(NoDate("31.12.2026", kToday, plain),
+              "“31.12.2026” is no date. Dates are written as 2026-12-31.");
+    EXPECT_EQ(NoDate("%1", kToday, british),
+              "“%1” is no date. Dates are written as 31/12/2026 or 2026-12-31.");
     for (const char* typed : {"", "soon", "31/2", "13/13", "+", "f", "2027-02-30"})
         EXPECT_FALSE(ReadDate(typed, kToday, british)) << typed;
 }

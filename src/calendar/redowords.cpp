@@ -8,6 +8,7 @@
 
 #include "base/bytes.h"
 #include "calendar/calendar.h"
+#include "calendar/nextdates.h"
 
 namespace bmr::calendar {
 
@@ -20,6 +21,8 @@ constexpr std::array<std::string_view, 5> kOrdinals = {"first", "second", "third
 constexpr int kMostInterval = 255;
 /// A rule that has no occurrence in so many days has none.
 constexpr std::int32_t kFarthest = 366 * 9;
+/// More than a series by months has within the limits of dates.
+constexpr std::size_t kMostDays = 2000;
 
 /// Words between blanks; a comma and the blanks around it belong to a word.
 std::vector<std::string> WordsOf(std::string_view text) {
@@ -221,6 +224,20 @@ std::string Rule(const RedoState& state, const CalendarNames& names, const Local
     return {};
 }
 
+/// "5 times". By months and years the count goes by those alone, and a day that some of them lack comes less
+/// often.
+std::string TimesInWords(const RedoState& state, const LocaleFacts& locale) {
+    const std::string times = state.count == 1 ? "once" : std::to_string(state.count) + " times";
+    const auto rule = ReadRedoRule(BuildRedoString(state, locale));
+    if (!rule || (state.frequency != 3 && state.frequency != 4)) return times;
+    const std::size_t shown = NextDates(*rule, state.start, kMostDays, locale).size();
+    if (state.count >= 0 && shown == static_cast<std::size_t>(state.count)) return times;
+    return times + " by the count of " + (state.frequency == 3 ? "months" : "years") + ", shown on " +
+           (shown == 0   ? "no day"
+            : shown == 1 ? "one day"
+                         : std::to_string(shown) + " days");
+}
+
 }  // namespace
 
 Result<RedoState> ParseRule(std::string_view words, Day start, const LocaleFacts& locale) {
@@ -239,8 +256,7 @@ Result<RedoState> ParseRule(std::string_view words, Day start, const LocaleFacts
 std::string RuleSentence(const RedoState& state, const CalendarNames& names, const LocaleFacts& locale) {
     const std::string rule = Rule(state, names, locale);
     if (rule.empty() || state.endMode == RedoEnd::Never) return rule;
-    return rule + " until " + LongDate(state.end, names) + ", " +
-           (state.count == 1 ? "once" : std::to_string(state.count) + " times");
+    return rule + " until " + LongDate(state.end, names) + ", " + TimesInWords(state, locale);
 }
 
 }  // namespace bmr::calendar

@@ -21,7 +21,8 @@ inline constexpr const char* kRuleForms =
 /// plain English.
 Result<RedoState> ParseRule(std::string_view words, Day start, const LocaleFacts& locale);
 
-/// "every 2 weeks on Monday and Thursday until 3 May 2027, 9 times"; empty without a recurrence.
+/// "every 2 weeks on Monday and Thursday until 3 May 2027, 9 times"; empty without a recurrence. Where months
+/// lack the day, the number of days that are shown stands beside the count.
 std::string RuleSentence(const RedoState& state, const CalendarNames& names, const LocaleFacts& locale);
 
 }  // namespace bmr::calendar

@@ -133,6 +133,18 @@ TEST(RuleWords, ASentenceTellsTheEnd) {
     EXPECT_EQ(RuleSentence(state, {}, locale),
               "every 2 weeks on Monday and Thursday until 4 January 2027, once");
     EXPECT_EQ(RuleSentence(NewRedoState(On("2027-01-04"), locale), {}, locale), "");
+    const auto counted = [&](const char* rule, const char* start, int count) {
+        auto series = *ParseRule(rule, On(start), locale);
+        series.endMode = RedoEnd::Count;
+        series.count = count;
+        RecalcRedoEnd(series, locale);
+        const std::string sentence = RuleSentence(series, {}, locale);
+        return sentence.substr(sentence.find(", ") + 2);
+    };
+    EXPECT_EQ(counted("month on 31", "2027-01-31", 5), "5 times by the count of months, shown on 3 days");
+    EXPECT_EQ(counted("month on 30", "2026-03-30", 5), "5 times");
+    EXPECT_EQ(counted("month on last mon", "2027-01-25", 5), "5 times");
+    EXPECT_EQ(counted("year", "2028-03-01", 5), "5 times");
 }
 
 }  // namespace

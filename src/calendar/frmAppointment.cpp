@@ -129,16 +129,19 @@ RedoState RedoIn(const custody::Draft& draft, Day date, const LocaleFacts& local
     return redo;
 }
 
-/// "05/01/2027, 12/01/2027 and 9 more".
-QString Listed(const std::vector<Day>& days) {
+/// "5 January 2027, 12 January 2027 and 9 more".
+QString Listed(const std::vector<Day>& days, const CalendarNames& names) {
     QStringList words;
     for (const Day day : days) {
         if (words.size() == static_cast<qsizetype>(kMostListed)) break;
-        words << kit::ShortDate(DateValue{static_cast<double>(day.serial)});
+        words << QString::fromStdString(LongDate(day, names));
     }
-    const QString text = words.join(", ");
-    if (days.size() <= kMostListed) return text;
-    return frmAppointment::tr("%1 and %2 more").arg(text).arg(days.size() - kMostListed);
+    QString last = words.takeLast();
+    if (days.size() > kMostListed) {
+        words << last;
+        last = frmAppointment::tr("%1 more").arg(days.size() - kMostListed);
+    }
+    return words.isEmpty() ? last : frmAppointment::tr("%1 and %2").arg(words.join(", "), last);
 }
 
 }  // namespace
@@ -244,6 +247,11 @@ void frmAppointment::Fill(const custody::Draft& draft) {
     recordChanged = true;
 }
 
+void frmAppointment::Changed() {
+    recordChanged = true;
+    lblTimesError_->hide();
+}
+
 bool frmAppointment::CommitTyped() {
     for (const DateField& field : {date_, startRedo_, endRedo_}) {
         if (!field.edit->isVisibleTo(this) || !field.edit->isEnabled() || field.edit->Commit()) continue;
@@ -260,24 +268,26 @@ bool frmAppointment::AskDropped(const Appointment& taken) {
     const std::vector<Day> dropped = DroppedDays(stored_.redoString, taken.redoString, locale_);
     if (dropped.empty()) return true;
     const std::vector<Day> able = DaysToLeaveOut(taken.redoString, dropped, locale_);
-    QString text =
-        tr("So far this series leaves out:\r\n\r\n%1\r\n\r\nChanged as it is, it comes on these days again.")
-            .arg(Listed(dropped));
+    const bool one = dropped.size() == 1;
+    QString text = tr("This series leaves out %1.").arg(Listed(dropped, names_)) + "\r\n\r\n" +
+                   (one ? tr("Changed like this, it would come on that day again.")
+                        : tr("Changed like this, it would come on those days again."));
     Box box;
     box.icon = BoxIcon::Question;
     if (able.empty()) {
-        text += " " + tr("They cannot be left out of the changed series.");
+        text += " " + (one ? tr("The changed series cannot leave it out.")
+                           : tr("The changed series cannot leave them out."));
         box.buttons = Buttons::OkCancel;
         box.standard = Answer::Cancel;
-        box.words = {tr("Drop them").toStdString(), tr("Keep editing").toStdString()};
+        box.words = {tr("Let them come").toStdString(), tr("Keep editing").toStdString()};
     } else {
         std::vector<Day> lost;
         std::ranges::set_difference(dropped, able, std::back_inserter(lost));
         if (!lost.empty())
-            text += "\r\n\r\n" + tr("These cannot be left out of the changed series: %1.").arg(Listed(lost));
+            text += "\r\n\r\n" + tr("The changed series cannot leave out %1.").arg(Listed(lost, names_));
         box.buttons = Buttons::YesNoCancel;
         box.standard = Answer::Yes;
-        box.words = {tr("Exclude them again").toStdString(), tr("Drop them").toStdString(),
+        box.words = {tr("Exclude them again").toStdString(), tr("Let them come").toStdString(),
                      tr("Keep editing").toStdString()};
     }
     box.text = text.toStdString();

@@ -111,7 +111,7 @@ class frmAppointment final : public QDialog {
     QWidget* LayRedoEnd();
     void Lay();
 
-    void Changed() { recordChanged = true; }
+    void Changed();
     /// Takes what is typed and not yet confirmed. False when a date is none.
     bool CommitTyped();
     bool Differs(const Appointment& taken) const;
@@ -123,6 +123,8 @@ class frmAppointment final : public QDialog {
     /// `cut`: what the change did besides what was asked for, told until the next one.
     void ChangeSpan(const std::function<void(TimeSpan&)>& change, const QString& cut = {});
     static QString EndsOn(Day day);
+    void ShowDate(const DateField& field, Day date);
+    void ShowWeekday();
     void ShowSpan();
     void TimeTyped(std::size_t which);
     QString WhatIsCut(std::size_t which, std::int32_t minutes) const;
@@ -208,6 +210,7 @@ class frmAppointment final : public QDialog {
     QLabel* lblRedoM0 = nullptr;
     QLabel* lblRedoY0 = nullptr;
     QLabel* sentence_ = nullptr;
+    QLabel* lblNextHead_ = nullptr;
     QLabel* next_ = nullptr;
     QLabel* grid_ = nullptr;
     QPushButton* cmdOK = nullptr;

@@ -79,6 +79,8 @@ frmAppointment::DateField frmAppointment::MakeDate(const char* name, const QStri
     connect(field.edit, &kit::DateEdit::NotUnderstood, this, [this, field](const QString& why) {
         kit::Tell(*field.error, why);
         Changed();
+        ShowWeekday();
+        ShowRedoWords();
     });
     connect(field.edit, &kit::DateEdit::DateChanged, this, [this, changed](std::optional<Day> date) {
         if (date) (this->*changed)(*date);
@@ -133,8 +135,9 @@ QSlider* frmAppointment::MakeSlider(const char* name, std::size_t which, bool ho
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setObjectName(name);
     slider->setAccessibleName((hours ? ctlHH : ctlNN).at(which)->accessibleName());
-    slider->setRange(0, !hours ? kLastFives : which == 0 ? kLastHour : kLastHour + 1);
-    slider->setPageStep(hours ? 1 : 3);  // an hour, a quarter
+    // The start has no hour 24, but the same hour stands below the same place.
+    slider->setRange(0, hours ? kLastHour + 1 : kLastFives);
+    slider->setPageStep(hours ? 1 : 3);      // an hour, a quarter
     slider->setFocusPolicy(Qt::ClickFocus);  // by the keyboard the boxes do the same
     connect(slider, &QSlider::valueChanged, this, [this, which] { SliderMoved(which); });
     return slider;
@@ -288,6 +291,7 @@ void frmAppointment::BuildRedoEnd() {
         RedoEnd.at(index) = new QRadioButton(tr(kEnds[index]));
         RedoEnd.at(index)->setObjectName(QString("RedoEnd%1").arg(index));
         group->addButton(RedoEnd.at(index));
+        RedoEnd.at(index)->installEventFilter(this);
         connect(RedoEnd.at(index), &QRadioButton::clicked, this, [this, index] {
             ChangeRedo([index](RedoState& state, const LocaleFacts& locale, const SeriesVoice& voice) {
                 ChooseEndMode(state, static_cast<int>(index), locale, voice);

@@ -78,6 +78,22 @@ int WidthOf(std::initializer_list<QWidget*> parts) {
     return width;
 }
 
+/// Forms above each other, whose fields are to begin at the same place.
+void AlignFields(std::initializer_list<QFormLayout*> forms) {
+    std::vector<QLabel*> labels;
+    for (const QFormLayout* form : forms)
+        for (int row = 0; row < form->rowCount(); ++row)
+            if (const auto* item = form->itemAt(row, QFormLayout::LabelRole))
+                if (auto* label = qobject_cast<QLabel*>(item->widget())) labels.push_back(label);
+    int width = 0;
+    for (const QLabel* label : labels)
+        width = qMax(width, label->sizeHint().width());
+    for (QLabel* label : labels) {
+        label->setMinimumWidth(width);
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
 void KeepRoom(QWidget& widget) {
     QSizePolicy policy = widget.sizePolicy();
     policy.setRetainSizeWhenHidden(true);
@@ -199,9 +215,11 @@ QWidget* frmAppointment::LayRedo() {
     redoPages_->addWidget(LayAlternatives());
     redoPages_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     sentence_ = MakeWords("lblSentence", 2);
-    next_ = MakeWords("lblNext", 2);
+    next_ = MakeWords("lblNext", 5);
+    lblNextHead_ = MakeWords("lblNextHead", 1);
+    lblNextHead_->setWordWrap(false);
     grid_ = MakeWords("lblGrid", 2);
-    for (QLabel* words : {next_, grid_})
+    for (QLabel* words : {lblNextHead_, next_, grid_})
         words->setForegroundRole(QPalette::PlaceholderText);
 
     auto* frame = new QWidget;
@@ -215,7 +233,11 @@ QWidget* frmAppointment::LayRedo() {
     column->addWidget(LayRedoEnd());
     column->addSpacing(Space::Tight);
     column->addWidget(sentence_);
-    column->addWidget(next_);
+    auto* next = new QHBoxLayout;
+    next->setSpacing(Space::Row);
+    next->addWidget(lblNextHead_, 0, Qt::AlignTop);
+    next->addWidget(next_, 1);
+    column->addLayout(next);
     column->addWidget(grid_);
     column->addStretch(1);
     return frame;
@@ -227,7 +249,9 @@ void frmAppointment::Lay() {
     texts->addRow(MakeLabel(tr("&Location"), ctlLocation), fields_.Row(ctlLocation));
     auto* left = new QVBoxLayout;
     left->setSpacing(Space::Tight);
-    left->addWidget(LayTimes());
+    QWidget* times = LayTimes();
+    AlignFields({texts, qobject_cast<QFormLayout*>(times->layout())});
+    left->addWidget(times);
     left->addSpacing(Space::Row);
     left->addWidget(MakeLabel(tr("&Notes"), ctlNotes));
     left->addWidget(fields_.Row(ctlNotes), 1);

@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::size_t kNextShown = 5;
 
-/// "Tue 05/01/2027", which stays in one line.
+/// "Tue 05/01/2027".
 QString WithWeekday(Day day, const CalendarNames& names) {
     return QString::fromStdString(names.shortWeekdays.at(static_cast<std::size_t>(Weekday(day) - 1))) +
            QChar(QChar::Nbsp) + kit::ShortDate(DateValue{static_cast<double>(day.serial)});
@@ -96,11 +96,11 @@ void frmAppointment::ShowRedo() {
     const bool ends = redo_.endMode != RedoEnd::Never;
     occ->setEnabled(ends);
     endRedo_.edit->setEnabled(ends);
-    startRedo_.edit->SetDate(redo_.start);
-    endRedo_.edit->SetDate(ends ? redo_.end : kNoEndShown);
+    ShowDate(startRedo_, redo_.start);
+    ShowDate(endRedo_, ends ? redo_.end : kNoEndShown);
     ShowNumbers();
-    ShowRedoWords();
     ShowSpan();
+    ShowRedoWords();
 }
 
 std::int32_t frmAppointment::NumberShown(const QLineEdit& box) const {
@@ -115,6 +115,8 @@ void frmAppointment::ShowNumbers() {
 }
 
 void frmAppointment::ShowRedoWords() {
+    const bool understood =
+        date_.edit->Understood() && startRedo_.edit->Understood() && endRedo_.edit->Understood();
     auto rule = ReadRedoRule(BuildRedoString(redo_, locale_));
     QString sentence = QString::fromStdString(RuleSentence(redo_, names_, locale_));
     if (rule) {
@@ -122,15 +124,18 @@ void frmAppointment::ShowRedoWords() {
         // Days that are left out so far stay so by the default answer.
         if (const auto before = ReadRedoRule(stored_.redoString)) rule->excluded = before->excluded;
     }
+    if (rule && !understood) sentence = tr("It is told in words once its dates are right.");
     sentence_->setText(sentence);
+    lblNextHead_->clear();
     next_->clear();
     grid_->clear();
-    if (!rule) return;
+    if (!rule || !understood) return;
     const Day from = std::max(redo_.start, session_.ports.clock.Today());
     QStringList words;
     for (const Day day : NextDates(*rule, from, kNextShown, locale_))
         words << WithWeekday(day, names_);
-    next_->setText(words.isEmpty() ? tr("No further dates.") : tr("Next: %1").arg(words.join(", ")));
+    if (!words.isEmpty()) lblNextHead_->setText(tr("Next:"));
+    next_->setText(words.isEmpty() ? tr("No further dates.") : words.join('\n'));
     if (const auto difference = NextGridDifference(*rule, from, locale_))
         grid_->setText(QString::fromStdString(GridSentence(*difference, names_)));
 }
@@ -164,6 +169,8 @@ void frmAppointment::NumberEdited(QLineEdit& box) {
 }
 
 void frmAppointment::DateGiven(Day date) {
+    ShowWeekday();  // the date that stood may be the one that is given
+    ShowRedoWords();
     const auto box = DateLimitBox(date, locale_);
     limitTold_ = box.has_value();
     if (!box) return;

@@ -3,7 +3,9 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QScopedValueRollback>
+#include <QShortcutEvent>
 #include <QSlider>
 #include <QTimer>
 #include <algorithm>
@@ -70,10 +72,22 @@ void frmAppointment::ShowSpan() {
              SliderHH[0], SliderHH[1], SliderNN[0], SliderNN[1], cmdDuration})
         control->setEnabled(!span_.allDay);
     const Day day = DayOf(span_.start);
-    date_.edit->SetDate(day);
-    lblWeekday_->setText(
-        QString::fromStdString(names_.weekdays.at(static_cast<std::size_t>(Weekday(day) - 1))));
+    ShowDate(date_, day);
+    ShowWeekday();
     ctlDateEnd->setText(EndsElsewhere(span_) ? EndsOn(DayOf(span_.end)) : QString());
+}
+
+void frmAppointment::ShowDate(const DateField& field, Day date) {
+    // What was typed and is none stays to be mended, unless another control gave the date.
+    if (!field.edit->Understood() && field.edit->Date() == date) return;
+    field.error->hide();
+    field.edit->SetDate(date);
+}
+
+void frmAppointment::ShowWeekday() {
+    const auto weekday = static_cast<std::size_t>(Weekday(DayOf(span_.start)) - 1);
+    lblWeekday_->setText(date_.edit->Understood() ? QString::fromStdString(names_.weekdays.at(weekday))
+                                                  : QString());
 }
 
 QString frmAppointment::WhatIsCut(std::size_t which, std::int32_t minutes) const {
@@ -132,8 +146,9 @@ void frmAppointment::StepTime(std::size_t which, bool hours, int direction) {
 }
 
 void frmAppointment::SliderMoved(std::size_t which) {
+    const int last = which == kStart ? kLastHour : kHoursOfDay;
     const std::int32_t minutes =
-        SliderHH.at(which)->value() * kHour + SliderNN.at(which)->value() * kMinuteStep;
+        std::min(SliderHH.at(which)->value(), last) * kHour + SliderNN.at(which)->value() * kMinuteStep;
     ChangeSpan(
         [&](TimeSpan& span) { which == kStart ? SlideStart(span, minutes) : SlideEnd(span, minutes); });
 }
@@ -191,6 +206,19 @@ bool frmAppointment::eventFilter(QObject* watched, QEvent* event) {
                     return true;
                 }
     }
+    // The letters of "After" and "By" lead to what is to be typed there.
+    if (event->type() == QEvent::Shortcut && !static_cast<QShortcutEvent*>(event)->isAmbiguous())
+        for (std::size_t index = 1; index < RedoEnd.size(); ++index) {
+            if (watched != RedoEnd.at(index)) continue;
+            RedoEnd.at(index)->click();
+            if (index == 1) {
+                occ->setFocus(Qt::ShortcutFocusReason);
+                occ->selectAll();
+            } else {
+                endRedo_.edit->FocusLine();
+            }
+            return true;
+        }
     // Over a closed list of quick values the wheel would change the time unseen.
     if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(watched)) return true;
     // The words beside an option that has none of its own choose it.

@@ -261,9 +261,9 @@ TEST_F(FormAppointment, EachFrequencyHasItsFrames) {
         EXPECT_EQ(form->size(), size) << "the window does not jump";
     }
     Click(*form, "Redo3");
-    EXPECT_EQ(Words("lblNext"), "Next: Tue " + Short("2027-01-05") + ", Fri " + Short("2027-02-05") +
-                                    ", Fri " + Short("2027-03-05") + ", Mon " + Short("2027-04-05") +
-                                    ", Wed " + Short("2027-05-05"));
+    EXPECT_EQ(Words("lblNext"), "Tue " + Short("2027-01-05") + "\nFri " + Short("2027-02-05") + "\nFri " +
+                                    Short("2027-03-05") + "\nMon " + Short("2027-04-05") + "\nWed " +
+                                    Short("2027-05-05"));
     Choose("cboRedoWhen", "last");
     EXPECT_TRUE(Named<QRadioButton>(*form, "RedoAlt1").isChecked());
     EXPECT_EQ(DateIn("ctlDate"), On("2027-01-26"));
@@ -335,6 +335,16 @@ TEST_F(FormAppointment, DatesBeyondTheLimitsBecomeThem) {
     Click(*form, "cmdOK");
     EXPECT_TRUE(form->isVisible()) << "what is no date is not stored as the one before";
     EXPECT_TRUE(Words("lblDateStartRedoError").contains("whenever"));
+    EXPECT_FALSE(Words("lblSentence").contains("year")) << "no series stands as if it were the one typed";
+    EXPECT_EQ(Words("lblNext"), "");
+    EXPECT_NE(Words("lblWeekday"), "");
+    TypeDate("ctlDate", "31.31.2027");
+    EXPECT_EQ(Words("lblWeekday"), "");
+    TypeDate("ctlDate", "2027-01-05");
+    EXPECT_EQ(Words("lblWeekday"), "Tuesday");
+    TypeDate("ctlDateStartRedo", "2027-01-05");
+    EXPECT_TRUE(Words("lblSentence").startsWith("Every year on 5 January"));
+    EXPECT_FALSE(Named(*form, "lblDateStartRedoError").isVisible());
 }
 
 TEST_F(FormAppointment, WeekdaysAreNeverAllOff) {
@@ -383,8 +393,8 @@ TEST_F(FormAppointment, DaysThatWouldComeBackAreToldFirst) {
     EXPECT_EQ(box.standard, Answer::Yes);
     EXPECT_EQ(box.words[0], "Exclude them again");
     const QString words = QString::fromStdString(box.text);
-    EXPECT_TRUE(words.contains(Short("2027-01-26")));
-    EXPECT_FALSE(words.contains(Short("2027-01-12"))) << "the changed series begins behind it";
+    EXPECT_TRUE(words.contains("leaves out 26 January 2027.") && words.contains("on that day again."));
+    EXPECT_FALSE(words.contains("12 January")) << "the changed series begins behind it";
     EXPECT_TRUE(change(Answer::No));
     EXPECT_TRUE(form->ExcludeAgain().empty());
     EXPECT_EQ(form->Taken().redoString.size(), 7U);
@@ -488,10 +498,13 @@ TEST_F(FormAppointment, KeyboardReachesEverythingInTheOrderOfTheEye) {
     for (const auto& [key, name] : {std::pair{Qt::Key_D, "line"},
                                     {Qt::Key_T, "ctlHH0"},
                                     {Qt::Key_W, "Redo1"},
-                                    {Qt::Key_N, "ctlNotes"}}) {
+                                    {Qt::Key_N, "ctlNotes"},
+                                    {Qt::Key_F, "occ"},
+                                    {Qt::Key_B, "line"}}) {
         QTest::keyClick(form->windowHandle(), key, Qt::AltModifier);
         EXPECT_EQ(form->focusWidget()->objectName(), name);
     }
+    EXPECT_TRUE(Named<QRadioButton>(*form, "RedoEnd2").isChecked());
     for (const QWidget* control : form->findChildren<QWidget*>(QRegularExpression(
              "^(ctl[HNSLA]|cbo|cmdDuration[UD]|Slider|Redo[0-4A]|RedoWD|QQ|occ|line|drop)"))) {
         const auto* button = qobject_cast<const QAbstractButton*>(control);

@@ -3,8 +3,10 @@
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QApplication>
+#include <QCheckBox>
 #include <QPainter>
 #include <QProxyStyle>
+#include <QRadioButton>
 #include <QScreen>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -19,6 +21,13 @@ namespace {
 
 constexpr int kArrow = 10;  ///< of a sorted column
 
+/// A box or an option without words of its own.
+bool StandsAlone(const QWidget* widget) {
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    return button && button->text().isEmpty() &&
+           (qobject_cast<const QRadioButton*>(widget) || qobject_cast<const QCheckBox*>(widget));
+}
+
 /// Fusion, with what it lacks on dark grounds.
 class BmrStyle final : public QProxyStyle {
   public:
@@ -28,13 +37,17 @@ class BmrStyle final : public QProxyStyle {
                        const QWidget* widget) const override {
         if (element == PE_IndicatorItemViewItemCheck || element == PE_IndicatorCheckBox ||
             element == PE_IndicatorRadioButton) {
-            DrawMark(*option, *painter, element == PE_IndicatorRadioButton);
+            const bool round = element == PE_IndicatorRadioButton;
             // Without words of its own a mark has no other place for the frame of the focus.
-            const auto* button = qobject_cast<const QAbstractButton*>(widget);
-            if (button && button->text().isEmpty() && (option->state & State_HasFocus))
-                DrawMarkFocus(*option, *painter);
+            if (!StandsAlone(widget) || !(option->state & State_HasFocus))
+                return DrawMark(*option, *painter, round);
+            QStyleOption inside = *option;
+            inside.rect.adjust(3, 3, -3, -3);
+            DrawMark(inside, *painter, round);
+            DrawMarkFocus(*option, *painter, round);
             return;
         }
+        if (element == PE_FrameFocusRect && StandsAlone(widget)) return;
         if (element == PE_FrameFocusRect) return DrawFocus(*option, *painter);
         if (element == PE_Frame && qobject_cast<const QAbstractScrollArea*>(widget))
             return DrawFrame(*option, *painter);
@@ -211,12 +224,14 @@ class BmrStyle final : public QProxyStyle {
         painter.restore();
     }
 
-    static void DrawMarkFocus(const QStyleOption& option, QPainter& painter) {
+    static void DrawMarkFocus(const QStyleOption& option, QPainter& painter, bool round) {
+        const QRectF ring = QRectF(option.rect).adjusted(1, 1, -1, -1);
+        const double radius = round ? ring.width() / 2 : 3;
         painter.save();
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(InkOf(Ink::Accent, option.palette), 1.5));
+        painter.setPen(QPen(option.palette.color(QPalette::Active, QPalette::WindowText), 1.6));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(option.rect).adjusted(-2, -2, 2, 2), 3, 3);
+        painter.drawRoundedRect(ring, radius, radius);
         painter.restore();
     }
 

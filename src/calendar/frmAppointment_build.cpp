@@ -285,6 +285,7 @@ void frmAppointment::BuildRedoEnd() {
     startRedo_ = MakeDate("ctlDateStartRedo", tr("First day"), &frmAppointment::ctlDateStartRedo_Change);
     endRedo_ = MakeDate("ctlDateEndRedo", tr("Last day"), &frmAppointment::ctlDateEndRedo_Change);
     occ = MakeNumber("occ", tr("Number of times"));
+    occ->setPlaceholderText("–");  // shown where there is no end
     static const char* const kEnds[] = {QT_TR_NOOP("N&o end date"), QT_TR_NOOP("A&fter"), QT_TR_NOOP("&By")};
     auto* group = new QButtonGroup(this);
     for (std::size_t index = 0; index < RedoEnd.size(); ++index) {

@@ -217,7 +217,6 @@ QWidget* frmAppointment::LayRedo() {
     sentence_ = MakeWords("lblSentence", 2);
     next_ = MakeWords("lblNext", 5);
     lblNextHead_ = MakeWords("lblNextHead", 1);
-    lblNextHead_->setWordWrap(false);
     grid_ = MakeWords("lblGrid", 2);
     for (QLabel* words : {lblNextHead_, next_, grid_})
         words->setForegroundRole(QPalette::PlaceholderText);
@@ -230,14 +229,19 @@ QWidget* frmAppointment::LayRedo() {
     column->addWidget(new QLabel(tr("Repeats")));
     column->addWidget(LayFrequency());
     column->addWidget(redoPages_);
-    column->addWidget(LayRedoEnd());
+    // Below the rest they would not leave the window room on a small screen.
+    auto* next = new QVBoxLayout;
+    next->setSpacing(Space::Tight);
+    next->addWidget(lblNextHead_);
+    next->addWidget(next_);
+    next->addStretch(1);
+    auto* end = new QHBoxLayout;
+    end->setSpacing(Space::Group);
+    end->addWidget(LayRedoEnd());
+    end->addLayout(next, 1);
+    column->addLayout(end);
     column->addSpacing(Space::Tight);
     column->addWidget(sentence_);
-    auto* next = new QHBoxLayout;
-    next->setSpacing(Space::Row);
-    next->addWidget(lblNextHead_, 0, Qt::AlignTop);
-    next->addWidget(next_, 1);
-    column->addLayout(next);
     column->addWidget(grid_);
     column->addStretch(1);
     return frame;

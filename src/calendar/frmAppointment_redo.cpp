@@ -124,7 +124,7 @@ void frmAppointment::ShowRedoWords() {
         // Days that are left out so far stay so by the default answer.
         if (const auto before = ReadRedoRule(stored_.redoString)) rule->excluded = before->excluded;
     }
-    if (rule && !understood) sentence = tr("It is told in words once its dates are right.");
+    if (rule && !understood) sentence = tr("The series is told here once its dates are right.");
     sentence_->setText(sentence);
     lblNextHead_->clear();
     next_->clear();

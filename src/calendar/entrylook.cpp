@@ -3,6 +3,7 @@
 #include <QAbstractListModel>
 #include <QApplication>
 #include <QCoreApplication>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
@@ -31,6 +32,7 @@ constexpr int kSymbol = 12;
 constexpr int kDot = 8;
 constexpr int kLeastWords = 56;  ///< pixels that signs leave to the words
 constexpr int kOneLine = 22;     ///< a box that is lower has time and subject in one line
+constexpr int kPause = 700;      ///< ms without a key, after which what was typed is taken
 
 /// Colours of entries, as numbers of `kit::CategoryTint`.
 constexpr int kSingleTint = 1;
@@ -337,11 +339,105 @@ void EntryPopup::ShowAt(const QPoint& at) {
     list->setCurrentIndex(list->model()->index(0, 0));
 }
 
-QString BegunBy(const QKeyEvent& event) {
-    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return {};
-    const QString text = event.text();
+QuickLine::QuickLine(QWidget* view, QWidget* over) : QLineEdit(over), view_(*view) {
+    setObjectName("txtQuick");
+    setAccessibleName(tr("Subject of a new appointment"));
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    setDragEnabled(false);
+    pause_.setSingleShot(true);
+    connect(&pause_, &QTimer::timeout, this, &QuickLine::Tell);
+    connect(this, &QLineEdit::textChanged, this, [this] { pause_.start(kPause); });
+    hide();
+}
+
+void QuickLine::Begin(const QString& letters) {
+    show();
+    setFocus(Qt::OtherFocusReason);
+    deselect();
+    insert(letters);
+}
+
+void QuickLine::Place(const QRect& at, int top) {
+    constexpr int kLeastWidth = 120;
+    const QRect room = parentWidget()->rect().adjusted(0, top, 0, 0);
+    const QSize wanted(std::max(at.width(), kLeastWidth), sizeHint().height());
+    QRect place(at.topLeft(), wanted.boundedTo(room.size()));
+    place.moveRight(std::min(place.right(), room.right()));
+    place.moveBottom(std::min(place.bottom(), room.bottom()));
+    place.moveTop(std::max(place.top(), room.top()));
+    setGeometry(place);
+}
+
+void QuickLine::GiveUp() {
+    QString old = text();
+    setText(QString(old.size(), QChar(u' ')));
+    setText({});  // with what could be undone
+    kit::WipeQString(old);
+    pause_.stop();
+    if (hasFocus()) view_.setFocus(Qt::OtherFocusReason);
+    pause_.stop();
+    hide();
+}
+
+void QuickLine::Tell() {
+    // Another window has the word.
+    if (QApplication::activeModalWidget() || QApplication::activePopupWidget()) return pause_.start(kPause);
+    const kit::WipedLetters words = text();
+    GiveUp();
+    if (!words.trimmed().isEmpty()) emit Typed(words);
+}
+
+bool QuickLine::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        const bool ends = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Tab ||
+                          key == Qt::Key_Backtab || key == Qt::Key_Escape;
+        // Whatever else these do in the window; left to itself the toolkit takes Tab before it is a key here.
+        if (ends) {
+            event->accept();
+            if (event->type() == QEvent::KeyPress) key == Qt::Key_Escape ? GiveUp() : Tell();
+            return true;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
+void QuickLine::keyPressEvent(QKeyEvent* event) {
+    pause_.start(kPause);
+    QLineEdit::keyPressEvent(event);
+    event->accept();  // else the view below would move its mark
+}
+
+void QuickLine::inputMethodEvent(QInputMethodEvent* event) {
+    QLineEdit::inputMethodEvent(event);
+    if (event->preeditString().isEmpty())
+        pause_.start(kPause);
+    else
+        pause_.stop();
+}
+
+void QuickLine::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    // Not in the middle of the click that took it.
+    if (isVisible() && event->reason() != Qt::PopupFocusReason) pause_.start(0);
+}
+
+namespace {
+
+QString Begun(const QString& text) {
     if (text.isEmpty() || text.front().isSpace()) return {};
     return text.front().isPrint() || text.front().isSurrogate() ? text : QString();
+}
+
+}  // namespace
+
+QString BegunBy(const QKeyEvent& event) {
+    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return {};
+    return Begun(event.text());
+}
+
+QString BegunBy(const QInputMethodEvent& event) {
+    return Begun(event.commitString());
 }
 
 void ShowTip(const QPoint& at, const EntryLook& look, QWidget* view) {

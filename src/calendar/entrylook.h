@@ -2,8 +2,10 @@
 
 #include <QColor>
 #include <QFrame>
+#include <QLineEdit>
 #include <QPalette>
 #include <QString>
+#include <QTimer>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -12,6 +14,7 @@
 #include "calendar/calendar.h"
 #include "kit/words.h"
 
+class QInputMethodEvent;
 class QKeyEvent;
 class QPainter;
 
@@ -95,8 +98,42 @@ class EntryPopup final : public QFrame {
     void OpenWanted(std::size_t entry);
 };
 
-/// What a key typed, where it may begin a subject; else nothing.
+/// A line over what is marked in a view, which takes the typing until a pause: what is typed while an editor
+/// opens is lost, for its window blocks the one that has the keys. Emptied as it goes.
+class QuickLine final : public QLineEdit {
+    Q_OBJECT
+
+  public:
+    /// Lies in `over`, a part of the view that has the keys otherwise.
+    QuickLine(QWidget* view, QWidget* over);
+    /// Opens with the letters; where it is open already they are added.
+    void Begin(const QString& letters);
+    /// Over that place, and within what it lies in below `top`.
+    void Place(const QRect& at, int top);
+    /// Goes without a word.
+    void GiveUp();
+
+  signals:
+    /// All that was typed, after a pause, by Return or Tab, or as the focus went elsewhere. The line has
+    /// gone.
+    void Typed(const QString& words);
+
+  protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+  private:
+    void Tell();
+
+    QWidget& view_;
+    QTimer pause_;
+};
+
+/// What a key typed, where it may begin a subject; else nothing. The same of an input method.
 QString BegunBy(const QKeyEvent& event);
+QString BegunBy(const QInputMethodEvent& event);
 /// The whole of an entry beside the pointer, as it was written and in lines of a readable length.
 void ShowTip(const QPoint& at, const EntryLook& look, QWidget* view);
 /// Takes the tooltip of a view away at once, with its text.

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMouseEvent>
@@ -31,13 +32,19 @@ int RowHeight(const QFontMetrics& metrics) {
 
 }  // namespace
 
-MonthView::MonthView(QWidget* parent) : QWidget(parent) {
+MonthView::MonthView(QWidget* parent) : QWidget(parent), txtQuick(new QuickLine(this, this)) {
     setFocusPolicy(Qt::StrongFocus);
     setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
     setMouseTracking(true);
     setMinimumSize(7 * 48 + kWeekWidth, 220);
     setAccessibleName(tr("Appointments of the month"));
+    setAttribute(Qt::WA_InputMethodEnabled);
+    connect(txtQuick, &QuickLine::Typed, this, [this](const QString& words) {
+        EndDrag();
+        if (marked_ != quickCell_) MarkCell(quickCell_);
+        emit NewWanted(words);
+    });
 }
 
 MonthView::~MonthView() {
@@ -48,6 +55,7 @@ void MonthView::SetFrame(Frame frame) {
     EndDrag();
     const std::int64_t marked = std::int64_t{frame_.first.serial} + marked_ - frame.first.serial;
     const bool otherDays = frame.first != frame_.first;
+    if (otherDays) txtQuick->GiveUp();
     if (marked >= 0 && marked < kCells) marked_ = static_cast<int>(marked);
     frame_ = std::move(frame);
     if (otherDays) SetEntries({});
@@ -295,7 +303,7 @@ void MonthView::keyPressEvent(QKeyEvent* event) {
         default:
             break;
     }
-    if (const QString begun = BegunBy(*event); !begun.isEmpty()) return emit NewWanted(begun);
+    if (const QString begun = BegunBy(*event); !begun.isEmpty()) return BeginTyping(begun);
     QWidget::keyPressEvent(event);
 }
 
@@ -310,6 +318,30 @@ void MonthView::OpenList(int cell) {
     connect(list_, &EntryPopup::Chosen, this, &MonthView::Choose);
     connect(list_, &EntryPopup::OpenWanted, this, &MonthView::OpenWanted);
     list_->ShowAt(mapToGlobal(RowRect(cell, 0).topLeft()));
+}
+
+void MonthView::BeginTyping(const QString& letters) {
+    if (txtQuick->isHidden()) quickCell_ = marked_;
+    txtQuick->Begin(letters);
+    PlaceQuick();
+}
+
+void MonthView::PlaceQuick() {
+    if (!txtQuick->isHidden()) txtQuick->Place(RowRect(quickCell_, 0), 0);
+}
+
+void MonthView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    PlaceQuick();
+}
+
+void MonthView::inputMethodEvent(QInputMethodEvent* event) {
+    if (const QString begun = BegunBy(*event); !begun.isEmpty() && !dragging_) BeginTyping(begun);
+    event->accept();
+}
+
+QVariant MonthView::inputMethodQuery(Qt::InputMethodQuery query) const {
+    return query == Qt::ImCursorRectangle ? CellRect(marked_) : QWidget::inputMethodQuery(query);
 }
 
 void MonthView::MenuByKey() {
@@ -341,6 +373,7 @@ bool MonthView::event(QEvent* event) {
 
 void MonthView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
+    txtQuick->GiveUp();
     EndDrag();
     DropTip();
     if (list_) list_->Forget();

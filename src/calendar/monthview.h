@@ -79,6 +79,9 @@ class MonthView final : public QWidget {
     void hideEvent(QHideEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
   private:
     struct Hit {
@@ -97,6 +100,9 @@ class MonthView final : public QWidget {
     void MoveMark(int by);
     void DropByKey(int by);
     void MenuByKey();
+    /// A line over the marked day takes the typing.
+    void BeginTyping(const QString& letters);
+    void PlaceQuick();
     void ShowCopying(bool control);
     void EndDrag();
     void OpenList(int cell);
@@ -116,6 +122,8 @@ class MonthView final : public QWidget {
     bool quiet_ = false;  ///< the button that asks for a menu has taken a drag back
     int wheel_ = 0;       ///< parts of a notch
     QPointer<EntryPopup> list_;
+    QuickLine* txtQuick;
+    int quickCell_ = 0;  ///< over which it stands, whatever is marked meanwhile
 };
 
 }  // namespace bmr::calendar

@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -46,7 +47,10 @@ DaySpan WholeDay(int day) {
 
 }  // namespace
 
-WeekView::WeekView(QWidget* parent) : QAbstractScrollArea(parent), tmrScrolldelay(new QTimer(this)) {
+WeekView::WeekView(QWidget* parent)
+    : QAbstractScrollArea(parent),
+      tmrScrolldelay(new QTimer(this)),
+      txtQuick(new QuickLine(this, viewport())) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -55,11 +59,18 @@ WeekView::WeekView(QWidget* parent) : QAbstractScrollArea(parent), tmrScrolldela
     setAccessibleName(tr("Appointments by hour"));
     viewport()->setMouseTracking(true);
     viewport()->setBackgroundRole(QPalette::Base);
+    setAttribute(Qt::WA_InputMethodEnabled);
     tmrScrolldelay->setObjectName("tmrScrolldelay");
     tmrScrolldelay->setInterval(kScrollDelay);
     connect(tmrScrolldelay, &QTimer::timeout, this, &WeekView::ScrollAtEdge);
     // A wheel turned in the middle of a drag takes along what is dragged.
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &WeekView::ContinueDrag);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &WeekView::PlaceQuick);
+    connect(txtQuick, &QuickLine::Typed, this, [this](const QString& words) {
+        EndDrag();
+        if (selArea_ != quickArea_) Take({}, quickArea_);
+        emit NewWanted(words);
+    });
     UpdateHeights();
 }
 
@@ -70,6 +81,7 @@ WeekView::~WeekView() {
 void WeekView::SetFrame(Frame frame) {
     EndDrag();
     const bool otherDays = frame.first != frame_.first || frame.DLabel.size() != frame_.DLabel.size();
+    if (otherDays) txtQuick->GiveUp();
     frame_ = std::move(frame);
     selArea_.day = std::clamp(selArea_.day, 0, std::max(0, Days() - 1));
     if (otherDays) return SetEntries({});
@@ -115,6 +127,7 @@ void WeekView::Fit() {
     appo_ = packed_;
     const double room = DayRect(0).width() - GridGeometry::kPadding / kUnits;
     more_ = FitColumns(appo_, static_cast<std::int32_t>(room) / kLeastColumn);
+    PlaceQuick();
     viewport()->update();
 }
 
@@ -349,6 +362,7 @@ void WeekView::changeEvent(QEvent* event) {
 
 void WeekView::hideEvent(QHideEvent* event) {
     QAbstractScrollArea::hideEvent(event);
+    txtQuick->GiveUp();
     EndDrag();
     DropTip();
     if (list_) list_->Forget();
@@ -523,6 +537,29 @@ void WeekView::wheelEvent(QWheelEvent* event) {
     if (notches != 0) ZoomAround(hour_ + notches * kZoomStep, event->position().toPoint().y());
 }
 
+void WeekView::BeginTyping(const QString& letters) {
+    if (txtQuick->isHidden()) {
+        quickArea_ = selArea_;
+        Reveal(quickArea_);
+    }
+    txtQuick->Begin(letters);
+    PlaceQuick();
+}
+
+void WeekView::PlaceQuick() {
+    if (!txtQuick->isHidden()) txtQuick->Place(AreaOf(quickArea_), quickArea_.allDay ? heading_ : GridTop());
+}
+
+void WeekView::inputMethodEvent(QInputMethodEvent* event) {
+    if (const QString begun = BegunBy(*event); !begun.isEmpty() && !Dragging()) BeginTyping(begun);
+    event->accept();
+}
+
+QVariant WeekView::inputMethodQuery(Qt::InputMethodQuery query) const {
+    if (query != Qt::ImCursorRectangle) return QAbstractScrollArea::inputMethodQuery(query);
+    return AreaOf(selArea_).translated(viewport()->pos());
+}
+
 void WeekView::OpenList(const std::vector<std::size_t>& entries, const QPoint& at) {
     if (list_) list_->Forget();
     list_ = new EntryPopup(looks_, entries, this);
@@ -687,7 +724,7 @@ void WeekView::keyPressEvent(QKeyEvent* event) {
         default:
             break;
     }
-    if (const QString begun = BegunBy(*event); !begun.isEmpty()) return emit NewWanted(begun);
+    if (const QString begun = BegunBy(*event); !begun.isEmpty()) return BeginTyping(begun);
     // The base class would scroll by the keys that mean nothing here.
     event->ignore();
 }

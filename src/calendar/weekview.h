@@ -110,6 +110,8 @@ class WeekView final : public QAbstractScrollArea {
     void hideEvent(QHideEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
   private:
     enum class Drag : std::uint8_t { None, Pressed, Marking, Moving, Sizing };
@@ -162,6 +164,9 @@ class WeekView final : public QAbstractScrollArea {
     bool MoveChosen(const QKeyEvent& event);
     void Reveal(const DaySpan& span);
     void MenuByKey();
+    /// A line over what is marked takes the typing.
+    void BeginTyping(const QString& letters);
+    void PlaceQuick();
     void OpenList(const std::vector<std::size_t>& entries, const QPoint& at);
     void Speak();
 
@@ -202,6 +207,8 @@ class WeekView final : public QAbstractScrollArea {
     bool quiet_ = false;  ///< the button that asks for a menu has taken a drag back
     QTimer* tmrScrolldelay;
     QPointer<EntryPopup> list_;
+    QuickLine* txtQuick;
+    DaySpan quickArea_;  ///< what it stands over, whatever is marked meanwhile
 };
 
 }  // namespace bmr::calendar

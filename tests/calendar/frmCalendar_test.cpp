@@ -20,11 +20,13 @@ TEST_F(FormCalendar, ADayOfUse) {
     EXPECT_EQ(status, "0 appointments");
     visitor.Meet("frmAppointment", [](QWidget& editor) {
         auto& subject = Named<QLineEdit>(editor, "ctlSubject");
-        EXPECT_EQ(subject.text(), "D") << "the letter that was typed among the days";
-        test::TypeText(subject, "entist");
+        EXPECT_EQ(subject.text(), "Dent") << "what was typed among the days";
+        test::TypeText(subject, "ist");
         Click(editor, "cmdOK");
     });
     QTest::keyClicks(form->focusProxy(), "D");
+    QTest::keyClicks(QApplication::focusWidget(), "ent");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     ASSERT_EQ(All(), Texts{"0 540-570 Dentist"}) << "in the marked row, as long as the preferences say";
     EXPECT_EQ(status, "1 appointment");
     ASSERT_EQ(week->Chosen(), 0U);

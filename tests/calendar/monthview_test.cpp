@@ -1,6 +1,8 @@
 // The hands on the six weeks of a month.
 #include "calendar/monthview.h"
 
+#include <QLineEdit>
+
 #include "views_fixture.h"
 
 namespace bmr::calendar {
@@ -107,7 +109,11 @@ TEST_F(MonthTableView, ClicksAndKeysTellWhatIsMeant) {
     EXPECT_EQ(view.MarkedCell(), 17);
     QTest::mouseDClick(&view, Qt::LeftButton, {}, Cell(17));
     QTest::mouseDClick(&view, Qt::LeftButton, {}, view.CellRect(17).topRight() + QPoint(-8, 8));
-    QTest::keyClick(&view, 'x');
+    QTest::keyClicks(QApplication::focusWidget(), "x");
+    const auto& line = test::Named<QLineEdit>(view, "txtQuick");
+    EXPECT_TRUE(view.CellRect(17).contains(line.geometry().topLeft()));
+    QTest::keyClicks(QApplication::focusWidget(), "yz");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     hand.Press(Line(0), Qt::RightButton);
     EXPECT_EQ(view.Chosen(), 0U);
     QTest::keyClick(&view, Qt::Key_Down, Qt::ControlModifier);
@@ -115,7 +121,7 @@ TEST_F(MonthTableView, ClicksAndKeysTellWhatIsMeant) {
     QTest::keyClick(&view, Qt::Key_Right, Qt::AltModifier);
     EXPECT_EQ(drops, (std::vector<Drop>{{1, 9, DropKind::Move}}));
     QTest::keyClick(&view, Qt::Key_Delete);
-    EXPECT_EQ(said, (QStringList{"open 1", "new ", "day 17", "new x", "del 1"}));
+    EXPECT_EQ(said, (QStringList{"open 1", "new ", "day 17", "new xyz", "del 1"}));
     // Up from the second week lands two weeks higher, in the month before.
     QTest::keyClick(&view, Qt::Key_Up);
     QTest::keyClick(&view, Qt::Key_Up);

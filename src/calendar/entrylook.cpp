@@ -262,28 +262,26 @@ void EntryPainter::Line(const QRect& rect, const EntryLook& look, bool chosen) {
     painter_.restore();
 }
 
-void EntryPainter::More(const QRect& rect, std::size_t hidden, bool framed) {
+void EntryPainter::More(const QRect& rect, std::size_t hidden) {
     const TableInks inks(palette_);
     painter_.save();
     painter_.setRenderHint(QPainter::Antialiasing);
-    if (framed) {
-        painter_.setPen(QPen(inks.quiet, 1, Qt::DotLine));
-        painter_.setBrush(inks.base);
-        painter_.drawRoundedRect(QRectF(rect).adjusted(.5, .5, -.5, -.5), kRadius, kRadius);
-    }
+    painter_.setPen(QPen(inks.accent, 1));
+    painter_.setBrush(kit::SelectionTint(palette_));
+    painter_.drawRoundedRect(QRectF(rect).adjusted(.5, .5, -.5, -.5), kRadius, kRadius);
     painter_.setFont(small_);
-    painter_.setPen(inks.accent);
     const QString number = QLocale().toString(static_cast<qulonglong>(hidden));
     QString words = QCoreApplication::translate("calendar", "+%1 more").arg(number);
-    const QRect within = rect.adjusted(framed ? kPadding : kStripe + kPadding, 0, -2, 0);
+    const QRect within = rect.adjusted(kPadding, 0, -2, 0);
     if (painter_.fontMetrics().horizontalAdvance(words) > within.width()) words = "+" + number;
-    const int top = framed ? 1 : std::max(0, (rect.height() - painter_.fontMetrics().height()) / 2);
+    const int top = std::max(0, (std::min(rect.height(), kOneLine) - painter_.fontMetrics().height()) / 2);
     painter_.drawText(within.adjusted(0, top, 0, 0), Qt::AlignTop | Qt::AlignLeading | Qt::TextSingleLine,
                       words);
     painter_.restore();
 }
 
-EntryPopup::EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::size_t> entries, QWidget* view)
+EntryPopup::EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::size_t> entries,
+                       const QString& heading, QWidget* view)
     : QFrame(view, Qt::Popup) {
     setObjectName("entryList");
     setAccessibleName(tr("Appointments"));
@@ -298,6 +296,16 @@ EntryPopup::EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::siz
     list->setModel(model);
     auto* within = new QVBoxLayout(this);
     within->setContentsMargins(kit::Space::Tight, kit::Space::Tight, kit::Space::Tight, kit::Space::Tight);
+    auto* lblDay = new QLabel(this);
+    lblDay->setObjectName("lblDay");
+    lblDay->setTextFormat(Qt::PlainText);
+    lblDay->setText(heading);
+    QFont bold = lblDay->font();
+    bold.setBold(true);
+    lblDay->setFont(bold);
+    lblDay->setContentsMargins(kit::Space::Tight, kit::Space::Tight, kit::Space::Tight, kit::Space::Tight);
+    within->setSpacing(0);
+    within->addWidget(lblDay);
     within->addWidget(list);
     setFocusProxy(list);
     connect(list->selectionModel(), &QItemSelectionModel::currentChanged, this,
@@ -325,7 +333,8 @@ void EntryPopup::ShowAt(const QPoint& at) {
     constexpr int kWide = 320;
     const int row = list->sizeHintForRow(0);
     const int rows = std::min(kRows, list->model()->rowCount());
-    resize(kWide, rows * row + 2 * kit::Space::Tight + 2 * frameWidth());
+    const int heading = findChild<QLabel*>("lblDay")->sizeHint().height();
+    resize(kWide, heading + rows * row + 2 * kit::Space::Tight + 2 * frameWidth());
     QRect place(at, size());
     if (const QScreen* screen = QApplication::screenAt(at)) {
         const QRect room = screen->availableGeometry();

@@ -65,8 +65,8 @@ class EntryPainter {
     void Box(const QRect& rect, const EntryLook& look, bool chosen);
     /// One line: a whole day as a bar, another with a dot and its time.
     void Line(const QRect& rect, const EntryLook& look, bool chosen);
-    /// "+3 more", or "+3" where there is not so much room.
-    void More(const QRect& rect, std::size_t hidden, bool framed);
+    /// "+3 more", or "+3" where there is not so much room, as a button.
+    void More(const QRect& rect, std::size_t hidden);
 
   private:
     void Ground(const QRect& rect, const EntryLook& look, bool chosen);
@@ -86,8 +86,10 @@ class EntryPopup final : public QFrame {
     Q_OBJECT
 
   public:
-    /// `looks` stay where they are until `Forget`; `entries` are places in them.
-    EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::size_t> entries, QWidget* view);
+    /// `looks` stay where they are until `Forget`; `entries` are places in them, all of the day of the
+    /// heading.
+    EntryPopup(const std::vector<EntryLook>& looks, std::vector<std::size_t> entries, const QString& heading,
+               QWidget* view);
     /// Beside a place of the screen, and within it.
     void ShowAt(const QPoint& at);
     /// Lets go of the looks and goes.

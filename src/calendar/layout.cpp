@@ -122,7 +122,7 @@ std::vector<DayBox> DayBoxes(std::span<const LayoutEntry> entries, const Packing
 }
 
 std::vector<MoreBox> FitColumns(std::vector<DayBox>& boxes, std::int32_t most) {
-    most = std::max(1, most);
+    most = std::max(2, most);
     std::vector<MoreBox> mores;
     std::vector<bool> hidden(boxes.size());
     for (const auto& group : GroupsOf(boxes)) {

@@ -58,8 +58,9 @@ struct MoreBox {
     std::vector<std::size_t> all = {};     ///< those of the whole group, for the list that it opens
 };
 
-/// Takes the boxes that do not fit where a day has room for `most` columns (at least 1) out of `boxes`; the
-/// others of their groups then stand in `most` columns, the last of which is the "+n more".
+/// Takes the boxes that do not fit where a day has room for `most` columns out of `boxes`; the others of
+/// their groups then stand in `most` columns, the last of which is the "+n more". There is room for two at
+/// least, so that one never stands for all.
 std::vector<MoreBox> FitColumns(std::vector<DayBox>& boxes, std::int32_t most);
 
 /// The same for lines of a list (a day's cell of the month, the strip of all-day entries): how many of

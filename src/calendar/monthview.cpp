@@ -314,7 +314,8 @@ void MonthView::keyReleaseEvent(QKeyEvent* event) {
 
 void MonthView::OpenList(int cell) {
     if (list_) list_->Forget();
-    list_ = new EntryPopup(looks_, monDayList[static_cast<std::size_t>(cell)], this);
+    list_ = new EntryPopup(looks_, monDayList[static_cast<std::size_t>(cell)],
+                           frame_.spoken[static_cast<std::size_t>(cell)], this);
     connect(list_, &EntryPopup::Chosen, this, &MonthView::Choose);
     connect(list_, &EntryPopup::OpenWanted, this, &MonthView::OpenWanted);
     list_->ShowAt(mapToGlobal(RowRect(cell, 0).topLeft()));
@@ -446,7 +447,7 @@ void MonthView::PaintCell(QPainter& painter, int cell) const {
     }
     painter.setOpacity(1);
     if (const std::size_t hidden = monDayList[at].size() - static_cast<std::size_t>(shown); hidden > 0)
-        entries.More(RowRect(cell, shown), hidden, false);
+        entries.More(RowRect(cell, shown), hidden);
     painter.restore();
 }
 

@@ -246,6 +246,12 @@ QRect WeekView::RectOf(int day, std::int32_t from, std::int32_t to, Place place)
     return {left, top, std::max(kGap, right - left), height};
 }
 
+QRect WeekView::RectOf(const MoreBox& box) const {
+    QRect rect = RectOf(box.day, box.from, box.to, box.place);
+    rect.setTop(std::clamp(GridTop() + 1, rect.top(), rect.bottom() - kLeastBox + 1));
+    return rect;
+}
+
 QRect WeekView::StripRow(int day, int row) const {
     const QRect column = DayRect(day).adjusted(kGap + 1, 0, -kGap, 0);
     return {column.left(), heading_ + kGap + row * (stripRow_ + kGap), column.width(), stripRow_};
@@ -387,7 +393,8 @@ void WeekView::mousePressEvent(QMouseEvent* event) {
     const bool left = event->button() == Qt::LeftButton;
     if (hit.heading && left && !hit.margin && Days() > 0) return emit DayWanted(hit.at.day);
     if (hit.heading || hit.margin || Days() == 0) return;
-    if (left && !hit.listed.empty()) return OpenList(hit.listed, event->globalPosition().toPoint());
+    if (left && !hit.listed.empty())
+        return OpenList(hit.listed, hit.at.day, event->globalPosition().toPoint());
     if (left) return Begin(at, std::move(hit));
     if (event->button() != Qt::RightButton) return;
     if (hit.entry) return Take(hit.entry, SpanOf(*hit.entry));
@@ -560,9 +567,9 @@ QVariant WeekView::inputMethodQuery(Qt::InputMethodQuery query) const {
     return AreaOf(selArea_).translated(viewport()->pos());
 }
 
-void WeekView::OpenList(const std::vector<std::size_t>& entries, const QPoint& at) {
+void WeekView::OpenList(const std::vector<std::size_t>& entries, int day, const QPoint& at) {
     if (list_) list_->Forget();
-    list_ = new EntryPopup(looks_, entries, this);
+    list_ = new EntryPopup(looks_, entries, frame_.DLabel[static_cast<std::size_t>(day)], this);
     connect(list_, &EntryPopup::Chosen, this, &WeekView::Choose);
     connect(list_, &EntryPopup::OpenWanted, this, &WeekView::OpenWanted);
     list_->ShowAt(at);

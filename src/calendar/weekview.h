@@ -135,7 +135,8 @@ class WeekView final : public QAbstractScrollArea {
     QRect DayRect(int day) const;
     QRect RectOf(int day, std::int32_t from, std::int32_t to, Place place) const;
     QRect RectOf(const DayBox& box) const { return RectOf(box.day, box.from, box.to, box.place); }
-    QRect RectOf(const MoreBox& box) const { return RectOf(box.day, box.from, box.to, box.place); }
+    /// As much of it as is in sight, so that its words stay there.
+    QRect RectOf(const MoreBox& box) const;
     QRect StripRow(int day, int row) const;
     /// How many entries of a day the strip shows; fewer than it has where the last row says how many more.
     int StripShown(int day) const;
@@ -167,7 +168,7 @@ class WeekView final : public QAbstractScrollArea {
     /// A line over what is marked takes the typing.
     void BeginTyping(const QString& letters);
     void PlaceQuick();
-    void OpenList(const std::vector<std::size_t>& entries, const QPoint& at);
+    void OpenList(const std::vector<std::size_t>& entries, int day, const QPoint& at);
     void Speak();
 
     void PaintHeadings(QPainter& painter) const;

@@ -81,7 +81,7 @@ void WeekView::PaintStrip(QPainter& painter) const {
         }
         painter.setOpacity(1);
         if (const std::size_t hidden = all.size() - static_cast<std::size_t>(shown); hidden > 0)
-            entries.More(StripRow(day, shown), hidden, false);
+            entries.More(StripRow(day, shown), hidden);
     }
     painter.setPen(QPen(inks.line, 0));
     painter.drawLine(strip.topLeft(), strip.topRight());
@@ -163,8 +163,7 @@ void WeekView::PaintBoxes(QPainter& painter, const QRect& within) const {
     }
     painter.setOpacity(1);
     for (const MoreBox& box : more_)
-        if (const QRect rect = RectOf(box); rect.intersects(within))
-            entries.More(rect, box.hidden.size(), true);
+        if (const QRect rect = RectOf(box); rect.intersects(within)) entries.More(rect, box.hidden.size());
 }
 
 void WeekView::PaintNow(QPainter& painter) const {

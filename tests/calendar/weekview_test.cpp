@@ -316,6 +316,7 @@ TEST_F(WeekGrid, TheStripListsWhatItCannotShow) {
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, QPoint(strip.center().x(), strip.bottom() - 10));
     ASSERT_TRUE(OpenedList(view));
     EXPECT_EQ(OpenedList(view)->model()->rowCount(), 5);
+    EXPECT_EQ(test::Named<QLabel>(*OpenedList(view)->parentWidget(), "lblDay").text(), "day 1");
     // Another period takes the list along.
     view.SetFrame(FrameFrom(Day{kMonday.serial + 7}));
     EXPECT_FALSE(OpenedList(view));
@@ -338,6 +339,12 @@ TEST_F(WeekGrid, WidthDecidesHowManyStandSideBySide) {
     EXPECT_EQ(drawn(), 6);
     view.resize(400, 700);
     EXPECT_LT(drawn(), few);
+    EXPECT_EQ(drawn(), 1);
+    // Two are always drawn side by side.
+    Give(Entry(1, 600, 660, "one"), Entry(1, 630, 690, "other"));
+    EXPECT_FALSE(view.BoxOf(0).isEmpty());
+    EXPECT_FALSE(view.BoxOf(1).isEmpty());
+    EXPECT_FALSE(view.BoxOf(0).intersects(view.BoxOf(1)));
 }
 
 TEST_F(WeekGrid, TheLeastHeightIsKeptWithinTheDay) {

@@ -178,6 +178,7 @@ void WeekView::Take(std::optional<std::size_t> entry, const DaySpan& span) {
     chosen_ = entry;
     selArea_ = span;
     anchor_ = RowOf(span.start);
+    if (!entry && !span.allDay) row_ = anchor_;
     viewport()->update();
     Speak();
     emit ChosenChanged();
@@ -662,6 +663,14 @@ void WeekView::MoveMark(int days, std::int32_t minutes, bool stretch) {
     Mark(span);
 }
 
+std::int32_t WeekView::RowForWhole() const {
+    // One that is out of sight is not what was meant.
+    const int y = YOf(row_);
+    if (y >= GridTop() && y < viewport()->height()) return row_;
+    const int top = verticalScrollBar()->value() * 60 / hour_;
+    return std::min((top + 59) / 60 * 60, kDay - kStep);
+}
+
 bool WeekView::MoveChosen(const QKeyEvent& event) {
     if (!chosen_) return false;
     const int key = event.key();
@@ -670,9 +679,14 @@ bool WeekView::MoveChosen(const QKeyEvent& event) {
     const bool resize = event.modifiers().testFlag(Qt::ShiftModifier);
     DaySpan span = SpanOf(*chosen_);
     if ((across == 0 && down == 0) || (resize && across != 0)) return false;
-    if (span.allDay && down != 0) return true;
+    if (span.allDay && (down < 0 || resize)) return true;
     const DaySpan before = span;
-    if (resize)
+    if (span.allDay && down > 0) {
+        const std::int32_t row = RowForWhole();
+        span = {span.day, row, row + std::max(kStep, frame_.dropLength), false};
+    } else if (!resize && down < 0 && span.start < kStep)
+        span = WholeDay(span.day);
+    else if (resize)
         span.end = std::max(span.end + down * kStep, span.start + std::min(kStep, span.end - span.start));
     else
         span = {span.day + across, span.start + down * kStep, span.end + down * kStep, span.allDay};

@@ -163,6 +163,8 @@ class WeekView final : public QAbstractScrollArea {
     void ChooseNext(int by);
     void MoveMark(int days, std::int32_t minutes, bool stretch);
     bool MoveChosen(const QKeyEvent& event);
+    /// The row of the hours to which an entry of a whole day goes by keys.
+    std::int32_t RowForWhole() const;
     void Reveal(const DaySpan& span);
     void MenuByKey();
     /// A line over what is marked takes the typing.
@@ -190,6 +192,7 @@ class WeekView final : public QAbstractScrollArea {
     std::optional<std::size_t> chosen_;
     DaySpan selArea_{0, 540, 570, false};
     std::int32_t anchor_ = 540;  ///< the row of the mark that stays while Shift stretches it
+    std::int32_t row_ = 540;     ///< of the hours, marked last
 
     int hour_ = kFirstHour;
     int margin_ = 52;  ///< width of the column of hours

@@ -401,6 +401,18 @@ TEST_F(WeekGrid, KeysGoThroughRowsEntriesAndPeriods) {
     EXPECT_EQ(Last(), Drop(2, {2, 550, 610, false}, DropKind::Move));
     QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
     EXPECT_EQ(Last(), Drop(2, {1, 550, 640, false}, DropKind::Resize));
+    // Between the strip and the hours, as a drag does it.
+    view.Mark({4, 690, 720, false});
+    view.Choose(1);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(Last(), Drop(1, {1, 690, 750, false}, DropKind::Move)) << "at the row that was marked last";
+    view.SetPixelsOfHour(WeekView::kMostHour);
+    view.ScrollTo(1440);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier);
+    const DaySpan seen = std::get<1>(Last());
+    EXPECT_TRUE(view.viewport()->rect().contains(view.AreaOf({1, seen.start, seen.start + 30, false})));
+    EXPECT_EQ(seen.start % 60, 0) << "else at the first hour in sight";
+    view.Choose(2);
     QTest::keyClick(&view, Qt::Key_Down);
     EXPECT_EQ(view.Marked(), (DaySpan{1, 630, 660, false})) << "below the entry";
     EXPECT_EQ(view.Chosen(), std::nullopt);
@@ -410,6 +422,10 @@ TEST_F(WeekGrid, KeysGoThroughRowsEntriesAndPeriods) {
     QTest::keyClick(&view, Qt::Key_PageDown);
     QTest::keyClick(&view, Qt::Key_Home);
     EXPECT_EQ(steps, (std::vector<int>{-1, 1, 0}));
+    Give(Entry(8, 0, 60, "at midnight"));
+    view.Choose(0);
+    QTest::keyClick(&view, Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(Last(), Drop(0, {1, 0, 1440, true}, DropKind::Move));
     view.Mark({1, 1410, 1440, false});
     QTest::keyClick(&view, Qt::Key_Down);
     EXPECT_EQ(view.Marked(), (DaySpan{1, 1410, 1440, false}));

@@ -30,9 +30,9 @@ constexpr int kPadding = 4;
 constexpr int kRadius = 4;
 constexpr int kSymbol = 12;
 constexpr int kDot = 8;
-constexpr int kLeastWords = 56;  ///< pixels that signs leave to the words
-constexpr int kOneLine = 22;     ///< a box that is lower has time and subject in one line
-constexpr int kPause = 700;      ///< ms without a key, after which what was typed is taken
+constexpr int kLeastLetters = 6;  ///< that signs leave to the words
+constexpr int kOneLine = 22;      ///< a box that is lower has time and subject in one line
+constexpr int kPause = 700;       ///< ms without a key, after which what was typed is taken
 
 /// Colours of entries, as numbers of `kit::CategoryTint`.
 constexpr int kSingleTint = 1;
@@ -54,17 +54,25 @@ QString Elided(const QString& text, const QFontMetrics& metrics, int width, qsiz
     static const QString more = QStringLiteral("…");
     const QString cut = metrics.elidedText(text, Qt::ElideRight, width);
     const qsizetype whole = std::max<qsizetype>(0, cut.size() - more.size());
+    // Where even the ellipsis has hardly room, letters say more.
+    if (whole == 0) {
+        qsizetype letters = text.size();
+        while (letters > 1 && metrics.horizontalAdvance(text.left(letters)) > width)
+            --letters;
+        return text.left(letters);
+    }
     const bool between = whole < text.size() && text.at(whole).isSpace();
     const qsizetype end = between ? whole : text.lastIndexOf(QChar(u' '), std::max<qsizetype>(0, whole - 1));
     return end > kept ? text.left(end).trimmed() + more : cut;
 }
 
-/// Words in a rectangle, broken between words only; what does not fit ends in an ellipsis.
+/// Words in a rectangle. A word that is longer than a line of its own goes on in the next one; what finds no
+/// line ends in an ellipsis.
 void DrawWords(QPainter& painter, const QRect& rect, const QString& text) {
     const QFontMetrics metrics(painter.font());
     QTextLayout layout(text, painter.font());
     QTextOption option;
-    option.setWrapMode(QTextOption::WordWrap);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     layout.beginLayout();
     for (int y = rect.top();; y += metrics.lineSpacing()) {
@@ -72,11 +80,10 @@ void DrawWords(QPainter& painter, const QRect& rect, const QString& text) {
         if (!line.isValid()) break;
         line.setLineWidth(rect.width());
         const bool last = y + 2 * metrics.lineSpacing() > rect.bottom() + 1;
-        const QString rest =
-            last ? text.mid(line.textStart()) : text.mid(line.textStart(), line.textLength());
+        const QString rest = text.mid(line.textStart(), last ? text.size() : line.textLength()).trimmed();
         painter.drawText(QRect(rect.left(), y, rect.width(), metrics.lineSpacing()),
                          Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
-                         Elided(rest.trimmed(), metrics, rect.width()));
+                         last ? Elided(rest, metrics, rect.width()) : rest);
         if (last) break;
     }
     layout.endLayout();
@@ -184,32 +191,39 @@ void EntryPainter::Ground(const QRect& rect, const EntryLook& look, bool chosen)
     painter_.setPen(palette_.color(QPalette::Active, QPalette::Text));
 }
 
-int EntryPainter::Signs(const QRect& rect, int height, const EntryLook& look) {
+int EntryPainter::Signs(const QRect& rect, int left, int height, int least, int whole,
+                        const EntryLook& look) {
     int right = rect.right() - 2;
-    const auto sign = [&](bool wanted, const char* name) {
-        // The words come first where there is little room.
-        if (!wanted || right - kSymbol - rect.left() < kLeastWords) return;
+    const auto sign = [&](bool wanted, const char* name, int room) {
+        if (!wanted || right - kSymbol - 3 - left < room) return;
         right -= kSymbol;
         const QPixmap pixmap =
             kit::Icon(name).pixmap(QSize(kSymbol, kSymbol), painter_.device()->devicePixelRatioF());
         painter_.drawPixmap(QPoint(right, rect.top() + (height - kSymbol) / 2), pixmap);
         right -= 3;
     };
-    sign(look.isPrivate, "object-locked");
-    sign(look.repeats, "appointment-recurring");
-    sign(look.alarm, "alarm");
+    // What matters most comes first: a series is told by its colour, too.
+    sign(look.isPrivate, "object-locked", least);
+    sign(look.alarm, "alarm", std::max(least, whole));
+    sign(look.repeats, "appointment-recurring", std::max(least, whole));
     return right;
 }
 
-void EntryPainter::OneLine(const QRect& rect, const EntryLook& look) {
+void EntryPainter::OneLine(const QRect& rect, int left, int height, bool signsFirst, const EntryLook& look) {
     const QFontMetrics metrics = painter_.fontMetrics();
-    // Where a box stands tells when it begins: its subject goes before that where both have no room.
-    const QString time = look.from + " ";
-    const bool bare =
-        look.allDay || rect.width() < metrics.horizontalAdvance(time) + 4 * metrics.averageCharWidth();
-    painter_.drawText(rect, Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine,
-                      bare ? Elided(look.subject, metrics, rect.width())
-                           : Elided(time + look.subject, metrics, rect.width(), time.size()));
+    const int letter = metrics.averageCharWidth();
+    // Where a box stands tells when it begins: its subject goes before that where both have no room. The
+    // signs have no say in it, so that boxes of one width are alike.
+    const QString time = look.from.isEmpty() ? QString() : look.from + " ";
+    const int ahead = metrics.horizontalAdvance(time);
+    const bool bare = look.allDay || rect.right() - left < ahead + 4 * letter;
+    const QString text = bare ? QString(look.subject) : time + look.subject;
+    const int least = (bare ? 0 : ahead) + kLeastLetters * letter;
+    const int whole = signsFirst ? 0 : metrics.horizontalAdvance(text);
+    const int right = Signs(rect, left, height, least, whole, look);
+    painter_.drawText(QRect(QPoint(left, rect.top()), QPoint(right, rect.bottom())),
+                      Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine,
+                      Elided(text, metrics, right - left + 1, bare ? 0 : time.size()));
 }
 
 void EntryPainter::Box(const QRect& rect, const EntryLook& look, bool chosen) {
@@ -224,14 +238,16 @@ void EntryPainter::Box(const QRect& rect, const EntryLook& look, bool chosen) {
     const int two = first + painter_.fontMetrics().lineSpacing() + 2;
     if (words.width() < kDot) return painter_.restore();
     if (look.allDay || rect.height() < std::max(kOneLine, two)) {
-        words.setRight(Signs(rect, std::min(rect.height(), kOneLine), look));
-        OneLine(words, look);
+        OneLine(QRect(rect.left(), words.top(), words.right() - rect.left() + 3, words.height()),
+                words.left(), std::min(rect.height(), kOneLine), true, look);
         return painter_.restore();
     }
     words.adjust(0, 1, 0, 0);
-    const int room = Signs(rect, first + 4, look) - words.left();
+    // Beside the start stands what finds room there; the subject has the lines below for itself.
+    const int start = small.horizontalAdvance(look.from);
+    const int room = Signs(rect, words.left(), first + 4, start, 0, look) - words.left();
     const QString& time = small.horizontalAdvance(look.time) <= room ? look.time : look.from;
-    if (small.horizontalAdvance(time) <= room) {
+    if (!time.isEmpty() && small.horizontalAdvance(time) <= room) {
         painter_.setFont(small_);
         painter_.drawText(QRect(words.left(), words.top(), room, first),
                           Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine, time);
@@ -257,8 +273,7 @@ void EntryPainter::Line(const QRect& rect, const EntryLook& look, bool chosen) {
         painter_.restore();
     }
     const int left = rect.left() + kPadding + (look.allDay ? kPadding : kDot + 3);
-    const QRect words(QPoint(left, rect.top()), QPoint(Signs(rect, rect.height(), look), rect.bottom()));
-    OneLine(words, look);
+    OneLine(rect, left, rect.height(), false, look);
     painter_.restore();
 }
 

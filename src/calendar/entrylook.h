@@ -70,9 +70,11 @@ class EntryPainter {
 
   private:
     void Ground(const QRect& rect, const EntryLook& look, bool chosen);
-    /// The signs at the right top; gives where they begin.
-    int Signs(const QRect& rect, int height, const EntryLook& look);
-    void OneLine(const QRect& rect, const EntryLook& look);
+    /// The signs at the right top, as far as `least` pixels are left of them, behind `left`, or `whole` for
+    /// what goes before the words are cut; gives where they begin.
+    int Signs(const QRect& rect, int left, int height, int least, int whole, const EntryLook& look);
+    /// Its words up to the signs, which stay whether the words are cut or not; else those go first.
+    void OneLine(const QRect& rect, int left, int height, bool signsFirst, const EntryLook& look);
 
     QPainter& painter_;
     const QPalette& palette_;

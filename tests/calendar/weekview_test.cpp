@@ -3,6 +3,7 @@
 
 #include <QInputMethodEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QScrollBar>
 #include <QToolTip>
 #include <QWheelEvent>
@@ -442,6 +443,27 @@ TEST_F(WeekGrid, NoTextOutlivesTheEntries) {
     EXPECT_FALSE(view.accessibleDescription().contains("harbour"));
     for (const QWidget* window : QApplication::topLevelWidgets())
         if (const auto* label = qobject_cast<const QLabel*>(window)) EXPECT_EQ(label->text(), "");
+}
+
+TEST(EntryPainter, SignsStandWhereTheWordsLeaveThemRoom) {
+    const QPalette palette = kit::LightPalette();
+    const auto painted = [&](const char* subject, bool line, bool alarm, bool repeats) {
+        EntryLook look = Entry(1, 600, 660, subject);
+        look.alarm = alarm;
+        look.repeats = repeats;
+        const int start = QFontMetrics(QFont()).horizontalAdvance("10:00 ");
+        QImage image(line ? start + 110 : start + 40, line ? 20 : 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        EntryPainter entries(painter, palette, QFont());
+        line ? entries.Line(image.rect(), look, false) : entries.Box(image.rect(), look, false);
+        return image;
+    };
+    EXPECT_NE(painted("Choir", false, true, true), painted("Choir", false, false, true)) << "in a narrow day";
+    // In a line neither cuts the words, and the bell stays longer.
+    EXPECT_NE(painted("Choir", true, true, false), painted("Choir", true, false, false));
+    const char* longer = "Standing together for an hour";
+    EXPECT_EQ(painted(longer, true, true, true), painted(longer, true, false, true));
 }
 
 TEST(TableInks, AreReadableOnTheirGrounds) {

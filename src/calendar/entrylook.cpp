@@ -238,8 +238,8 @@ void EntryPainter::Box(const QRect& rect, const EntryLook& look, bool chosen) {
     const int two = first + painter_.fontMetrics().lineSpacing() + 2;
     if (words.width() < kDot) return painter_.restore();
     if (look.allDay || rect.height() < std::max(kOneLine, two)) {
-        OneLine(QRect(rect.left(), words.top(), words.right() - rect.left() + 3, words.height()),
-                words.left(), std::min(rect.height(), kOneLine), true, look);
+        OneLine(rect.adjusted(0, 0, 2 - kPadding, 0), words.left(), std::min(rect.height(), kOneLine), true,
+                look);
         return painter_.restore();
     }
     words.adjust(0, 1, 0, 0);

@@ -307,6 +307,11 @@ DaySpan WeekView::SpanOf(std::size_t entry) const {
     return {day, start, start + look.end.count - look.start.count, false};
 }
 
+bool WeekView::EndsIn(const DayBox& box) const {
+    const DaySpan span = SpanOf(box.entry);
+    return span.end <= (box.day - span.day + 1) * kDay;
+}
+
 DaySpan WeekView::SlotAt(const QPoint& at) const {
     int day = 0;
     while (day + 1 < Days() && at.x() >= DayRect(day + 1).left())
@@ -343,9 +348,7 @@ WeekView::Hit WeekView::HitAt(const QPoint& at) const {
         const QRect rect = RectOf(box);
         if (box.day != hit.at.day || !rect.contains(at)) continue;
         hit.entry = box.entry;
-        const DaySpan span = SpanOf(box.entry);
-        const bool ends = span.end <= (box.day - span.day + 1) * kDay;
-        hit.edge = ends && at.y() > rect.bottom() - kEdge;
+        hit.edge = EndsIn(box) && at.y() > rect.bottom() - kEdge;
     }
     for (const MoreBox& box : more_)
         if (RectOf(box).contains(at)) {

@@ -179,6 +179,14 @@ class WeekView final : public QAbstractScrollArea {
     void PaintHours(QPainter& painter) const;
     /// Being moved or sized: still seen where it was, but paler.
     bool Leaving(std::size_t entry) const;
+    /// What a box of an entry that began on an earlier day says: until when it goes on.
+    EntryLook RestOf(const DayBox& box) const;
+    /// The ground and the frame of what is marked, beside the boxes that lie on it.
+    void PaintMark(QPainter& painter) const;
+    /// Of the one day that is shown the line says enough, and the working hours are read better.
+    bool TintsToday(int day) const { return frame_.today == day && Days() > 1; }
+    /// Whether an entry ends on the day of a box of it.
+    bool EndsIn(const DayBox& box) const;
     void PaintBoxes(QPainter& painter, const QRect& within) const;
     void PaintNow(QPainter& painter) const;
     void PaintDrag(QPainter& painter) const;

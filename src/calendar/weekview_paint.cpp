@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "calendar/periods.h"
+#include "calendar/timespan.h"
 #include "calendar/weekview.h"
 #include "kit/theme.h"
 
@@ -13,6 +14,7 @@ namespace bmr::calendar {
 namespace {
 
 constexpr int kDot = 8;
+constexpr int kAround = 2;  ///< that the frame of the mark keeps from boxes
 
 /// The times of a span that the hand is drawing, so that one need not read them off the margin.
 void PaintTimes(QPainter& painter, const QRect& rect, const DaySpan& span) {
@@ -67,9 +69,8 @@ void WeekView::PaintStrip(QPainter& painter) const {
     EntryPainter entries(painter, palette(), font());
     for (int day = 0; day < Days(); ++day) {
         const QRect rect(DayRect(day).left(), heading_, DayRect(day).width(), strip_);
-        if (frame_.today == day) painter.fillRect(rect, inks.today);
-        if (selArea_.allDay && selArea_.day == day && !chosen_)
-            painter.fillRect(rect.adjusted(1, 1, 0, -1), kit::SelectionTint(palette(), hasFocus()));
+        if (TintsToday(day)) painter.fillRect(rect, inks.today);
+        if (selArea_.allDay && selArea_.day == day) PaintMark(painter);
         painter.setPen(QPen(inks.line, 0));
         painter.drawLine(rect.topLeft(), rect.bottomLeft());
         const auto& all = appoD_[static_cast<std::size_t>(day)];
@@ -94,7 +95,7 @@ void WeekView::PaintGrid(QPainter& painter) const {
     painter.fillRect(QRect(0, GridTop(), viewport()->width(), grid.height()), inks.base);
     const bool shaded = frame_.workStart < frame_.workEnd;
     for (int day = 0; day < Days(); ++day) {
-        const bool today = frame_.today == day;
+        const bool today = TintsToday(day);
         const QRect column(DayRect(day).left(), grid.top(), DayRect(day).width(), grid.height());
         if (today) painter.fillRect(column, inks.today);
         if (!shaded) continue;
@@ -116,16 +117,36 @@ void WeekView::PaintGrid(QPainter& painter) const {
     painter.setPen(QPen(inks.line, 0));
     for (int day = 0; day < Days(); ++day)
         painter.drawLine(DayRect(day).left(), grid.top(), DayRect(day).left(), grid.bottom());
-    if (selArea_.allDay || chosen_) return;
+    if (!selArea_.allDay) PaintMark(painter);
+}
+
+void WeekView::PaintMark(QPainter& painter) const {
+    if (chosen_) return;
+    const TableInks inks(palette());
+    painter.save();
     for (const QRect& rect : RectsOf(selArea_)) {
+        // A box with the frame around it would look as if it were chosen.
+        QRegion free(rect);
+        const auto leave = [&](const QRect& box) {
+            free -= box.adjusted(-kAround, -kAround, kAround, kAround);
+        };
+        if (selArea_.allDay)
+            for (int row = 0; row < static_cast<int>(appoD_[static_cast<std::size_t>(selArea_.day)].size());
+                 ++row)
+                leave(StripRow(selArea_.day, std::min(row, stripRows_ - 1)));
+        else if (drag_ != Drag::Marking)
+            for (const DayBox& box : appo_)
+                leave(RectOf(box));
+        painter.save();
+        painter.setClipRegion(free, Qt::IntersectClip);
         painter.fillRect(rect, kit::SelectionTint(palette(), hasFocus()));
-        if (hasFocus()) {
-            painter.setPen(QPen(inks.accent, 1));
-            painter.drawRect(rect.adjusted(0, 0, -1, -1));
-        }
+        painter.setPen(QPen(inks.accent, 1));
+        if (hasFocus()) painter.drawRect(rect.adjusted(0, 0, -1, -1));
+        painter.restore();
         painter.setPen(inks.text);
         if (drag_ == Drag::Marking) PaintTimes(painter, rect, selArea_);
     }
+    painter.restore();
 }
 
 void WeekView::PaintHours(QPainter& painter) const {
@@ -153,13 +174,21 @@ bool WeekView::Leaving(std::size_t entry) const {
     return (drag_ == Drag::Moving || drag_ == Drag::Sizing) && !copying_ && grabbed_.entry == entry;
 }
 
+EntryLook WeekView::RestOf(const DayBox& box) const {
+    EntryLook rest = looks_[box.entry];
+    const QString end = QString::fromStdString(TimeText(box.to));
+    rest.time = EndsIn(box) ? tr("until %1").arg(end) : QString();
+    rest.from = EndsIn(box) ? "-" + end : QString();
+    return rest;
+}
+
 void WeekView::PaintBoxes(QPainter& painter, const QRect& within) const {
     EntryPainter entries(painter, palette(), font());
     for (const DayBox& box : appo_) {
         const QRect rect = RectOf(box);
         if (!rect.intersects(within)) continue;
         painter.setOpacity(Leaving(box.entry) ? 0.5 : 1);
-        entries.Box(rect, looks_[box.entry], chosen_ == box.entry);
+        entries.Box(rect, box.goesOn ? RestOf(box) : looks_[box.entry], chosen_ == box.entry);
     }
     painter.setOpacity(1);
     for (const MoreBox& box : more_)

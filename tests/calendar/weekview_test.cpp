@@ -142,6 +142,34 @@ TEST_F(WeekGrid, CrossesTheBorderOfTheStripBothWays) {
     EXPECT_EQ(Last(), Drop(0, {5, 0, 1440, true}, DropKind::Move));
 }
 
+TEST_F(WeekGrid, WhatIsPaintedSaysNoMoreThanIsTrue) {
+    view.verticalScrollBar()->setValue(0);
+    view.Mark({5, 1200, 1230, false});
+    const auto painted = [&](const QRect& part) { return view.viewport()->grab(part).toImage(); };
+    const QRect rest = view.AreaOf({2, 0, 90, false});
+    // The rest of a night tells until when it lasts, not when it began.
+    Give(Entry(1, 1290, 1440 + 90, "night"));
+    const QImage from2130 = painted(rest);
+    Give(Entry(1, 1200, 1440 + 90, "night"));
+    EXPECT_EQ(painted(rest), from2130);
+    // A mark below a box leaves the box as it is.
+    Give(Entry(1, 60, 120, "box"));
+    const QRect box = view.BoxOf(0).adjusted(-1, -1, 1, 1);
+    const QImage before = painted(box);
+    view.Mark({1, 60, 120, false});
+    EXPECT_EQ(painted(box), before);
+    // The whole of today has a ground of its own beside other days, not alone.
+    const auto ground = [&](int days) {
+        WeekView::Frame frame = FrameFrom(kMonday, days);
+        frame.today = 0;
+        frame.now = 1430;
+        view.SetFrame(frame);
+        return QColor(painted(view.AreaOf({0, 600, 630, false})).pixel(6, 8));
+    };
+    EXPECT_NE(ground(7), view.palette().color(QPalette::Base));
+    EXPECT_EQ(ground(1), view.palette().color(QPalette::Base));
+}
+
 TEST_F(WeekGrid, ControlCopiesFromTheMomentItIsHeld) {
     Give(Entry(1, 600, 660, "one"));
     hand.keys = Qt::ControlModifier;

@@ -109,6 +109,8 @@ class frmMDI final : public QMainWindow {
     void mnuFileNew_Click();
     void mnuFileOpen_Click();
     void mnuFileCloseDB_Click();
+    /// The section whose step is meant now.
+    std::uint8_t StepSection(store::UndoWay way) const;
     /// Takes the open section's last step back, or does it again.
     void TakeStep(store::UndoWay way);
     /// What the entries Undo and Redo say, and whether they can be chosen.

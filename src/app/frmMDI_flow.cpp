@@ -307,25 +307,31 @@ void frmMDI::CloseDatabase() {
     SweepFreed();
 }
 
+std::uint8_t frmMDI::StepSection(store::UndoWay way) const {
+    return (form_ ? form_->StepSection(way) : std::nullopt).value_or(session_.SectionCode);
+}
+
 void frmMDI::NameSteps() {
     const auto name = [this](QAction* entry, const QString& word, store::UndoWay way) {
-        const auto* step = form_ ? store::NextStep(session_, session_.SectionCode, way) : nullptr;
+        const std::uint8_t section = StepSection(way);
+        const auto* step = form_ ? store::NextStep(session_, section, way) : nullptr;
         entry->setText(step ? word + " " + kit::StepName(*step) : word);
-        entry->setEnabled(form_ && store::MayTake(session_, session_.SectionCode, way));
+        entry->setEnabled(form_ && store::MayTake(session_, section, way));
     };
     name(menus_.mnuEditUndo, tr("&Undo"), store::UndoWay::Undo);
     name(menus_.mnuEditRedo, tr("&Redo"), store::UndoWay::Redo);
 }
 
 void frmMDI::ShowUndo() {
-    const bool may = form_ && store::MayTake(session_, session_.SectionCode, store::UndoWay::Undo);
-    const auto* step = may ? store::NextStep(session_, session_.SectionCode, store::UndoWay::Undo) : nullptr;
+    const std::uint8_t section = StepSection(store::UndoWay::Undo);
+    const bool may = form_ && store::MayTake(session_, section, store::UndoWay::Undo);
+    const auto* step = may ? store::NextStep(session_, section, store::UndoWay::Undo) : nullptr;
     undoTool_->setEnabled(may);
     undoTool_->setToolTip((step ? tr("Undo %1").arg(kit::StepName(*step)) : tr("Undo")) + " (Ctrl+Z)");
 }
 
 void frmMDI::TakeStep(store::UndoWay way) {
-    const std::uint8_t section = session_.SectionCode;
+    const std::uint8_t section = StepSection(way);
     kit::ListPane* pane = form_ ? form_->Pane() : nullptr;
     if (flows_ > 0 || !form_ || form_->Editing() || !store::MayTake(session_, section, way)) return;
     const QString step = kit::StepName(*store::NextStep(session_, section, way));
@@ -334,7 +340,7 @@ void frmMDI::TakeStep(store::UndoWay way) {
     if (outcome.error != 0 || !form_) return;
     const QString done = (way == store::UndoWay::Undo ? tr("Undone: %1.") : tr("Done again: %1.")).arg(step);
     const QString words = kit::StepTaken(done, outcome);
-    if (!pane) return form_->ShowTaken(outcome.keys, words);
+    if (!pane) return form_->ShowTaken(section, outcome.keys, words);
     const int row = pane->List()->currentIndex().row();
     form_->Refresh();
     // Filter or search may hide what has come back, or the row be one of another kind.

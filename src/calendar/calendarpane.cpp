@@ -61,4 +61,8 @@ void CalendarPane::Read() {
     kit::TellFailure(session_, error, tr("The tasks could not be read."));
 }
 
+void CalendarPane::Select(std::int32_t key) {
+    TodoList->SelectKey(key);
+}
+
 }  // namespace bmr::calendar

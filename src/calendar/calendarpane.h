@@ -26,6 +26,7 @@ class CalendarPane final : public QWidget {
 
     /// Reads the rows anew and keeps the selected one.
     void Read();
+    void Select(std::int32_t key);
 
   signals:
     void OpenWanted(std::int32_t key);

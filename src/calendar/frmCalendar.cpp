@@ -26,6 +26,7 @@
 #include "kit/strip.h"
 #include "kit/theme.h"
 #include "kit/words.h"
+#include "store/undo.h"
 
 namespace bmr::calendar {
 
@@ -82,7 +83,8 @@ frmCalendar::frmCalendar(store::Session& session, FormPorts ports, QWidget* pare
       firstWeek_(FirstWeekOf(QLocale())),
       names_(NamesOf(QLocale())),
       round_(session, *this),
-      today_(session.ports.clock.Today()) {
+      today_(session.ports.clock.Today()),
+      stepsBefore_(session.undo.lastNumber) {
     setObjectName("frmCalendar");
     setWindowTitle("CALENDAR");
     state_.calView = static_cast<PeriodKind>(
@@ -449,7 +451,24 @@ std::optional<Day> frmCalendar::FirstOccurrence(const RedoRule& rule) const {
     return least == days.end() ? std::nullopt : std::optional(*least);
 }
 
-void frmCalendar::ShowTaken(const std::vector<std::int32_t>& keys, const QString& words) {
+std::optional<std::uint8_t> frmCalendar::StepSection(store::UndoWay way) const {
+    const auto* days = store::NextStep(session_, store::Section::Calendar, way);
+    const auto* task = store::NextStep(session_, store::Section::Todo, way);
+    // What was done in the section of tasks is taken back there.
+    const bool ofTasks = task && task->number > stepsBefore_ && (!days || task->number > days->number);
+    return ofTasks ? store::Section::Todo : store::Section::Calendar;
+}
+
+void frmCalendar::ShowTaken(std::uint8_t section, const std::vector<std::int32_t>& keys,
+                            const QString& words) {
+    if (section == store::Section::Todo) {
+        ReadPane();
+        TellStatus();
+        strip_->Say(words);
+        if (!keys.empty()) pane_->Select(keys.front());
+        if (pane_->isVisible()) pane_->setFocus(Qt::OtherFocusReason);
+        return;
+    }
     calendarChanged();
     if (!keys.empty() && std::ranges::none_of(keys, [this](std::int32_t key) { return Choose(key); }))
         SelectRecord(keys.front());

@@ -50,7 +50,9 @@ class frmCalendar final : public SectionForm {
     void Refresh() override;
     void SetSearch(const QString& text) override;
     void SelectRecord(std::int32_t fPK) override;
-    void ShowTaken(const std::vector<std::int32_t>& keys, const QString& words) override;
+    std::optional<std::uint8_t> StepSection(store::UndoWay way) const override;
+    void ShowTaken(std::uint8_t section, const std::vector<std::int32_t>& keys,
+                   const QString& words) override;
     bool Editing() const override { return round_.Open(); }
     std::vector<custody::Draft> Drafts() const override { return round_.Drafts(); }
     void OpenDraft(const custody::Draft& draft) override;
@@ -149,7 +151,6 @@ class frmCalendar final : public SectionForm {
 
     void ReadPane();
     void TickTask(std::int32_t fPK);
-    void UndoTask();
     void OpenTask(std::int32_t fPK);
 
     store::Session& session_;
@@ -160,6 +161,7 @@ class frmCalendar final : public SectionForm {
     CalendarState state_;
     kit::EditRound round_;
     Day today_;
+    std::uint64_t stepsBefore_;  ///< number of the last step before the form was opened
     QString search_;
     store::Needle needle_{""};
     std::vector<Entry> entries_;      ///< of the period
@@ -194,7 +196,6 @@ class frmCalendar final : public SectionForm {
     QWidget* side_;
     kit::Strip* found_;  ///< what a search leaves out
     kit::StepStrip* strip_;
-    kit::StepStrip* taskStrip_;
     QTimer* AlarmTimer;  ///< nothing is attached to it
     QTimer* minute_;
     QTimer* paneDelay_;   ///< the tasks come after the days

@@ -186,8 +186,6 @@ void frmCalendar::BuildViews() {
     connect(pane_, &CalendarPane::Ticked, this, &frmCalendar::TickTask);
     strip_ = new kit::StepStrip(session_, store::Section::Calendar, this);
     connect(strip_, &kit::StepStrip::UndoWanted, this, &SectionForm::UndoWanted);
-    taskStrip_ = new kit::StepStrip(session_, store::Section::Todo, this);
-    connect(taskStrip_, &kit::StepStrip::UndoWanted, this, &frmCalendar::UndoTask);
     found_ = new kit::Strip;
     connect(found_, &kit::Strip::Acted, this, &frmCalendar::EndSearch);
 }
@@ -243,7 +241,6 @@ void frmCalendar::Lay() {
     below->setContentsMargins(0, 0, 0, 0);
     below->setSpacing(0);
     below->addWidget(pane_, 1);
-    below->addWidget(taskStrip_->Line());
     // In the month the tasks go, and the dates stay where they are.
     below->addStretch(0);
     auto* sideParts = new QSplitter(Qt::Vertical);

@@ -14,7 +14,7 @@
 #include "kit/failure.h"
 #include "kit/stepstrip.h"
 #include "kit/words.h"
-#include "store/undo.h"
+#include "store/undostep.h"
 #include "tasks/task.h"
 
 // What the hands do to appointments and tasks in the calendar.
@@ -274,24 +274,25 @@ void frmCalendar::OpenDraft(const custody::Draft& draft) {
 void frmCalendar::OpenTask(std::int32_t fPK) {
     if (!ports_.editTask || round_.Open()) return;
     ports_.editTask(session_, round_, fPK, this);
+    if (!session_.DatabaseOpen || session_.ending) return;
     ReadPane();
+    TellStatus();
 }
 
 void frmCalendar::TickTask(std::int32_t fPK) {
     if (!session_.DatabaseOpen || session_.ending) return;
     const auto before = session_.undo.lastNumber;
-    const tasks::TickOutcome outcome = tasks::SetCompleted(session_, fPK, true);
-    kit::TellFailure(session_, outcome.error, tr("The task was not stored."));
+    int error = 0;
+    {
+        store::UndoStep step(session_, store::Section::Todo, {"completion", "completed"});
+        error = tasks::SetCompleted(session_, fPK, true).error;
+        if (error == 0) step.Keep();
+    }
+    kit::TellFailure(session_, error, tr("The task was not stored."));
+    if (session_.ending || !session_.DatabaseOpen) return;
     ReadPane();
-    if (session_.undo.lastNumber != before) taskStrip_->TellStep();
-}
-
-void frmCalendar::UndoTask() {
-    if (!store::MayTake(session_, store::Section::Todo, store::UndoWay::Undo)) return;
-    const auto outcome = store::TakeStep(session_, store::Section::Todo, store::UndoWay::Undo);
-    kit::TellFailure(session_, outcome.error, tr("Nothing was taken back."));
-    ReadPane();
-    taskStrip_->WithdrawStep();
+    if (session_.undo.lastNumber != before) strip_->TellStep(store::Section::Todo);
+    TellStatus();
 }
 
 }  // namespace bmr::calendar

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "custody/drafts.h"
@@ -19,8 +20,9 @@ class EditRound;
 class ListPane;
 }  // namespace kit
 namespace store {
+enum class UndoWay : std::uint8_t;
 struct Session;
-}
+}  // namespace store
 
 /// What the main window asks of a section's screen. A section form is made when its section is opened and
 /// deleted when it is closed; its destructor stores what the section keeps (the last category) in the
@@ -53,9 +55,13 @@ class SectionForm : public QWidget {
     /// The section's list; none where it has another face.
     virtual kit::ListPane* Pane() const { return nullptr; }
 
-    /// A step of the section was taken back, or done again: shows what stands now, chooses one of the rows of
-    /// those keys and says the words. For forms without a list; with one the main window does it.
-    virtual void ShowTaken(const std::vector<std::int32_t>&, const QString&) {}
+    /// The section whose step is the one to take back, or to do again, now; none: the form's own. Where a
+    /// form changes records of another section too, the last change that was made in it is meant.
+    virtual std::optional<std::uint8_t> StepSection(store::UndoWay) const { return std::nullopt; }
+
+    /// A step of that section was taken back, or done again: shows what stands now, chooses one of the rows
+    /// of those keys and says the words. For forms without a list; with one the main window does it.
+    virtual void ShowTaken(std::uint8_t /*section*/, const std::vector<std::int32_t>&, const QString&) {}
 
     /// True while a record of the section is open in an editor.
     virtual bool Editing() const { return false; }

@@ -23,7 +23,9 @@ class StepStrip final : public QObject {
     /// What is to be laid out.
     Strip* Line() const { return strip_; }
     /// Says that the section's last step was done and can be taken back.
-    void TellStep();
+    void TellStep() { TellStep(section_); }
+    /// The same of another section, whose records the screen changes too.
+    void TellStep(std::uint8_t section);
     /// Takes the offer back once another step is the last.
     void WithdrawStep();
     void Say(const QString& text);
@@ -37,7 +39,9 @@ class StepStrip final : public QObject {
     std::uint8_t section_;
     Strip* strip_;
     QTimer* time_;
+    std::uint8_t toldSection_ = 0;
     std::uint64_t toldStep_ = 0;  ///< number of the step that the strip offers to take back
+    std::uint64_t toldLast_ = 0;  ///< that of the last one in any section then
 };
 
 }  // namespace bmr::kit

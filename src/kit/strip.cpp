@@ -1,5 +1,6 @@
 #include "kit/strip.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -33,8 +34,15 @@ Strip::Strip(QWidget* parent)
     row->addWidget(text_, 1);
     row->addWidget(action_);
     row->addWidget(close);
-    connect(close, &QToolButton::clicked, this, &Strip::Clear);
+    action_->setAutoDefault(true);  // Return presses it as Space does
+    connect(close, &QToolButton::clicked, this, [this] {
+        Clear();
+        emit Closed();
+    });
     connect(action_, &QAbstractButton::clicked, this, &Strip::Acted);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, const QWidget* now) {
+        if (now && isAncestorOf(now) && before && !isAncestorOf(before)) from_ = before;
+    });
     hide();
 }
 
@@ -56,7 +64,14 @@ void Strip::Say(const QString& text, Kind kind, const QString& action) {
 
 void Strip::Clear() {
     text_->clear();
+    // Hidden with it, the focus would go wherever the next widget happens to be.
+    if (isAncestorOf(QApplication::focusWidget()) && from_ && from_->isVisible() && from_->isEnabled())
+        from_->setFocus(Qt::OtherFocusReason);
     hide();
+}
+
+bool Strip::InHand() const {
+    return isVisible() && (underMouse() || isAncestorOf(QApplication::focusWidget()));
 }
 
 void Strip::changeEvent(QEvent* event) {

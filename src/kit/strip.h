@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
 #include <cstdint>
 
-class QAbstractButton;
 class QHBoxLayout;
 class QLabel;
+class QPushButton;
 
 namespace bmr::kit {
 
@@ -22,10 +23,15 @@ class Strip final : public QFrame {
     void Say(const QString& text, Kind kind = Kind::Note);
     /// With one thing to do about it; pressing it emits `Acted`.
     void Say(const QString& text, Kind kind, const QString& action);
+    /// The focus, if it is in the line, goes back to where it came from.
     void Clear();
+    /// True while the mouse or the focus is in it.
+    bool InHand() const;
 
   signals:
     void Acted();
+    /// The cross was pressed, and the line is gone.
+    void Closed();
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -36,7 +42,8 @@ class Strip final : public QFrame {
     Kind kind_ = Kind::Note;
     QLabel* icon_;
     QLabel* text_;
-    QAbstractButton* action_;
+    QPushButton* action_;
+    QPointer<QWidget> from_;  ///< had the focus before it came into the line
 };
 
 }  // namespace bmr::kit

@@ -136,6 +136,53 @@ TEST_F(WindowSteps, AFormWithoutAListShowsWhatWasTakenBack) {
     EXPECT_TRUE(Entry("mnuAppoOpen").isEnabled()) << "it is chosen";
 }
 
+TEST_F(WindowSteps, TheTasksBesideTheDaysAreTakenBackWhereTheyWereTheLast) {
+    GoTo(Section::Calendar);
+    calendar::Appointment walk =
+        calendar::ClearRecord({calendar::MidnightOf(sitting.clock.Today()).count + 600}, 60);
+    ASSERT_EQ(calendar::WriteRecord(sitting.session, walk).error, 0);
+    frame->Form()->Refresh();
+    const auto& status = Named<QLabel>(*frame, "status");
+    OpenEditMenu();
+    EXPECT_EQ(Entry("mnuEditUndo").text(), "&Undo new appointment") << "tasks were added, but not here";
+    const auto said = [&] {
+        QString text;
+        for (const auto* line : frame->Form()->findChildren<QLabel*>("stripText"))
+            if (line->isVisible()) text += line->text();
+        return text;
+    };
+    const auto tick = [&] {
+        list->PutCursor(0);
+        list->setFocus();
+        Press(Qt::Key_Space);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(list->model()->rowCount(), 3);
+        EXPECT_EQ(QApplication::focusWidget(), list);
+    };
+    tick();
+    EXPECT_EQ(said(), "Task completed.");
+    EXPECT_TRUE(Entry("undoTool").toolTip().startsWith("Undo completion of the task"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(list->model()->rowCount(), 4);
+    EXPECT_EQ(status.text(), "1 appointment");
+    EXPECT_EQ(QApplication::focusWidget(), list);
+    EXPECT_EQ(said(), "Undone: completion of the task.");
+    OpenEditMenu();
+    EXPECT_EQ(Entry("mnuEditRedo").text(), "&Redo completion of the task");
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(list->model()->rowCount(), 3);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(status.text(), "0 appointments") << "then what was done before";
+    tick();
+    // Return presses the button of the line, and the focus goes back.
+    for (auto* button : frame->Form()->findChildren<QPushButton*>("stripAction"))
+        if (button->isVisible()) button->setFocus();
+    Press(Qt::Key_Return);
+    EXPECT_EQ(list->model()->rowCount(), 4);
+    EXPECT_EQ(QApplication::focusWidget(), list);
+}
+
 TEST_F(WindowSteps, ADeleteOfSeveralIsAskedOnceAndTakenBackByLineMenuAndKey) {
     Select({"ask", "call"});
     sitting.prompter.Expect(29, Answer::Cancel).Expect(29, Answer::Ok);

@@ -48,10 +48,11 @@ struct FormCalendar : testing::Test {
     }
     /// As the main window does it.
     void TakeBack() {
-        ASSERT_TRUE(store::MayTake(db.session, store::Section::Calendar, store::UndoWay::Undo));
-        const auto outcome = store::TakeStep(db.session, store::Section::Calendar, store::UndoWay::Undo);
+        const std::uint8_t section = form->StepSection(store::UndoWay::Undo).value();
+        ASSERT_TRUE(store::MayTake(db.session, section, store::UndoWay::Undo));
+        const auto outcome = store::TakeStep(db.session, section, store::UndoWay::Undo);
         EXPECT_EQ(outcome.error, 0);
-        form->ShowTaken(outcome.keys, "Undone.");
+        form->ShowTaken(section, outcome.keys, "Undone.");
     }
     static Minutes At(int day, int minute) { return {MidnightOf({kSaturday.serial + day}).count + minute}; }
     std::int32_t Add(const char* subject, int day, int from, int to,

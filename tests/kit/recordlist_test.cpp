@@ -1,9 +1,11 @@
 #include <QDialog>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QMenu>
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <numeric>
 #include <set>
@@ -439,6 +441,29 @@ TEST(StripTest, ComesGoesAndActs) {
     test::Click(strip, "stripClose");
     EXPECT_FALSE(strip.isVisible());
     EXPECT_EQ(acted.size(), 1);
+}
+
+TEST(StripTest, StaysInTheHandAndGivesTheFocusBack) {
+    QWidget window;
+    auto* column = new QVBoxLayout(&window);
+    auto* before = new QLineEdit;
+    auto* other = new QLineEdit;
+    auto* strip = new Strip;
+    for (QWidget* each :
+         {static_cast<QWidget*>(strip), static_cast<QWidget*>(before), static_cast<QWidget*>(other)})
+        column->addWidget(each);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    strip->Say("Task deleted.", Strip::Kind::Note, "Undo");
+    other->setFocus();
+    EXPECT_FALSE(strip->InHand());
+    test::Named(*strip, "stripAction").setFocus();
+    EXPECT_TRUE(strip->InHand());
+    QSignalSpy acted(strip, &Strip::Acted);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(acted.size(), 1);
+    strip->Clear();
+    EXPECT_EQ(QApplication::focusWidget(), other);
 }
 
 }  // namespace

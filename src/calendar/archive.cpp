@@ -9,6 +9,7 @@
 #include "custody/keycopy.h"
 #include "custody/openfailure.h"
 #include "engine/enginenumber.h"
+#include "store/privatefilter.h"
 #include "store/undo.h"
 #include "store/undorow.h"
 #include "store/undostep.h"
@@ -203,6 +204,27 @@ Result<Going> CountGoing(engine::Database& db, Day until) {
     return Going{*series, *singles};
 }
 
+std::string CountOf(std::int64_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+/// " These are 12 single appointments and 3 series; 2 of them are private and hidden now." Nothing where they
+/// cannot be counted: whatever fails then fails at the work too, and is told there.
+std::string TellGoing(Session& session, Day until) {
+    const auto going = CountGoing(*session.ProgramDb, until);
+    if (!going) return {};
+    std::string text = " These are " + CountOf(going->singles, "single appointment", "single appointments") +
+                       " and " + CountOf(going->series, "series", "series");
+    if (!session.ShowPrivate) {
+        const auto hidden = store::PrivateRecords(session, store::Section::Calendar, BothClauses(until));
+        if (!hidden) return {};
+        if (!hidden->empty())
+            text += "; " + std::to_string(hidden->size()) + " of them " +
+                    (hidden->size() == 1 ? "is" : "are") + " private and hidden now";
+    }
+    return text + ".";
+}
+
 }  // namespace
 
 Result<std::vector<RunningSeries>> SeriesStillRunning(Session& session, Day until) {
@@ -234,6 +256,7 @@ bool ConfirmArchive(Session& session, Day until, bool keep, const LocaleFacts& l
     // The catalogue ends the sentence in one of its two places only.
     if (!box.text.ends_with('.')) box.text += ".";
     if (keep) box.text += " " + Msg(162);
+    box.text += TellGoing(session, until);
     box.buttons = Buttons::OkCancel;
     box.standard = Answer::Cancel;
     if (session.ports.prompter.Ask(box) != Answer::Ok) return false;

@@ -27,7 +27,8 @@ struct RunningSeries {
 /// private records are hidden.
 Result<std::vector<RunningSeries>> SeriesStillRunning(store::Session& session, Day until);
 
-/// The questions, with Msg 152, 153, 162 and 163; whoever keeps no archive is asked twice. True: go on.
+/// The questions, with Msg 152, 153, 162 and 163, and how many would go; whoever keeps no archive is asked
+/// twice. True: go on.
 bool ConfirmArchive(store::Session& session, Day until, bool keep, const LocaleFacts& locale);
 
 struct ArchiveOutcome {

@@ -167,6 +167,7 @@ class frmCalendar final : public SectionForm {
     std::vector<Entry> entries_;      ///< of the period
     std::vector<std::size_t> shown_;  ///< those that the views have, by their places there
     std::optional<Occurrence> chosen_;
+    std::optional<Day> archiveDate_;  ///< up to which an archive was begun and given up
     bool shownOnce_ = false;
 
     QMenu* menu_;

@@ -40,11 +40,13 @@ std::optional<std::filesystem::path> frmCalendar::AskArchive() {
 
 void frmCalendar::mnuArchive_Click() {
     if (round_.Open() || !session_.DatabaseOpen) return;
-    frmEnterDate form(Date(), today_, this);
+    // What was typed before a question that then was answered with no comes again.
+    frmEnterDate form(archiveDate_.value_or(Date()), today_, this);
     form.exec();
     const auto closed = [this] { return session_.ending || !session_.DatabaseOpen; };
     if (closed() || !form.Date()) return;
     const Day until = *form.Date();
+    archiveDate_ = until;
     const bool keep = form.Archive();
     if (!ConfirmRunning(until) || closed()) return;
     if (!ConfirmArchive(session_, until, keep, locale_) || closed()) return;
@@ -63,6 +65,7 @@ void frmCalendar::mnuArchive_Click() {
     }
     calendarChanged();
     if (outcome.error != 0) return;
+    archiveDate_.reset();
     if (outcome.series + outcome.singles == 0) return strip_->Say(tr("There are no appointments that old."));
     if (!keep) return TellStepSince(before);
     strip_->Say(tr("%1 and %2 moved to the archive.")

@@ -47,9 +47,20 @@ frmRunning::frmRunning(const std::vector<RunningSeries>& series, Day until, cons
     }
     list_->header()->setStretchLastSection(false);
     list_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    for (const int column : {1, 2})
-        list_->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
-    list_->setMinimumSize(fontMetrics().averageCharWidth() * 60, fontMetrics().lineSpacing() * 8);
+    // The rows tell no widths.
+    for (const int column : {1, 2}) {
+        int width = list_->header()->sectionSizeHint(column);
+        for (int row = 0; row < list_->topLevelItemCount(); ++row)
+            width =
+                qMax(width, list_->fontMetrics().horizontalAdvance(list_->topLevelItem(row)->text(column)) +
+                                2 * kit::Space::Row);
+        list_->header()->setSectionResizeMode(column, QHeaderView::Fixed);
+        list_->header()->resizeSection(column, width);
+    }
+    constexpr int kRows = 10;
+    list_->setMinimumSize(
+        fontMetrics().averageCharWidth() * 60,
+        list_->header()->sizeHint().height() + kRows * list_->sizeHintForRow(0) + 2 * list_->frameWidth());
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QPushButton* cmdOK = buttons->button(QDialogButtonBox::Ok);
     cmdOK->setObjectName("cmdOK");

@@ -122,12 +122,17 @@ TEST(Archive, AsksOnceWhereItKeepsAndTwiceWhereItDoesNot) {
     LocaleFacts locale;
     old.prompter.Expect(152).Expect(152).Expect(163, Answer::No).Expect(152, Answer::Cancel);
     EXPECT_TRUE(ConfirmArchive(old.session, kUntil, true, locale));
+    old.session.ShowPrivate = false;
     EXPECT_FALSE(ConfirmArchive(old.session, kUntil, false, locale));
     EXPECT_FALSE(ConfirmArchive(old.session, kUntil, false, locale));
     const auto& shown = old.prompter.shown;
-    EXPECT_EQ(shown[shown.size() - 4].text,
-              "All appointments until 2026-12-31 will be deleted from the main database (.BMR file). The "
-              "deleted events will be archived in the archive file (.BMA file).");
+    EXPECT_EQ(
+        shown[shown.size() - 4].text,
+        "All appointments until 2026-12-31 will be deleted from the main database (.BMR file). The "
+        "deleted events will be archived in the archive file (.BMA file). These are 2 single appointments "
+        "and 4 series.");
+    EXPECT_THAT(shown[shown.size() - 3].text,
+                HasSubstr("and 4 series; 1 of them is private and hidden now."));
     EXPECT_EQ(shown[shown.size() - 2].text, "Confirm deletion of all events before and including 2026-12-31");
 }
 

@@ -2,6 +2,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QStackedWidget>
+#include <QTreeWidget>
 #include <filesystem>
 
 #include "calendar/frmAppointment.h"
@@ -234,13 +235,27 @@ TEST_F(FormCalendar, OldOnesGoToAnArchiveOrForGood) {
     visitor.Meet("frmEnterDate", [](QWidget& dialog) { Click(dialog, "cmdCancel"); });
     Trigger("mnuArchive");
     // A series that still runs is named first, and Return goes no further.
-    visitor.Meet("frmEnterDate", [](QWidget& dialog) { Click(dialog, "cmdOK"); });
+    visitor.Meet("frmEnterDate", [](QWidget& dialog) {
+        auto& date = Named<QLineEdit>(dialog, "line");
+        date.selectAll();
+        test::TypeText(date, "2026-11-22");
+        Click(dialog, "cmdOK");
+    });
     visitor.Meet("frmRunning", [](QWidget& box) {
-        EXPECT_EQ(Named<QAbstractItemView>(box, "lstSeries").model()->index(0, 0).data(), "Market");
+        auto& list = Named<QTreeWidget>(box, "lstSeries");
+        EXPECT_EQ(list.model()->index(0, 0).data(), "Market");
+        for (const int column : {1, 2})
+            EXPECT_GT(list.columnWidth(column),
+                      list.fontMetrics().horizontalAdvance(list.model()->index(0, column).data().toString()));
         QTest::keyClick(&box, Qt::Key_Return);
     });
     Trigger("mnuArchive");
     EXPECT_EQ(db.Rows(), rows);
+    visitor.Meet("frmEnterDate", [](QWidget& dialog) {
+        EXPECT_EQ(Named<QLineEdit>(dialog, "line").text(), "22/11/2026") << "what was typed before";
+        Click(dialog, "cmdCancel");
+    });
+    Trigger("mnuArchive");
     const auto until = [&](bool archive) {
         visitor.Meet("frmEnterDate", [archive](QWidget& dialog) {
             auto& date = Named<QLineEdit>(dialog, "line");

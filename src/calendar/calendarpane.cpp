@@ -7,6 +7,7 @@
 #include "kit/emptystate.h"
 #include "kit/failure.h"
 #include "kit/recordlistview.h"
+#include "kit/theme.h"
 #include "store/session.h"
 
 namespace bmr::calendar {
@@ -25,10 +26,12 @@ CalendarPane::CalendarPane(store::Session& session, QWidget* parent)
     TodoList->SetModel(model_);
     TodoList->setSortingEnabled(false);
     TodoList->header()->setSortIndicatorShown(false);
+    TodoList->header()->setMinimumSectionSize(0);
     const QFontMetrics metrics = TodoList->header()->fontMetrics();
     TodoList->SetTextColumn(PaneModel::Column::Task, metrics.averageCharWidth() * 8);
     TodoList->SetColumnWidth(PaneModel::Column::Priority, 0);
-    TodoList->SetColumnWidth(PaneModel::Column::Due, metrics.horizontalAdvance("12/28") + 20);
+    TodoList->SetColumnWidth(PaneModel::Column::Due,
+                             metrics.horizontalAdvance("12/28") + 2 * kit::Space::Row);
     empty_->Set("view-pim-tasks", tr("No open tasks."), {});
     stack_->addWidget(TodoList);
     stack_->addWidget(empty_);

@@ -25,6 +25,16 @@ void DressCalendar(QCalendarWidget& calendar) {
                                                           {"qt_calendar_nextmonth", "go-next"}};
     for (const auto& [button, icon] : arrows)
         if (auto* found = calendar.findChild<QToolButton*>(button)) found->setIcon(Icon(icon, Ink::Accent));
+    // The button leaves no room for its arrow, and the one beside it would move with every month.
+    if (auto* button = calendar.findChild<QToolButton*>("qt_calendar_monthbutton")) {
+        constexpr int kArrow = 12;
+        int widest = 0;
+        for (int month = 1; month <= 12; ++month)
+            widest =
+                qMax(widest,
+                     button->fontMetrics().horizontalAdvance(calendar.locale().standaloneMonthName(month)));
+        button->setMinimumWidth(widest + 2 * kArrow);
+    }
     // The bar on top is drawn in the highlight colour; ours is calm.
     if (auto* bar = calendar.findChild<QWidget*>("qt_calendar_navigationbar")) {
         bar->setBackgroundRole(QPalette::Window);

@@ -123,13 +123,17 @@ void frmCalendar::SetDate(Day date) {
 }
 
 void frmCalendar::calView_Click(int Index) {
-    if (!ChangeView(state_, static_cast<PeriodKind>(Index), Date(), locale_)) return;
+    // What is chosen leads, on a day of the neighbouring month too, where the date does not follow it.
+    const auto kept = Chosen() ? chosen_ : std::nullopt;
+    const Day date = kept ? WithinLimits(DayOf(kept->minutes)) : Date();
+    if (!ChangeView(state_, static_cast<PeriodKind>(Index), date, locale_)) return;
+    SetDate(date);
     const QSignalBlocker quiet(calView);
     calView->setCurrentIndex(Index);
     mnuView_[static_cast<std::size_t>(Index)]->setChecked(true);
     DressTabs();
     ShowPeriod();
-    MarkDate(Date());
+    if (!kept || !Choose(kept->pk, kept->minutes)) MarkDate(date);
     if (!calView->hasFocus()) View()->setFocus(Qt::OtherFocusReason);
 }
 
@@ -155,7 +159,15 @@ void frmCalendar::MarkDate(Day date) {
 }
 
 void frmCalendar::cmdToday_Click() {
-    calDate_DateClick(session_.ports.clock.Today());
+    const Day today = session_.ports.clock.Today();
+    calDate_DateClick(today);
+    if (InMonth()) return;
+    week_->ScrollTo(MinuteOf(session_.settings.DisplayFrom));
+    const auto place = PlaceIn({state_.periodStart, state_.periodEnd}, today);
+    const std::int32_t now = MinuteOf(session_.ports.clock.Now());
+    if (place &&
+        week_->AreaOf({*place, now, now + WeekView::kStep, false}).bottom() > week_->viewport()->height())
+        week_->ScrollTo(now - 60);
 }
 
 void frmCalendar::cmdWeek_Click() {
@@ -170,6 +182,7 @@ void frmCalendar::Step(int way) {
 
 void frmCalendar::ShowPeriod() {
     chosen_.reset();
+    hidden_.reset();
     ShowHeadings();
     ReadEntries();
     ShowEntries();
@@ -303,7 +316,7 @@ bool frmCalendar::Matches(const Entry& entry) const {
 }
 
 void frmCalendar::ShowEntries() {
-    const auto before = chosen_;
+    const auto before = chosen_ ? chosen_ : hidden_;
     shown_.clear();
     std::vector<EntryLook> looks;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
@@ -319,6 +332,7 @@ void frmCalendar::ShowEntries() {
         if (EntryOf(i).pk == before->pk && EntryOf(i).start == before->minutes) ChooseLook(i);
     ShowFound();
     ChosenChanged();
+    hidden_ = search_.isEmpty() || chosen_ ? std::nullopt : before;
 }
 
 void frmCalendar::ShowFound() {
@@ -399,8 +413,8 @@ void frmCalendar::ChosenChanged() {
     const auto chosen = Chosen();
     chosen_.reset();
     if (chosen) chosen_ = Occurrence{EntryOf(*chosen).pk, EntryOf(*chosen).start};
-    for (QAction* action :
-         {mnuAppoOpen, mnuAppoDelete, mnuPrivate_, mnuCalendarRCAppoOpen, mnuCalendarRCAppoDelete})
+    for (QAction* action : {mnuAppoOpen, mnuAppoCopy, mnuAppoDelete, mnuPrivate_, mnuCalendarRCAppoOpen,
+                            mnuCalendarRCAppoDelete})
         action->setEnabled(chosen.has_value());
     mnuPrivate_->setChecked(chosen && EntryOf(*chosen).isPrivate);
     TellStatus();

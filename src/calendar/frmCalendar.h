@@ -31,6 +31,7 @@ class Strip;
 namespace bmr::calendar {
 
 class CalendarPane;
+struct Opening;
 class MonthView;
 class WeekView;
 struct DaySpan;
@@ -66,6 +67,8 @@ class frmCalendar final : public SectionForm {
     void cmdWeek_Click();
     void mnuNewAppointment_Click();
     void mnuCalendarRCAppoOpen_Click();
+    /// The editor, with a new single appointment like the chosen one.
+    void mnuAppoCopy_Click();
     void mnuCalendarRCAppoDelete_Click();
     void mnuArchive_Click();
     /// Reads the period anew: something in it has changed.
@@ -134,6 +137,8 @@ class frmCalendar final : public SectionForm {
     void Drop(std::size_t look, const TimeSpan& to, DropKind kind);
     void DropInWeek(std::size_t look, const DaySpan& span, DropKind kind);
     void DropInMonth(std::size_t look, int cell, DropKind kind);
+    /// Nothing, and told, where it is gone or does not decode.
+    std::optional<Appointment> ReadWhole(std::int32_t fPK);
     /// How far a change reaches: asked for a series, `All` for a single appointment. Nothing: given up. `to`:
     /// where a drag would put it.
     std::optional<Reach> AskReach(const Entry& entry, SeriesVerb verb,
@@ -143,6 +148,8 @@ class frmCalendar final : public SectionForm {
     /// Offers to take back what was done since the step of that number.
     void TellStepSince(std::uint64_t before);
     void EditNew(const TimeSpan& span, const QString& letters, const custody::Draft* draft);
+    /// Leaves the record wiped.
+    void EditNew(Appointment& record, const Opening& opening, const custody::Draft* draft);
     void EditStored(std::int32_t fPK, Minutes occurrence, Reach reach, const custody::Draft* draft);
     /// Goes to what the editor has stored.
     void ShowStored(std::int32_t fPK, Minutes at);
@@ -167,13 +174,15 @@ class frmCalendar final : public SectionForm {
     std::vector<Entry> entries_;      ///< of the period
     std::vector<std::size_t> shown_;  ///< those that the views have, by their places there
     std::optional<Occurrence> chosen_;
-    std::optional<Day> archiveDate_;  ///< up to which an archive was begun and given up
+    std::optional<Occurrence> hidden_;  ///< was chosen until the search left it out
+    std::optional<Day> archiveDate_;    ///< up to which an archive was begun and given up
     bool shownOnce_ = false;
 
     QMenu* menu_;
     QMenu* mnuCalendarRC;
     QAction* mnuNewAppointment;
     QAction* mnuAppoOpen;
+    QAction* mnuAppoCopy;
     QAction* mnuAppoDelete;
     QAction* mnuCalendarRCAppoOpen;
     QAction* mnuCalendarRCAppoDelete;

@@ -1,5 +1,6 @@
 #include <QActionGroup>
 #include <QCalendarWidget>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSplitter>
@@ -33,6 +34,10 @@ void frmCalendar::BuildActions() {
     mnuAppoOpen = MakeAction(
         *this, {"mnuAppoOpen", tr("&Edit…"), "document-edit", tr("Edit"), QKeySequence(Qt::CTRL | Qt::Key_E)},
         &frmCalendar::mnuCalendarRCAppoOpen_Click);
+    mnuAppoCopy = MakeAction(*this,
+                             {"mnuAppoCopy", tr("Make a &Copy…"), "edit-copy", tr("Copy"),
+                              QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
+                             &frmCalendar::mnuAppoCopy_Click);
     mnuAppoDelete = MakeAction(
         *this,
         {"mnuAppoDelete", tr("De&lete"), "edit-delete", tr("Delete"), QKeySequence(Qt::CTRL | Qt::Key_D)},
@@ -85,7 +90,7 @@ void frmCalendar::BuildViewActions() {
 void frmCalendar::BuildMenus() {
     menu_ = new QMenu(tr("&Appointment"), this);
     menu_->setObjectName("mnuAppointment");
-    menu_->addActions({mnuNewAppointment, mnuAppoOpen, mnuAppoDelete, mnuPrivate_});
+    menu_->addActions({mnuNewAppointment, mnuAppoOpen, mnuAppoCopy, mnuAppoDelete, mnuPrivate_});
     menu_->addSeparator();
     menu_->addActions({mnuGotoToday, mnuPrevious, mnuNext});
     menu_->addSeparator();
@@ -102,6 +107,7 @@ void frmCalendar::BuildMenus() {
         return action;
     };
     mnuCalendarRCAppoOpen = add("mnuCalendarRCAppoOpen", "&Open", "document-edit", mnuAppoOpen);
+    mnuCalendarRC->addAction(mnuAppoCopy);
     mnuCalendarRCAppoDelete = add("mnuCalendarRCAppoDelete", "&Delete", "edit-delete", mnuAppoDelete);
     mnuCalendarRC->addAction(mnuPrivate_);
     mnuCalendarRC->addSeparator();
@@ -188,6 +194,7 @@ void frmCalendar::BuildViews() {
     connect(strip_, &kit::StepStrip::UndoWanted, this, &SectionForm::UndoWanted);
     found_ = new kit::Strip;
     connect(found_, &kit::Strip::Acted, this, &frmCalendar::EndSearch);
+    connect(found_, &kit::Strip::Closed, this, &frmCalendar::EndSearch);
 }
 
 QWidget* frmCalendar::MakeHead() {
@@ -257,7 +264,13 @@ void frmCalendar::Lay() {
     auto* splitter = new QSplitter;
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(side_);
-    splitter->addWidget(views_);
+    // Over the days: nothing moves under the hand when the line comes and goes.
+    auto* days = new QWidget;
+    auto* over = new QGridLayout(days);
+    over->setContentsMargins(0, 0, 0, 0);
+    over->addWidget(views_, 0, 0);
+    over->addWidget(strip_->Line(), 0, 0, Qt::AlignBottom);
+    splitter->addWidget(days);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({220, 1000});
     kit::RememberSplitter(*splitter, session_.ports.registry, "calendar");
@@ -278,7 +291,6 @@ void frmCalendar::Lay() {
     column->addWidget(MakeHead());
     column->addWidget(found_);
     column->addWidget(splitter, 1);
-    column->addWidget(strip_->Line());
 }
 
 }  // namespace bmr::calendar

@@ -102,11 +102,30 @@ void frmCalendar::NewAppointment(const QString& letters) {
 }
 
 void frmCalendar::EditNew(const TimeSpan& span, const QString& letters, const custody::Draft* draft) {
-    if (round_.Open() || !session_.DatabaseOpen) return;
     Appointment record = ClearRecord(span.start, span.Length());
     record.end = span.end;
     record.allDay = span.allDay ? 1 : 0;
-    frmAppointment editor(session_, record, {span, letters}, this);
+    EditNew(record, {span, letters}, draft);
+}
+
+void frmCalendar::mnuAppoCopy_Click() {
+    const auto chosen = Chosen();
+    if (!chosen || round_.Open()) return;
+    auto record = ReadWhole(EntryOf(*chosen).pk);
+    if (!record) return;
+    const std::int64_t shift = std::int64_t{EntryOf(*chosen).start.count} - record->start.count;
+    for (Minutes* each : {&record->start, &record->end, &record->alarmTime})
+        *each = Plus(*each, shift);
+    record->key = store::kNewRecord;
+    record->redoString = WipedText();
+    const TimeSpan span =
+        LoadedSpan(record->start, record->end, record->allDay != 0, session_.settings.AppDuration);
+    EditNew(*record, {span}, nullptr);
+}
+
+void frmCalendar::EditNew(Appointment& record, const Opening& opening, const custody::Draft* draft) {
+    if (round_.Open() || !session_.DatabaseOpen) return WipeRecord(record);
+    frmAppointment editor(session_, record, opening, this);
     const EditEnd end = round_.EditUntilStored(editor, draft, tr("The appointment was not stored."), [&] {
         const std::int32_t key = record.key;
         record = editor.Taken();
@@ -125,6 +144,7 @@ void frmCalendar::EditStored(std::int32_t fPK, Minutes occurrence, Reach reach, 
         kit::TellFailure(session_, error, tr("The appointment could not be read."));
         return calendarChanged();
     }
+    const auto before = session_.undo.lastNumber;
     Opening opening;
     if (reach != Reach::All && record->key == store::kNewRecord) opening.part = {fPK, occurrence, reach};
     frmAppointment editor(session_, *record, opening, this);
@@ -133,7 +153,10 @@ void frmCalendar::EditStored(std::int32_t fPK, Minutes occurrence, Reach reach, 
         return StoreOccurrence(session_, *record, fPK, occurrence, reach, locale_, editor.ExcludeAgain())
             .error;
     });
-    if (end == EditEnd::Stored) ShowStored(record->key, reach == Reach::All ? occurrence : record->start);
+    if (end == EditEnd::Stored) {
+        if (reach != Reach::All) TellStepSince(before);
+        ShowStored(record->key, reach == Reach::All ? occurrence : record->start);
+    }
     WipeRecord(*record);
 }
 
@@ -147,6 +170,11 @@ void frmCalendar::ShowStored(std::int32_t fPK, Minutes at) {
         return;
     }
     SelectRecord(fPK);
+    const Day day = DayOf(at);
+    const bool weekend = Weekday(day) == 1 || Weekday(day) == 7;
+    if (Kind() != PeriodKind::WorkWeek || !weekend || Chosen()) return;
+    strip_->Say(tr("Stored on %1, which the workdays do not show.")
+                    .arg(QString::fromStdString(PeriodHeading({day, day}, PeriodKind::Day, names_))));
 }
 
 void frmCalendar::OpenEntry(std::size_t look) {
@@ -156,18 +184,22 @@ void frmCalendar::OpenEntry(std::size_t look) {
     if (const auto reach = AskReach(EntryOf(look), SeriesVerb::Edit)) EditStored(fPK, at, *reach, nullptr);
 }
 
+std::optional<Appointment> frmCalendar::ReadWhole(std::int32_t fPK) {
+    int error = 0;
+    auto record = FetchRecord(session_, fPK, &error);
+    if (record && record->readable) return record;
+    const int number = error != 0 ? error
+                       : record   ? MessageNumber::UpdateImpossible
+                                  : MessageNumber::NoRecord;
+    kit::TellFailure(session_, number, tr("The appointment could not be read."));
+    return std::nullopt;
+}
+
 std::optional<Reach> frmCalendar::AskReach(const Entry& entry, SeriesVerb verb,
                                            const std::optional<TimeSpan>& to) {
     if (!entry.recurring) return Reach::All;
-    int error = 0;
-    auto series = FetchRecord(session_, entry.pk, &error);
-    if (!series || !series->readable) {
-        const int number = error != 0 ? error
-                           : series   ? MessageNumber::UpdateImpossible
-                                      : MessageNumber::NoRecord;
-        kit::TellFailure(session_, number, tr("The appointment could not be read."));
-        return std::nullopt;
-    }
+    auto series = ReadWhole(entry.pk);
+    if (!series) return std::nullopt;
     const ReachOffer offer =
         ReachesFor(*series, entry.start, verb, to ? std::optional(to->start) : std::nullopt, locale_);
     WipeRecord(*series);

@@ -65,6 +65,10 @@ TEST_F(FormCalendar, ADayOfUse) {
         QTest::keyClick(&editor, Qt::Key_Escape);
     });
     Press(Qt::Key_Return);
+
+    week->ScrollTo(1410);
+    Trigger("mnuGotoToday");
+    EXPECT_TRUE(week->viewport()->rect().contains(week->AreaOf({5, 540, 570, false}).center()));
 }
 
 TEST_F(FormCalendar, ASeriesAsksHowFarAChangeReaches) {
@@ -125,6 +129,20 @@ TEST_F(FormCalendar, ASeriesAsksHowFarAChangeReaches) {
     Press(Qt::Key_Return);
     EXPECT_EQ(All(), (Texts{whole[0], "6 480-540 Fair", whole[2], whole[3], whole[4]}));
     ASSERT_TRUE(week->Chosen());
+    PressUndo();
+    EXPECT_EQ(db.Rows(), rows);
+    form->calDate_DateClick({kSaturday.serial + 6});
+    week->Choose(0);
+    // A copy of one day is an appointment of its own.
+    visitor.Meet("frmAppointment", [](QWidget& editor) {
+        EXPECT_EQ(Named<QLineEdit>(editor, "ctlSubject").text(), "Market");
+        Named<QComboBox>(editor, "ctlHH0").setFocus();
+        QTest::keyClick(&Named(editor, "ctlHH0"), Qt::Key_Up);
+        Click(editor, "cmdOK");
+    });
+    Trigger("mnuAppoCopy");
+    EXPECT_EQ(All(), (Texts{whole[0], whole[1], "6 540-600 Market", whole[2], whole[3], whole[4]}));
+    EXPECT_EQ(week->Chosen(), 1U) << "not at the marked row";
     back();
     visitor.Meet("frmReach", [](QWidget& box) {
         EXPECT_EQ(Named<QLabel>(box, "lblQuestion").text(),
@@ -156,6 +174,15 @@ TEST_F(FormCalendar, TheMonthGoesWhereItIsLedTo) {
     EXPECT_EQ(Heading(), "November 2026");
     Trigger("mnuGotoToday");
     EXPECT_EQ(Named<QCalendarWidget>(*form, "calDate").selectedDate(), QDate(2026, 11, 21));
+    // What is chosen leads to its day, where the grid stays as it is.
+    Add("Trip", -23, 540, 600);
+    month->Choose(0);
+    EXPECT_EQ(Heading(), "November 2026");
+    Trigger("mnuViewWeek");
+    EXPECT_EQ(Heading(), "26 October – 1 November 2026");
+    EXPECT_EQ(week->Chosen(), 0U);
+    Trigger("mnuGotoToday");
+    Trigger("mnuViewMonth");
     emit month->DayWanted(29);
     EXPECT_EQ(Heading(), "Tuesday, 24 November 2026");
 
@@ -215,6 +242,16 @@ TEST_F(FormCalendar, HidesPrivateOnesAndWhatASearchDoesNotFind) {
     EXPECT_EQ(status, "2 of 2 appointments, private ones hidden");
     form->SetSearch("BÎRT");
     EXPECT_EQ(status, "1 of 2 appointments, private ones hidden");
+    // The cross ends the search, and what was chosen before it is chosen again.
+    form->SetSearch({});
+    week->Choose(1);
+    form->SetSearch("BÎRT");
+    EXPECT_FALSE(week->Chosen());
+    for (auto* close : form->findChildren<QAbstractButton*>("stripClose"))
+        if (close->isVisible()) close->click();
+    EXPECT_EQ(status, "2 appointments, private ones hidden");
+    EXPECT_EQ(week->Chosen(), 1U);
+    form->SetSearch("BÎRT");
     bool ended = false;
     QObject::connect(form.get(), &SectionForm::SearchEnded, [&] { ended = true; });
     Press(Qt::Key_Escape);
@@ -346,6 +383,24 @@ TEST_F(FormCalendar, AStepOfTheStartStaysInItsDay) {
     Press(Qt::Key_Return);
     EXPECT_EQ(MinuteOfDay(Stored(key).start), 1435);
     EXPECT_EQ(DayOf(Stored(key).start), kSaturday);
+}
+
+TEST_F(FormCalendar, WhatTheWorkdaysDoNotShowIsSaid) {
+    Trigger("mnuViewWorkdays");
+    Visitor visitor;
+    visitor.Meet("frmAppointment", [](QWidget& editor) {
+        test::TypeText(Named(editor, "ctlSubject"), "Walk");
+        auto& date = Named<QLineEdit>(Named(editor, "ctlDate"), "line");
+        date.selectAll();
+        test::TypeText(date, "2027-01-31");
+        Click(editor, "cmdOK");
+    });
+    Trigger("mnuNewAppointment");
+    ASSERT_EQ(db.Count("SELECT fPK FROM tt WHERE fSec=12"), 1);
+    QStringList said;
+    for (const auto* line : form->findChildren<QLabel*>("stripText"))
+        said << line->text();
+    EXPECT_TRUE(said.contains("Stored on Sunday, 31 January 2027, which the workdays do not show."));
 }
 
 TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {

@@ -54,7 +54,6 @@ void CalendarPane::Read() {
     int error = 0;
     TodoList->Rebuild([&] { error = model_->Rebuild(); });
     const bool any = model_->rowCount() > 0;
-    if (!any && TodoList->hasFocus()) TodoList->nextInFocusChain()->setFocus(Qt::OtherFocusReason);
     TodoList->setEnabled(any);
     stack_->setCurrentIndex(any ? 0 : 1);
     TodoList->SelectKey(key);

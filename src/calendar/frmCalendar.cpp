@@ -373,7 +373,11 @@ void frmCalendar::EndSearch() {
 }
 
 void frmCalendar::ReadPane() {
-    if (session_.DatabaseOpen && !session_.ending) pane_->Read();
+    if (!session_.DatabaseOpen || session_.ending) return;
+    const bool inHand = pane_->hasFocus();
+    pane_->Read();
+    // With the last task the list goes.
+    if (inHand && !pane_->hasFocus()) View()->setFocus(Qt::OtherFocusReason);
 }
 
 // ---- What is chosen -------------------------------------------------------------------------------------
@@ -480,8 +484,8 @@ void frmCalendar::ShowTaken(std::uint8_t section, const std::vector<std::int32_t
         TellStatus();
         strip_->Say(words);
         if (!keys.empty()) pane_->Select(keys.front());
-        if (pane_->isVisible()) pane_->setFocus(Qt::OtherFocusReason);
-        return;
+        const bool listed = pane_->isVisible() && pane_->focusProxy()->isEnabled();
+        return (listed ? pane_ : View())->setFocus(Qt::OtherFocusReason);
     }
     calendarChanged();
     if (!keys.empty() && std::ranges::none_of(keys, [this](std::int32_t key) { return Choose(key); }))

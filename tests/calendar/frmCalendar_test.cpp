@@ -221,7 +221,9 @@ TEST_F(FormCalendar, ShowsOpenTasksBesideTheDays) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(tasks::FetchRecord(db.session, task.key)->completed);
     EXPECT_EQ(list.model()->rowCount(), 0);
+    EXPECT_EQ(QApplication::focusWidget(), week) << "the list has gone with its last task";
     PressUndo();
+    EXPECT_EQ(QApplication::focusWidget(), &list);
     EXPECT_FALSE(tasks::FetchRecord(db.session, task.key)->completed);
     EXPECT_EQ(list.model()->rowCount(), 1);
     EXPECT_FALSE(db.session.CalendarDirty);

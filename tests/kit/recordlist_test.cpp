@@ -2,9 +2,11 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
+#include <QRadioButton>
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <numeric>
@@ -281,6 +283,33 @@ struct Themed {
     QPalette before = QApplication::palette();
     Theme theme;
 };
+
+TEST_F(RecordList, SlidersAndFocusedMarksAreSeenOnEveryGround) {
+    Themed themed;
+    for (const auto choice : {ThemeChoice::Light, ThemeChoice::Dark, ThemeChoice::HighContrast}) {
+        themed.theme.Choose(choice);
+        const QPalette palette = QApplication::palette();
+        QWidget window;
+        QSlider slider(Qt::Horizontal, &window);
+        slider.setGeometry(0, 0, 200, 20);
+        QRadioButton mark(&window);
+        mark.setGeometry(0, 30, 16, 16);
+        mark.setChecked(true);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        window.setFocus();
+        const QImage without = mark.grab().toImage();
+        EXPECT_GT(CountNear(slider.grab().toImage(), palette.color(QPalette::Highlight)), 60) << "the handle";
+        const QColor ground = palette.color(QPalette::Window);
+        const QColor groove = slider.grab().toImage().pixelColor(150, 10);
+        EXPECT_GT(std::abs(groove.lightness() - ground.lightness()), 60)
+            << Theme::NameOf(choice).toStdString();
+        mark.setFocus();
+        EXPECT_GT(CountNear(mark.grab().toImage(), palette.color(QPalette::WindowText)),
+                  CountNear(without, palette.color(QPalette::WindowText)) + 8)
+            << Theme::NameOf(choice).toStdString();
+    }
+}
 
 TEST_F(RecordList, TheSortArrowStandsBehindTheWords) {
     const Themed themed;

@@ -418,7 +418,7 @@ class EntryMaker {
         // A debit in a column of its own is told without a sign, or with one.
         const Money magnitude = *amount < Money{} ? Minus({}, *amount) : *amount;
         if (field == CsvField::Debit) amount = Minus({}, magnitude);
-        if (amount_ && *amount_ != Money{} && *amount != Money{}) return "both a credit and a debit";
+        if (amount_.value_or(Money{}) != Money{} && *amount != Money{}) return "both a credit and a debit";
         if (!amount_ || *amount != Money{}) amount_ = amount;
         return {};
     }

@@ -384,20 +384,20 @@ class EntryMaker {
 
     /// What is wrong with the row; empty when `entry` is filled.
     std::string Make(const CsvRow& row, CsvEntry& entry) {
-        amount_.reset();
-        hasDate_ = false;
+        amount_ = {};
+        hasAmount_ = hasDate_ = false;
         std::string why;
         for (std::size_t i = 0; i < std::min(row.size(), mapping_.columns.size()) && why.empty(); ++i)
             why = Take(mapping_.columns[i], row[i], entry);
         if (!why.empty()) return why;
         if (!hasDate_) return "no date";
-        if (!amount_) return "no amount";
+        if (!hasAmount_) return "no amount";
         Transaction& transaction = entry.transaction;
-        if (*amount_ < Money{}) {
+        if (amount_ < Money{}) {
             transaction.cdbw |= kDebit;
-            *amount_ = Minus({}, *amount_);
+            amount_ = Minus({}, amount_);
         }
-        transaction.amount = *amount_;
+        transaction.amount = amount_;
         transaction.hasNote = !transaction.note.empty();
         return {};
     }
@@ -418,8 +418,9 @@ class EntryMaker {
         // A debit in a column of its own is told without a sign, or with one.
         const Money magnitude = *amount < Money{} ? Minus({}, *amount) : *amount;
         if (field == CsvField::Debit) amount = Minus({}, magnitude);
-        if (amount_.value_or(Money{}) != Money{} && *amount != Money{}) return "both a credit and a debit";
-        if (!amount_ || *amount != Money{}) amount_ = amount;
+        if (amount_ != Money{} && *amount != Money{}) return "both a credit and a debit";
+        if (*amount != Money{}) amount_ = *amount;
+        hasAmount_ = true;
         return {};
     }
     static std::string TakeWords(std::string_view text, WipedText& words, bool lines) {
@@ -461,7 +462,8 @@ class EntryMaker {
     }
 
     const CsvMapping& mapping_;
-    std::optional<Money> amount_;
+    Money amount_{};
+    bool hasAmount_ = false;
     bool hasDate_ = false;
 };
 

@@ -47,20 +47,26 @@ int TintOf(const EntryLook& look) {
                           : kSingleTint;
 }
 
+/// As many letters as fit: where even an ellipsis has hardly room they say more. Told by single letters,
+/// which costs little where many boxes are narrow.
+QString Letters(const QString& text, const QFontMetrics& metrics, int width) {
+    qsizetype letters = 0;
+    for (int taken = 0; letters < text.size(); ++letters) {
+        taken += metrics.horizontalAdvance(text.at(letters));
+        if (taken > width && letters > 0 && !text.at(letters).isLowSurrogate()) break;
+    }
+    return text.left(letters);
+}
+
 /// As many whole words as fit in front of an ellipsis, but for those of the first `kept` characters; a first
 /// word that is too long is cut.
 QString Elided(const QString& text, const QFontMetrics& metrics, int width, qsizetype kept = 0) {
-    if (metrics.horizontalAdvance(text) <= width) return text;
     static const QString more = QStringLiteral("…");
+    if (width < 3 * metrics.horizontalAdvance(more.front())) return Letters(text, metrics, width);
+    if (metrics.horizontalAdvance(text) <= width) return text;
     const QString cut = metrics.elidedText(text, Qt::ElideRight, width);
     const qsizetype whole = std::max<qsizetype>(0, cut.size() - more.size());
-    // Where even the ellipsis has hardly room, letters say more.
-    if (whole == 0) {
-        qsizetype letters = text.size();
-        while (letters > 1 && metrics.horizontalAdvance(text.left(letters)) > width)
-            --letters;
-        return text.left(letters);
-    }
+    if (whole == 0) return Letters(text, metrics, width);
     const bool between = whole < text.size() && text.at(whole).isSpace();
     const qsizetype end = between ? whole : text.lastIndexOf(QChar(u' '), std::max<qsizetype>(0, whole - 1));
     return end > kept ? text.left(end).trimmed() + more : cut;
@@ -75,18 +81,25 @@ void DrawWords(QPainter& painter, const QRect& rect, const QString& text) {
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     layout.beginLayout();
-    for (int y = rect.top();; y += metrics.lineSpacing()) {
+    int whole = 0;  // lines that stand as they are
+    QString rest;
+    int y = 0;
+    for (;; y += metrics.lineSpacing(), ++whole) {
         QTextLine line = layout.createLine();
         if (!line.isValid()) break;
         line.setLineWidth(rect.width());
-        const bool last = y + 2 * metrics.lineSpacing() > rect.bottom() + 1;
-        const QString rest = text.mid(line.textStart(), last ? text.size() : line.textLength()).trimmed();
-        painter.drawText(QRect(rect.left(), y, rect.width(), metrics.lineSpacing()),
-                         Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
-                         last ? Elided(rest, metrics, rect.width()) : rest);
-        if (last) break;
+        line.setPosition(QPointF(0, y + (metrics.lineSpacing() - metrics.height()) / 2));
+        if (y + 2 * metrics.lineSpacing() <= rect.height()) continue;
+        rest = text.mid(line.textStart()).trimmed();
+        break;
     }
     layout.endLayout();
+    for (int i = 0; i < whole; ++i)
+        layout.lineAt(i).draw(&painter, rect.topLeft());
+    if (!rest.isEmpty())
+        painter.drawText(QRect(rect.left(), rect.top() + y, rect.width(), metrics.lineSpacing()),
+                         Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
+                         Elided(rest, metrics, rect.width()));
 }
 
 /// The entries of a list, read where the view has them.

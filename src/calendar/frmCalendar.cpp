@@ -155,7 +155,12 @@ void frmCalendar::MarkDate(Day date) {
     DaySpan span = week_->Marked();
     // A weekend has no column in the work week.
     span.day = std::clamp(place, 0, state_.periodEnd.serial - state_.periodStart.serial);
-    week_->Mark(span);
+    {
+        // The nearest column is where the hands go on; the date stays the weekend's.
+        const QSignalBlocker quiet(week_);
+        week_->Mark(span);
+    }
+    ChosenChanged();
 }
 
 void frmCalendar::cmdToday_Click() {

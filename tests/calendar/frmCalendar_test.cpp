@@ -405,6 +405,22 @@ TEST_F(FormCalendar, WhatTheWorkdaysDoNotShowIsSaid) {
     EXPECT_TRUE(said.contains("Stored on Sunday, 31 January 2027, which the workdays do not show."));
 }
 
+TEST_F(FormCalendar, AWeekendStaysTheDateBesideTheWorkdays) {
+    const auto& dates = Named<QCalendarWidget>(*form, "calDate");
+    form->calView_Click(1);
+    EXPECT_EQ(kit::FromQDate(dates.selectedDate()), kSaturday);
+    form->calDate_DateClick({kSaturday.serial + 8});
+    EXPECT_EQ(Heading(), "23 – 27 November 2026");
+    EXPECT_EQ(kit::FromQDate(dates.selectedDate()), Day{kSaturday.serial + 8});
+    EXPECT_EQ(week->Marked().day, 4) << "the nearest of the days that are shown";
+    form->calView_Click(0);
+    EXPECT_EQ(Heading(), "Sunday, 29 November 2026");
+    // What the hands then mark leads again.
+    form->calView_Click(1);
+    Press(Qt::Key_Left);
+    EXPECT_EQ(kit::FromQDate(dates.selectedDate()), Day{kSaturday.serial + 5});
+}
+
 TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {
     Visitor visitor;
     std::vector<custody::Draft> drafts;

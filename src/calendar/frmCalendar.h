@@ -97,6 +97,8 @@ class frmCalendar final : public SectionForm {
     void SetDate(Day date);
     /// In the view alone.
     void MarkDate(Day date);
+    /// The hours from that of the preferences on, when they are seen for the first time.
+    void ShowFirstHour();
     /// Headings, entries and, later, the tasks.
     void ShowPeriod();
     void ShowHeadings();
@@ -177,6 +179,7 @@ class frmCalendar final : public SectionForm {
     std::optional<Occurrence> hidden_;  ///< was chosen until the search left it out
     std::optional<Day> archiveDate_;    ///< up to which an archive was begun and given up
     bool shownOnce_ = false;
+    bool hoursShown_ = false;
 
     QMenu* menu_;
     QMenu* mnuCalendarRC;

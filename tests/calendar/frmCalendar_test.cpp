@@ -421,6 +421,22 @@ TEST_F(FormCalendar, AWeekendStaysTheDateBesideTheWorkdays) {
     EXPECT_EQ(kit::FromQDate(dates.selectedDate()), Day{kSaturday.serial + 5});
 }
 
+TEST_F(FormCalendar, HoursBeginWhereThePreferencesSayWhicheverViewComesFirst) {
+    for (const auto first : {PeriodKind::Week, PeriodKind::MonthGrid}) {
+        db.session.settings.calView = static_cast<std::uint8_t>(first);
+        db.session.settings.DisplayFrom = {7.0 / 24};
+        form.reset();
+        db.session.calendarView.reset();
+        Open();
+        form->calView_Click(0);
+        QCoreApplication::processEvents();
+        const int above = week->AreaOf({0, 0, 1440, true}).bottom();
+        const int top = week->AreaOf({0, 420, 450, false}).top();
+        EXPECT_GE(top, above);
+        EXPECT_LT(top, above + week->PixelsOfHour() / 2);
+    }
+}
+
 TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {
     Visitor visitor;
     std::vector<custody::Draft> drafts;

@@ -178,6 +178,7 @@ class frmCalendar final : public SectionForm {
     std::optional<Occurrence> chosen_;
     std::optional<Occurrence> hidden_;  ///< was chosen until the search left it out
     std::optional<Day> archiveDate_;    ///< up to which an archive was begun and given up
+    Day archiveFrom_;                   ///< the date that the calendar had then
     bool shownOnce_ = false;
     bool hoursShown_ = false;
 

@@ -295,6 +295,12 @@ TEST_F(FormCalendar, OldOnesGoToAnArchiveOrForGood) {
         Click(dialog, "cmdCancel");
     });
     Trigger("mnuArchive");
+    form->calDate_DateClick({kSaturday.serial + 2});
+    visitor.Meet("frmEnterDate", [](QWidget& dialog) {
+        EXPECT_EQ(Named<QLineEdit>(dialog, "line").text(), "23/11/2026") << "the date one has gone to";
+        Click(dialog, "cmdCancel");
+    });
+    Trigger("mnuArchive");
     const auto until = [&](bool archive) {
         visitor.Meet("frmEnterDate", [archive](QWidget& dialog) {
             auto& date = Named<QLineEdit>(dialog, "line");

@@ -134,6 +134,7 @@ void frmCalendar::calView_Click(int Index) {
     DressTabs();
     ShowPeriod();
     if (!kept || !Choose(kept->pk, kept->minutes)) MarkDate(date);
+    ShowFirstHour();
     if (!calView->hasFocus()) View()->setFocus(Qt::OtherFocusReason);
 }
 
@@ -155,7 +156,19 @@ void frmCalendar::MarkDate(Day date) {
     DaySpan span = week_->Marked();
     // A weekend has no column in the work week.
     span.day = std::clamp(place, 0, state_.periodEnd.serial - state_.periodStart.serial);
-    week_->Mark(span);
+    {
+        // The nearest column is where the hands go on; the date stays the weekend's.
+        const QSignalBlocker quiet(week_);
+        week_->Mark(span);
+    }
+    ChosenChanged();
+}
+
+void frmCalendar::ShowFirstHour() {
+    // Hours that were never shown have no height yet by which they could be scrolled.
+    if (InMonth() || !isVisible() || std::exchange(hoursShown_, true)) return;
+    week_->ScrollTo(MinuteOf(session_.settings.DisplayFrom));
+    if (const auto chosen = Chosen()) week_->Choose(chosen);
 }
 
 void frmCalendar::cmdToday_Click() {
@@ -497,9 +510,8 @@ void frmCalendar::ShowTaken(std::uint8_t section, const std::vector<std::int32_t
 void frmCalendar::showEvent(QShowEvent* event) {
     SectionForm::showEvent(event);
     TellStatus();
-    if (std::exchange(shownOnce_, true)) return;
-    week_->ScrollTo(MinuteOf(session_.settings.DisplayFrom));
-    paneDelay_->start();
+    ShowFirstHour();
+    if (!std::exchange(shownOnce_, true)) paneDelay_->start();
 }
 
 void frmCalendar::keyPressEvent(QKeyEvent* event) {

@@ -97,6 +97,8 @@ class frmCalendar final : public SectionForm {
     void SetDate(Day date);
     /// In the view alone.
     void MarkDate(Day date);
+    /// The hours from that of the preferences on, when they are seen for the first time.
+    void ShowFirstHour();
     /// Headings, entries and, later, the tasks.
     void ShowPeriod();
     void ShowHeadings();
@@ -176,7 +178,9 @@ class frmCalendar final : public SectionForm {
     std::optional<Occurrence> chosen_;
     std::optional<Occurrence> hidden_;  ///< was chosen until the search left it out
     std::optional<Day> archiveDate_;    ///< up to which an archive was begun and given up
+    Day archiveFrom_;                   ///< the date that the calendar had then
     bool shownOnce_ = false;
+    bool hoursShown_ = false;
 
     QMenu* menu_;
     QMenu* mnuCalendarRC;

@@ -40,8 +40,10 @@ std::optional<std::filesystem::path> frmCalendar::AskArchive() {
 
 void frmCalendar::mnuArchive_Click() {
     if (round_.Open() || !session_.DatabaseOpen) return;
-    // What was typed before a question that then was answered with no comes again.
-    frmEnterDate form(archiveDate_.value_or(Date()), today_, this);
+    // What was typed before a question that then was answered with no comes again, until one goes elsewhere.
+    if (archiveFrom_ != Date()) archiveDate_.reset();
+    archiveFrom_ = Date();
+    frmEnterDate form(archiveDate_.value_or(archiveFrom_), today_, this);
     form.exec();
     const auto closed = [this] { return session_.ending || !session_.DatabaseOpen; };
     if (closed() || !form.Date()) return;

@@ -193,7 +193,9 @@ Result<std::vector<Entry>> EntriesInPeriod(Session& session, Period period, cons
     entries.reserve(search.found.size());
     for (const Found& each : search.found) {
         const Candidate& candidate = search.candidates[each.candidate];
-        if (!candidate.shown) continue;
+        // The column by which a row was found may belie its start in a file that others wrote.
+        const Day day = DayOf(each.minutes);
+        if (!candidate.shown || day < period.first || day > period.last) continue;
         const Appointment& record = records[each.candidate];
         entries.push_back({.pk = candidate.pk,
                            .start = each.minutes,

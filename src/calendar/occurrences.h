@@ -39,7 +39,8 @@ struct Entry {
 };
 
 /// The occurrences of `AppointmentsInPeriod` with what a view paints of them, in the same order. Opens one
-/// payload more for each row that has an occurrence. A row that does not decode is left out.
+/// payload more for each row that has an occurrence. A row that does not decode is left out, and so is a
+/// start outside the period.
 Result<std::vector<Entry>> EntriesInPeriod(store::Session& session, Period period, const LocaleFacts& locale);
 
 }  // namespace bmr::calendar

@@ -304,7 +304,10 @@ DaySpan WeekView::SpanOf(std::size_t entry) const {
     const int day = DayOf(look.start).serial - frame_.first.serial;
     if (look.allDay) return WholeDay(day);
     const std::int32_t start = MinuteOfDay(look.start);
-    return {day, start, start + look.end.count - look.start.count, false};
+    // A length that goes through every view there is, and by which one can still reckon.
+    constexpr std::int64_t kEndless = std::int64_t{1} << 30;
+    const std::int64_t length = std::int64_t{look.end.count} - look.start.count;
+    return {day, start, start + static_cast<std::int32_t>(std::clamp(length, -kEndless, kEndless)), false};
 }
 
 bool WeekView::EndsIn(const DayBox& box) const {

@@ -295,6 +295,12 @@ TEST_F(FormCalendar, OldOnesGoToAnArchiveOrForGood) {
         Click(dialog, "cmdCancel");
     });
     Trigger("mnuArchive");
+    form->calDate_DateClick({kSaturday.serial + 2});
+    visitor.Meet("frmEnterDate", [](QWidget& dialog) {
+        EXPECT_EQ(Named<QLineEdit>(dialog, "line").text(), "23/11/2026") << "the date one has gone to";
+        Click(dialog, "cmdCancel");
+    });
+    Trigger("mnuArchive");
     const auto until = [&](bool archive) {
         visitor.Meet("frmEnterDate", [archive](QWidget& dialog) {
             auto& date = Named<QLineEdit>(dialog, "line");
@@ -403,6 +409,38 @@ TEST_F(FormCalendar, WhatTheWorkdaysDoNotShowIsSaid) {
     for (const auto* line : form->findChildren<QLabel*>("stripText"))
         said << line->text();
     EXPECT_TRUE(said.contains("Stored on Sunday, 31 January 2027, which the workdays do not show."));
+}
+
+TEST_F(FormCalendar, AWeekendStaysTheDateBesideTheWorkdays) {
+    const auto& dates = Named<QCalendarWidget>(*form, "calDate");
+    form->calView_Click(1);
+    EXPECT_EQ(kit::FromQDate(dates.selectedDate()), kSaturday);
+    form->calDate_DateClick({kSaturday.serial + 8});
+    EXPECT_EQ(Heading(), "23 – 27 November 2026");
+    EXPECT_EQ(kit::FromQDate(dates.selectedDate()), Day{kSaturday.serial + 8});
+    EXPECT_EQ(week->Marked().day, 4) << "the nearest of the days that are shown";
+    form->calView_Click(0);
+    EXPECT_EQ(Heading(), "Sunday, 29 November 2026");
+    // What the hands then mark leads again.
+    form->calView_Click(1);
+    Press(Qt::Key_Left);
+    EXPECT_EQ(kit::FromQDate(dates.selectedDate()), Day{kSaturday.serial + 5});
+}
+
+TEST_F(FormCalendar, HoursBeginWhereThePreferencesSayWhicheverViewComesFirst) {
+    for (const auto first : {PeriodKind::Week, PeriodKind::MonthGrid}) {
+        db.session.settings.calView = static_cast<std::uint8_t>(first);
+        db.session.settings.DisplayFrom = {7.0 / 24};
+        form.reset();
+        db.session.calendarView.reset();
+        Open();
+        form->calView_Click(0);
+        QCoreApplication::processEvents();
+        const int above = week->AreaOf({0, 0, 1440, true}).bottom();
+        const int top = week->AreaOf({0, 420, 450, false}).top();
+        EXPECT_GE(top, above);
+        EXPECT_LT(top, above + week->PixelsOfHour() / 2);
+    }
 }
 
 TEST_F(FormCalendar, AnEndUnderTheOpenEditorStoresNothing) {

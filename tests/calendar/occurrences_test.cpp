@@ -183,6 +183,18 @@ TEST_F(Occurrences, PrivateAndUnreadableOnesAreLeftOut) {
     EXPECT_EQ(Shown(3, 3), std::vector<std::string>{"3 600 hidden"});
 }
 
+TEST_F(Occurrences, AStartThatItsColumnBeliesIsNotOfThePeriod) {
+    Store(Make(3, 600, "open"));
+    const auto start = [&](std::int32_t day) {
+        const auto row =
+            store.Row("SELECT * FROM tt WHERE fPK=" + std::to_string(Store(Make(day, 600, "far"))));
+        return std::get<Bytes>(row->Field("fT1"));
+    };
+    for (const std::int32_t day : {-1, 7, 40000})
+        store.Set(Store(Make(3, 660, "belied")), "fT1", start(day));
+    EXPECT_EQ(Shown(0, 6), std::vector<std::string>{"3 600 open"});
+}
+
 TEST_F(Occurrences, OnlyWhatIsShownIsDeciphered) {
     store.session.undo.recording = false;
     std::mt19937 engine(11);

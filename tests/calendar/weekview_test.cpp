@@ -8,6 +8,7 @@
 #include <QToolTip>
 #include <QWheelEvent>
 #include <cmath>
+#include <limits>
 #include <set>
 
 #include "kit/theme.h"
@@ -306,6 +307,17 @@ TEST_F(WeekGrid, HitsWhatIsOnTop) {
     EXPECT_EQ(view.Chosen(), 0U);
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, left.center());
     EXPECT_EQ(opened, std::vector<std::size_t>{1});
+}
+
+TEST_F(WeekGrid, AnEndAtTheEndOfTheRangeGoesOnThroughTheView) {
+    const Day first{kEpoch.serial - 14000};
+    view.SetFrame(FrameFrom(first));
+    EntryLook endless = Entry(0, 600, 660, "endless");
+    endless.start = Minutes{MidnightOf(first).count + 600};
+    endless.end = Minutes{std::numeric_limits<std::int32_t>::max()};
+    Give(endless);
+    view.Choose(0);
+    EXPECT_GT(view.Marked().end, 7 * kMinutesOfDay);
 }
 
 TEST_F(WeekGrid, WhatHasNoRoomIsListedWhole) {

@@ -193,6 +193,9 @@ frmAppointment::frmAppointment(store::Session& session, const Appointment& appoi
 }
 
 frmAppointment::~frmAppointment() {
+    // The one in hand tells that it was left when it goes, and then the form is half gone.
+    for (QLineEdit* line : findChildren<QLineEdit*>())
+        line->disconnect(this);
     WipeRecord(stored_);
     WipeRecord(record_);
 }

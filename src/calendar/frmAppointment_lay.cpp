@@ -161,7 +161,7 @@ QWidget* frmAppointment::LayAlternatives() {
     RedoFrY[1] = Beside("RedoFrY1", {of, cboRedoMonth});
     QLabel* the = MakeOptionLabel("lblRedoNth", tr("The"), RedoAlt[1], this);
     nth_ = Beside("", {the, cboRedoWhen, cboRedoWeekday});
-    nth_->layout()->takeAt(nth_->layout()->count() - 1);  // what follows stands close behind
+    delete nth_->layout()->takeAt(nth_->layout()->count() - 1);  // what follows stands close behind
 
     RedoAltFrame = new QWidget;
     RedoAltFrame->setObjectName("RedoAltFrame");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -10,11 +11,16 @@
 
 namespace bmr::test {
 
-/// A known-answer file of tests/data.
-inline nlohmann::json LoadVectors(const std::string& name) {
-    std::ifstream file(std::string(BMR_TEST_DATA) + "/" + name);
-    if (!file) throw std::runtime_error("missing test data " + name);
-    return nlohmann::json::parse(file);
+/// A known-answer file of tests/data, read once: a loop over a part of it needs the whole to stay.
+inline const nlohmann::json& LoadVectors(const std::string& name) {
+    static std::map<std::string, nlohmann::json> files;
+    const auto [file, isNew] = files.try_emplace(name);
+    if (isNew) {
+        std::ifstream text(std::string(BMR_TEST_DATA) + "/" + name);
+        if (!text) throw std::runtime_error("missing test data " + name);
+        file->second = nlohmann::json::parse(text);
+    }
+    return file->second;
 }
 
 /// Bytes of a hex string that must be good.

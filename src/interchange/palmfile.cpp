@@ -50,9 +50,9 @@ std::uint32_t RoundedQuotient(std::uint32_t total, std::uint32_t divisor) {
 
 PalmCategory ReadCategory(PalmBytes& file) {
     PalmCategory category;
-    category.index = file.Long();
+    file.Long();  // its index, which the last of the three takes the place of
     category.id = file.Long();
-    file.Long();  // whether it was changed
+    category.index = file.Long();
     category.longName = file.CString();
     category.shortName = file.CString();
     return category;

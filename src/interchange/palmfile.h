@@ -23,7 +23,7 @@ struct PalmNumber {
 
 /// A category as the file holds it. Texts in code page 1252.
 struct PalmCategory {
-    std::uint32_t index = 0;
+    std::uint32_t index = 0;  ///< whether it was changed, in truth: records count along the list instead
     std::uint32_t id = 0;
     std::string_view longName;
     std::string_view shortName;

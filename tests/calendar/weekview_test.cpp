@@ -514,7 +514,7 @@ TEST(TableInks, AreReadableOnTheirGrounds) {
         return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
     };
     const auto contrast = [&](const QColor& a, const QColor& b) {
-        const auto [low, high] = std::minmax(bright(a), bright(b));
+        const auto [low, high] = std::minmax({bright(a), bright(b)});
         return (high + 0.05) / (low + 0.05);
     };
     for (const QPalette& palette : {kit::LightPalette(), kit::DarkPalette(), kit::HighContrastPalette()}) {
